@@ -1,0 +1,26 @@
+# One interface target holds what every file of ours is compiled with; linking `tarvo_options` is how
+# a room takes part.
+add_library(tarvo_options INTERFACE)
+target_compile_features(tarvo_options INTERFACE cxx_std_20)
+target_include_directories(tarvo_options INTERFACE ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/include)
+target_compile_options(tarvo_options INTERFACE
+  -Wall -Wextra -Wpedantic -Werror -Wshadow -Wconversion -Wsign-conversion -Wold-style-cast
+  -Wnon-virtual-dtor -Woverloaded-virtual -Wnull-dereference -Wimplicit-fallthrough)
+# No path of the building machine in a binary.
+target_compile_options(tarvo_options INTERFACE -ffile-prefix-map=${PROJECT_SOURCE_DIR}/=)
+# The bytes of a picture must not depend on the processor: no fused multiply-add behind our back.
+target_compile_options(tarvo_options INTERFACE -ffp-contract=off)
+
+option(TARVO_SANITIZE "Build with the address and undefined-behaviour sanitizers" OFF)
+if(TARVO_SANITIZE)
+  target_compile_options(tarvo_options INTERFACE
+    -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(tarvo_options INTERFACE -fsanitize=address,undefined)
+endif()
+
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bin)
+set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bin)
