@@ -1,0 +1,23 @@
+#include "entry/about.h"
+
+#include "host/match_name.h"
+#include "host/suite_handler.h"
+
+namespace tarvo {
+namespace {
+
+/// The version that users know; hosts go by another one.
+constexpr int kMajor = 1;
+constexpr int kMinor = 0;
+constexpr int kThird = 3;
+
+}  // namespace
+
+PF_Err About(PF_InData& in, PF_OutData& out) {
+  SuiteHandler suites(in.pica_basicP);
+  suites.Get<PF_ANSICallbacksSuite1>().sprintf(out.return_msg, "%s, v%d.%d.%d\r%s", kOwnMatchName,
+                                               kMajor, kMinor, kThird, "IK & rigging.");
+  return PF_Err_NONE;
+}
+
+}  // namespace tarvo

@@ -1,0 +1,11 @@
+#pragma once
+
+#include "sdk/effect.h"
+
+namespace tarvo {
+
+/// Answers the About command: name, version and description in the output record's message, lines
+/// parted by a carriage return. Throws PF_Err_BAD_CALLBACK_PARAM without the host's ANSI suite.
+PF_Err About(PF_InData& in, PF_OutData& out);
+
+}  // namespace tarvo

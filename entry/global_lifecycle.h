@@ -1,0 +1,28 @@
+#pragma once
+
+#include "sdk/effect.h"
+
+namespace tarvo {
+
+/// The effect's global data, in a host handle of exactly this size.
+struct GlobalData {
+  /// Source of the instances' numbers.
+  A_long instanceCounter;
+};
+SDK_SIZE(GlobalData, 4);
+
+/// Answers global set-up: reports version and flags, registers with the host's project layer,
+/// starts the framework and its program, and makes the global data. A failure does not keep the
+/// later steps from being tried.
+///
+/// Returns the first failure's code: the host's own, PF_Err_INTERNAL_STRUCT_DAMAGED with a message
+/// for the framework's; PF_Err_OUT_OF_MEMORY, before all others, if there is no global data. Throws
+/// PF_Err_BAD_CALLBACK_PARAM without the utility or the handle suite.
+PF_Err GlobalSetup(PF_InData& in, PF_OutData& out);
+
+/// Answers global set-down: releases the scenes that are left, stops the framework and gives the
+/// global data back. Returns PF_Err_INTERNAL_STRUCT_DAMAGED, with a message, if the framework
+/// fails. [framework's context current; it is gone at the return]
+PF_Err GlobalSetdown(PF_InData& in, PF_OutData& out);
+
+}  // namespace tarvo

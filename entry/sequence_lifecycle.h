@@ -1,0 +1,26 @@
+#pragma once
+
+#include "sdk/effect.h"
+
+namespace tarvo {
+
+/// Answers the making of an instance: gives it an empty scene store with a number of its own,
+/// prepares the render target and arms the idle hook. [framework's context current]
+///
+/// Returns PF_Err_OUT_OF_MEMORY, nothing else being done, if there is no store;
+/// PF_Err_INTERNAL_STRUCT_DAMAGED, with a message for the user, if there is no render target.
+PF_Err SequenceSetup(PF_InData& in, PF_OutData& out);
+
+/// Answers the return of an instance from a saved project and the duplication of one: replaces its
+/// store by an empty one. The old bytes are never read, for what they name is gone or another
+/// instance's. [framework's context current]
+///
+/// Returns what SequenceSetup does; a store that cannot be replaced is not an error, unless the new
+/// one cannot be locked (PF_Err_INTERNAL_STRUCT_DAMAGED).
+PF_Err SequenceResetup(PF_InData& in, PF_OutData& out);
+
+/// Answers the end of an instance: releases its scene and gives its store back. Returns 0.
+/// [framework's context current]
+PF_Err SequenceSetdown(PF_InData& in, PF_OutData& out);
+
+}  // namespace tarvo

@@ -1,0 +1,50 @@
+#pragma once
+
+#include "host/host_calls.h"
+#include "host/host_reference.h"
+#include "host/match_name.h"
+#include "host/process.h"
+
+namespace tarvo {
+
+/// The effect stack of a layer, as the host describes it.
+struct EffectStack {
+  AEGP_LayerH layer = nullptr;
+  A_long count = 0;  ///< effects on the layer; 0 without a layer
+};
+
+/// Asks for the layer that the calling instance is applied to and for its number of effects;
+/// chained, so that the count is 0 after a failure.
+inline EffectStack GetEffectStack(HostCalls& host, PF_ProgPtr effectRef) {
+  EffectStack stack;
+  host.Run(&AEGP_PFInterfaceSuite1::AEGP_GetEffectLayer, effectRef, &stack.layer);
+  if (stack.layer != nullptr) {
+    host.Run(&AEGP_EffectSuite3::AEGP_GetLayerNumEffects, stack.layer, &stack.count);
+  }
+  return stack;
+}
+
+/// True iff the effect is a companion that is switched on; chained, false after a failure.
+inline bool IsActiveCompanion(HostCalls& host, AEGP_EffectRefH effect) {
+  AEGP_InstalledEffectKey key = 0;
+  MatchName name;
+  AEGP_EffectFlags flags = AEGP_EffectFlags_NONE;
+  host.Run(&AEGP_EffectSuite2::AEGP_GetInstalledKeyFromLayerEffect, effect, &key);
+  host.Run(&AEGP_EffectSuite2::AEGP_GetEffectMatchName, key, name.Buffer());
+  host.Run(&AEGP_EffectSuite2::AEGP_GetEffectFlags, effect, &flags);
+  return host.Ok() && name.Is(kCompanionMatchName) && (flags & AEGP_EffectFlags_ACTIVE) != 0;
+}
+
+/// The one walk over a layer's effects: calls `visit(position, effect)` for every companion that is
+/// switched on, top of the stack (position 0) first. The reference is the walk's and lives until
+/// `visit` returns. After a failed host call nothing more is visited.
+template <class Visitor>
+void ForEachActiveCompanion(HostCalls& host, const EffectStack& stack, Visitor visit) {
+  for (A_long position = 0; position < stack.count && host.Ok(); ++position) {
+    EffectReference effect(host);
+    effect.Obtain(&AEGP_EffectSuite2::AEGP_GetLayerEffectByIndex, gPluginId, stack.layer, position);
+    if (effect && IsActiveCompanion(host, effect.Get())) visit(position, effect.Get());
+  }
+}
+
+}  // namespace tarvo

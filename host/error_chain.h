@@ -1,0 +1,62 @@
+#pragma once
+
+#include <new>
+#include <utility>
+
+#include "sdk/basic_types.h"
+
+namespace tarvo {
+
+/// The running result of a handler: it starts at 0, and the first failure stays.
+class ErrorChain {
+ public:
+  [[nodiscard]] PF_Err Code() const { return code_; }
+  [[nodiscard]] bool Ok() const { return code_ == PF_Err_NONE; }
+
+  /// Runs `call` only while the code is 0; its result becomes the code.
+  template <class Call>
+  void Run(Call&& call) {
+    if (Ok()) code_ = std::forward<Call>(call)();
+  }
+
+  /// Runs `call` whatever the code; its result counts only if the code was still 0.
+  template <class Call>
+  void RunAlways(Call&& call) {
+    Note(std::forward<Call>(call)());
+  }
+
+  /// A result from elsewhere, which counts only if the code was still 0.
+  void Note(PF_Err result) {
+    if (Ok()) code_ = result;
+  }
+
+  /// Replaces whatever was there.
+  void Become(PF_Err result) { code_ = result; }
+
+ private:
+  PF_Err code_ = PF_Err_NONE;
+};
+
+/// Runs `body` and returns its result, or the host code that it threw. Other exceptions pass.
+template <class Body>
+PF_Err Guarded(Body&& body) {
+  try {
+    return std::forward<Body>(body)();
+  } catch (const PF_Err thrown) {
+    return thrown;
+  }
+}
+
+/// What the host is told of an exception that is no code of its own, for a handler of `...`: memory
+/// that ran out is PF_Err_OUT_OF_MEMORY, everything else PF_Err_INTERNAL_STRUCT_DAMAGED.
+inline PF_Err CodeOfCurrentException() noexcept {
+  try {
+    throw;
+  } catch (const std::bad_alloc&) {
+    return PF_Err_OUT_OF_MEMORY;
+  } catch (...) {
+    return PF_Err_INTERNAL_STRUCT_DAMAGED;
+  }
+}
+
+}  // namespace tarvo

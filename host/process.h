@@ -1,0 +1,18 @@
+#pragma once
+
+#include "sdk/aegp.h"
+
+namespace tarvo {
+
+/// The host's basic suite, as of the latest call of the entry point. The idle hook, which is called
+/// without any record of the host's, builds its suite access from it.
+extern SPBasicSuite* gBasicSuite;
+
+/// How the host's project layer knows this plug-in; every call there that asks for it gets it.
+extern AEGP_PluginID gPluginId;
+
+/// Idle calls since the latest sequence set-up or resetup of any instance; the one-time work of the
+/// idle hook runs on the call that finds 0.
+extern A_u_long gIdleTicks;
+
+}  // namespace tarvo

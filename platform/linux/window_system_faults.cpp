@@ -1,0 +1,3 @@
+#include "platform/linux/window_system_faults.h"
+
+WindowSystemFaults gWindowSystemFaults;

@@ -1,0 +1,89 @@
+#include "render/camera.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+#include <window_system.h>
+
+namespace tarvo {
+namespace {
+
+constexpr double kEyeDistance = 3000.0;
+constexpr double kNearPlane = 10.0;
+constexpr double kFarPlane = 30000.0;
+/// 360 / pi: twice the angle, in degrees, of an arc tangent in radians.
+constexpr double kTwiceDegreesPerRadian = 114.591559026164;
+
+/// Whether OpenGL takes the whole output as a viewport.
+bool FitsViewport(const Frame& frame) {
+  std::array<GLint, 2> largest{};
+  glGetIntegerv(GL_MAX_VIEWPORT_DIMS, largest.data());
+  return frame.outWidth <= largest[0] && frame.outHeight <= largest[1];
+}
+
+/// The viewport keeps the whole output's size and is moved by the tile's corner: every vertex then
+/// keeps its place to the last bit, and tiles meet without a seam.
+void MoveViewport(const Frame& frame, const Tile& tile) {
+  glViewport(-tile.x, -tile.y, frame.outWidth, frame.outHeight);
+}
+
+/// For outputs beyond the largest viewport: magnifies the tile in the projection instead.
+void PickTile(const Frame& frame, const Tile& tile) {
+  glViewport(0, 0, tile.width, tile.height);
+  std::array<GLint, 4> whole{0, 0, frame.outWidth, frame.outHeight};
+  gluPickMatrix(tile.x + 0.5 * tile.width, tile.y + 0.5 * tile.height, tile.width, tile.height,
+                whole.data());
+}
+
+void SetProjection(const Frame& frame, const Tile& tile) {
+  glMatrixMode(GL_PROJECTION);
+  glLoadIdentity();
+  if (FitsViewport(frame)) {
+    MoveViewport(frame, tile);
+  } else {
+    PickTile(frame, tile);
+  }
+  const double width = frame.outWidth;
+  const double height = frame.outHeight;
+  gluPerspective(kTwiceDegreesPerRadian * std::atan(height / (2.0 * kEyeDistance)), width / height,
+                 kNearPlane, kFarPlane);
+}
+
+void SetModelView(const Frame& frame) {
+  glMatrixMode(GL_MODELVIEW);
+  glLoadIdentity();
+  const double x = 0.5 * frame.outWidth;
+  const double y = 0.5 * frame.outHeight;
+  gluLookAt(x, y, kEyeDistance, x, y, 0.0, 0.0, 1.0, 0.0);
+  glTranslatef(static_cast<float>(frame.in.output_origin_x),
+               static_cast<float>(frame.in.output_origin_y), 0.0F);
+  glTranslatef(static_cast<float>(frame.in.pre_effect_source_origin_x),
+               static_cast<float>(frame.in.pre_effect_source_origin_y), 0.0F);
+}
+
+}  // namespace
+
+std::vector<Tile> TilesOf(A_long outWidth, A_long outHeight, A_long targetWidth,
+                          A_long targetHeight) {
+  std::vector<Tile> tiles;
+  if (targetWidth <= 0 || targetHeight <= 0) return tiles;
+  for (A_long y = 0; y < outHeight; y += targetHeight) {
+    for (A_long x = 0; x < outWidth; x += targetWidth) {
+      tiles.push_back({.x = x,
+                       .y = y,
+                       .width = std::min(targetWidth, outWidth - x),
+                       .height = std::min(targetHeight, outHeight - y)});
+    }
+  }
+  return tiles;
+}
+
+void AimCamera(const Frame& frame, const Tile& tile) {
+  SetProjection(frame, tile);
+  SetModelView(frame);
+  glEnable(GL_SCISSOR_TEST);  // a clear ignores the viewport and would cover the whole target
+  glScissor(0, 0, tile.width, tile.height);
+}
+
+}  // namespace tarvo

@@ -1,0 +1,89 @@
+#include "render/colour_passes.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "host/host_memory.h"
+#include "render/draw_quad.h"
+#include "render/pixel_rows.h"
+#include "render/rectangle_texture.h"
+
+namespace tarvo {
+
+using AESDK_OpenGL::AESDK_OpenGL_BindSampler;
+using AESDK_OpenGL::AESDK_OpenGL_SetBlendEquation;
+using AESDK_OpenGL::AESDK_OpenGL_SetUniform4;
+using AESDK_OpenGL::gState;
+
+namespace {
+
+/// One colour pass: what it is called to the shader, and how it blends.
+struct Pass {
+  GLfloat number;
+  GLenum equation;
+  GLenum destinationFactor;
+};
+constexpr Pass kGreatest{0.0F, GL_MAX, GL_ONE};
+constexpr Pass kOver{1.0F, GL_ADD, GL_ONE_MINUS_SRC_ALPHA};
+
+void SetPass(Frame& frame, const Pass& pass) {
+  const GLfloat fast = frame.fastTransparency ? 1.0F : 0.0F;
+  RequireFramework(frame,
+                   AESDK_OpenGL_SetUniform4(gState, 1.0F, pass.number, fast, 0.0F, "dataFromAE"));
+  RequireFramework(frame, AESDK_OpenGL_SetBlendEquation(pass.equation, pass.equation));
+  glBlendFunc(GL_ONE, pass.destinationFactor);
+}
+
+void BindImage(Frame& frame, OwnershipMaps& maps, const DrawPiece& piece) {
+  const auto bind = [&](GLuint texture, const char* sampler, GLuint unit) {
+    RequireFramework(frame, AESDK_OpenGL_BindSampler(gState, texture, sampler, unit));
+  };
+  bind(frame.ImageOf(piece).texture, "videoTexture", 0);
+  if (frame.fastTransparency) return;
+  const OwnershipMaps::Pair& pair = maps.Of(piece.slot, piece.family);
+  bind(pair.w, "coordTextureW", 1);
+  bind(pair.h, "coordTextureH", 2);
+}
+
+void DrawPieces(Frame& frame, OwnershipMaps& maps) {
+  const SlotImage* bound = nullptr;
+  for (const DrawPiece& piece : frame.drawList) {
+    const SlotImage& image = frame.ImageOf(piece);
+    if (&image != bound) BindImage(frame, maps, piece);
+    bound = &image;
+    glColor4f(1.0F, 1.0F, 1.0F, static_cast<GLfloat>(image.opacity));
+    DrawQuad(frame, piece, 0.0F);
+  }
+  glFlush();
+}
+
+}  // namespace
+
+void RenderColourPasses(Frame& frame, OwnershipMaps& maps) {
+  glClearColor(0.0F, 0.0F, 0.0F, 0.0F);
+  glClear(GL_COLOR_BUFFER_BIT);
+  for (const Pass& pass : {kGreatest, kOver}) {
+    SetPass(frame, pass);
+    DrawPieces(frame, maps);
+  }
+}
+
+bool ReadBack(Frame& frame, const Tile& tile) {
+  HostMemory buffer(frame.host.Suites(), PackedBytes(tile.width, tile.height));
+  auto* const pixels = buffer ? static_cast<A_u_char*>(buffer.Lock()) : nullptr;
+  if (pixels == nullptr) return false;
+  ReadRenderTarget(tile.width, tile.height, pixels);
+
+  PF_EffectWorld& world = frame.scratchWorld.World();
+  const A_HandleSize rowBytes = PackedBytes(tile.width, 1);
+  const A_long rows = std::min(tile.height, world.height - tile.y);
+  for (A_long row = 0; row < rows; ++row) {
+    A_u_char* const destination = RowOf(*frame.in.utils, world, tile.y + row);
+    if (destination == nullptr) return false;
+    std::memcpy(destination + PackedBytes(tile.x, 1),
+                pixels + static_cast<A_HandleSize>(row) * rowBytes, rowBytes);
+  }
+  return true;
+}
+
+}  // namespace tarvo

@@ -1,0 +1,87 @@
+#pragma once
+
+#include <vector>
+
+#include "gl/framework.h"
+#include "host/host_calls.h"
+#include "scene/scene.h"
+#include "sdk/effect.h"
+
+namespace tarvo {
+
+/// The 8-bit world into which a frame is read back. It goes back to the host when the frame ends,
+/// on whatever path.
+class ScratchWorld {
+ public:
+  ScratchWorld(HostCalls& host, PF_ProgPtr effectRef) : host_(host), effectRef_(effectRef) {}
+  ~ScratchWorld() { Dispose(); }
+  ScratchWorld(const ScratchWorld&) = delete;
+  ScratchWorld& operator=(const ScratchWorld&) = delete;
+
+  /// Asks the host for a world of that size in pixels; chained.
+  void Make(A_long width, A_long height);
+  /// Gives the world back, if there is one; an error counts only if there was none.
+  void Dispose();
+
+  [[nodiscard]] bool Made() const { return made_; }
+  /// All fields are zero unless it was made.
+  PF_EffectWorld& World() { return world_; }
+
+ private:
+  HostCalls& host_;
+  PF_ProgPtr effectRef_;
+  PF_EffectWorld world_{};
+  bool made_ = false;
+};
+
+/// A piece in the order of drawing.
+struct DrawPiece {
+  const PieceQuad* quad;
+  /// Lower is nearer to the viewer.
+  double depth;
+  std::size_t slot;
+  ImageFamily family;
+};
+
+/// A part of the output that the render target can hold, in output pixels.
+struct Tile {
+  A_long x;
+  A_long y;
+  A_long width;
+  A_long height;
+};
+
+/// Everything that one render call holds; its stages take it.
+struct Frame {
+  Frame(PF_InData& inData, PF_OutData& outData, PF_ParamDef* const* parameters,
+        PF_EffectWorld& outputWorld, HostCalls& hostCalls, Scene& instanceScene);
+
+  [[nodiscard]] const SlotImage& ImageOf(const DrawPiece& piece) const {
+    return scene.slots[piece.slot].images[piece.family];
+  }
+
+  PF_InData& in;
+  PF_OutData& out;
+  PF_ParamDef* const* params;
+  PF_EffectWorld& output;
+  HostCalls& host;
+  Scene& scene;
+
+  /// From full-resolution layer pixels to pixels of the current resolution.
+  double scaleX;
+  double scaleY;
+  A_long outWidth;
+  A_long outHeight;
+  /// Without ownership maps: overlapping pieces of one image all show.
+  bool fastTransparency;
+
+  ScratchWorld scratchWorld;
+  /// Deepest first.
+  std::vector<DrawPiece> drawList;
+};
+
+/// Stops the render if a framework operation failed: its text becomes the message, shown to the
+/// user, and PF_Err_INTERNAL_STRUCT_DAMAGED is thrown.
+void RequireFramework(Frame& frame, AESDK_OpenGL::AESDK_OpenGL_Err code);
+
+}  // namespace tarvo

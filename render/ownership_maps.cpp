@@ -1,0 +1,91 @@
+#include "render/ownership_maps.h"
+
+#include <algorithm>
+
+#include "host/host_memory.h"
+#include "render/draw_quad.h"
+#include "render/pixel_rows.h"
+#include "render/rectangle_texture.h"
+
+namespace tarvo {
+
+using AESDK_OpenGL::AESDK_OpenGL_BindSampler;
+using AESDK_OpenGL::AESDK_OpenGL_SetBlendEquation;
+using AESDK_OpenGL::AESDK_OpenGL_SetUniform4;
+using AESDK_OpenGL::gState;
+
+namespace {
+
+/// What a map holds, as the shader reads it from the normal's third component.
+struct Coordinate {
+  GLfloat selector;
+  GLuint OwnershipMaps::Pair::*map;
+};
+constexpr std::array<Coordinate, 2> kCoordinates{
+    {{0.0F, &OwnershipMaps::Pair::w}, {1.0F, &OwnershipMaps::Pair::h}}};
+
+/// The first fragment that reaches a pixel stays: the target starts at alpha 0, every fragment
+/// brings alpha 1.
+void SetCoordinatePass(Frame& frame) {
+  RequireFramework(frame, AESDK_OpenGL_SetBlendEquation(GL_ADD, GL_ADD));
+  glClearColor(0.0F, 0.0F, 0.0F, 0.0F);
+  glBlendFunc(GL_ONE_MINUS_DST_ALPHA, GL_DST_ALPHA);
+  RequireFramework(frame, AESDK_OpenGL_SetUniform4(gState, 0.0F, 0.0F, 0.0F, 0.0F, "dataFromAE"));
+}
+
+/// Draws the pieces of one image, the nearest first.
+void DrawCoordinates(Frame& frame, std::size_t slot, ImageFamily family, GLfloat selector) {
+  glClear(GL_COLOR_BUFFER_BIT);
+  const GLuint texture = frame.scene.slots[slot].images[family].texture;
+  RequireFramework(frame, AESDK_OpenGL_BindSampler(gState, texture, "videoTexture", 0));
+  std::for_each(frame.drawList.rbegin(), frame.drawList.rend(), [&](const DrawPiece& piece) {
+    if (piece.slot == slot && piece.family == family) DrawQuad(frame, piece, selector);
+  });
+}
+
+/// Moves the tile from the render target into a texture of its own; 0 if the host has no buffer.
+GLuint KeepAsMap(Frame& frame, const Tile& tile) {
+  HostMemory buffer(frame.host.Suites(), PackedBytes(tile.width, tile.height));
+  void* const pixels = buffer ? buffer.Lock() : nullptr;
+  if (pixels == nullptr) return 0;
+  GLuint map = 0;
+  glGenTextures(1, &map);
+  ReadRenderTarget(tile.width, tile.height, pixels);
+  DefineRectangleTexture(map, tile.width, tile.height, pixels, GL_NEAREST);
+  return map;
+}
+
+void RenderFamily(Frame& frame, const Tile& tile, ImageFamily family, OwnershipMaps& maps) {
+  for (const Coordinate& coordinate : kCoordinates) {
+    for (std::size_t slot = 0; slot < frame.scene.slots.size(); ++slot) {
+      if (frame.scene.slots[slot].images[family].texture == 0) continue;
+      DrawCoordinates(frame, slot, family, coordinate.selector);
+      maps.Of(slot, family).*coordinate.map = KeepAsMap(frame, tile);
+    }
+  }
+}
+
+}  // namespace
+
+OwnershipMaps::OwnershipMaps(std::size_t slotCount) {
+  for (std::vector<Pair>& pairs : pairs_) pairs.resize(slotCount);
+}
+
+OwnershipMaps::~OwnershipMaps() {
+  for (const std::vector<Pair>& pairs : pairs_) {
+    for (const Pair& pair : pairs) {
+      glDeleteTextures(1, &pair.w);  // 0 is ignored
+      glDeleteTextures(1, &pair.h);
+    }
+  }
+}
+
+OwnershipMaps RenderOwnershipMaps(Frame& frame, const Tile& tile) {
+  OwnershipMaps maps(frame.scene.slots.size());
+  if (frame.fastTransparency) return maps;
+  SetCoordinatePass(frame);
+  for (const ImageFamily family : kImageFamilies) RenderFamily(frame, tile, family, maps);
+  return maps;
+}
+
+}  // namespace tarvo

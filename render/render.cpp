@@ -1,0 +1,132 @@
+#include "render/render.h"
+
+#include "host/report.h"
+#include "render/camera.h"
+#include "render/colour_passes.h"
+#include "render/draw_list.h"
+#include "render/frame.h"
+#include "render/ownership_maps.h"
+#include "render/piece_upload.h"
+#include "scene/scene_store.h"
+
+namespace tarvo {
+
+using AESDK_OpenGL::AESDK_OpenGL_BindRenderTarget;
+using AESDK_OpenGL::AESDK_OpenGL_FramebufferStatusText;
+using AESDK_OpenGL::AESDK_OpenGL_MakeCurrent;
+using AESDK_OpenGL::AESDK_OpenGL_UseNoProgram;
+using AESDK_OpenGL::AESDK_OpenGL_UseProgram;
+using AESDK_OpenGL::gState;
+
+namespace {
+
+/// Sides of a frame that the host copies, in pixels.
+constexpr A_long kLeastSide = 4;
+constexpr A_long kGreatestSide = 30'000;
+
+/// Null stands for all fields of the fill, and for transparent black.
+void ClearOutput(HostCalls& host, PF_InData& in, PF_EffectWorld& output) {
+  host.Run(in.utils->fill, in.effect_ref, nullptr, nullptr, &output);
+}
+
+/// Everything that the stages rely on and none of them sets.
+void SetFixedState() {
+  glEnable(GL_TEXTURE_RECTANGLE_ARB);
+  glDisable(GL_ALPHA_TEST);
+  glDisable(GL_DEPTH_TEST);
+  glEnable(GL_BLEND);
+  glDisable(GL_LIGHTING);
+  glPolygonMode(GL_FRONT, GL_FILL);
+  AESDK_OpenGL_UseProgram(gState);
+}
+
+/// False if the tile could not be read back.
+bool RenderTile(Frame& frame, const Tile& tile) {
+  AimCamera(frame, tile);
+  OwnershipMaps maps = RenderOwnershipMaps(frame, tile);
+  RenderColourPasses(frame, maps);
+  return ReadBack(frame, tile);
+}
+
+/// False if some part of the frame could not be read back.
+bool RenderTiles(Frame& frame) {
+  bool whole = true;
+  for (const Tile& tile :
+       TilesOf(frame.outWidth, frame.outHeight, gState.targetWidth, gState.targetHeight)) {
+    whole = RenderTile(frame, tile) && whole;
+  }
+  return whole;
+}
+
+/// A framebuffer that came apart under the passes holds no frame.
+void RequireCompleteFramebuffer(Frame& frame) {
+  const std::string status = AESDK_OpenGL_FramebufferStatusText();
+  if (status == "OK") return;
+  WriteMessage(frame.in, frame.out, status, Display::kYes);
+  throw PF_Err{PF_Err_INTERNAL_STRUCT_DAMAGED};
+}
+
+bool IsCopied(const PF_Rect& area) {
+  const auto fits = [](A_long side) { return side >= kLeastSide && side <= kGreatestSide; };
+  return fits(area.right - area.left) && fits(area.bottom - area.top);
+}
+
+/// Turns the frame into straight colour and copies it into the output.
+void Transfer(Frame& frame) {
+  if (!frame.scratchWorld.Made()) return;
+  PF_EffectWorld& world = frame.scratchWorld.World();
+  frame.host.Run(&PF_FillMatteSuite2::premultiply, frame.in.effect_ref, A_long{0}, &world);
+  PF_Rect area = world.extent_hint;
+  if (!IsCopied(area)) return;
+  frame.host.Run(frame.in.utils->copy, frame.in.effect_ref, &world, &frame.output, nullptr, &area);
+}
+
+void RenderFrame(Frame& frame) {
+  frame.scratchWorld.Make(frame.outWidth, frame.outHeight);
+  RequireFramework(frame, AESDK_OpenGL_BindRenderTarget(gState));
+  SetFixedState();
+  UploadPieceImages(frame);
+  frame.drawList = BuildDrawList(frame.scene, frame.params);
+  const bool whole = RenderTiles(frame);
+  glFlush();
+  AESDK_OpenGL_UseNoProgram();
+  RequireCompleteFramebuffer(frame);
+  if (whole) Transfer(frame);
+}
+
+/// Returns the code that the frame was stopped with. What is no code of the host's (memory that ran
+/// out, say) stops the frame too, and leaves the result to the host calls so far.
+PF_Err StoppedWith(Frame& frame) {
+  try {
+    RenderFrame(frame);
+  } catch (const PF_Err thrown) {
+    return thrown;
+  } catch (...) {
+    return PF_Err_NONE;
+  }
+  return PF_Err_NONE;
+}
+
+PF_Err RenderScene(PF_InData& in, PF_OutData& out, PF_ParamDef* const* params,
+                   PF_EffectWorld& output, HostCalls& host, Scene& scene) {
+  Frame frame(in, out, params, output, host, scene);
+  const PF_Err stopped = StoppedWith(frame);
+  frame.scratchWorld.Dispose();
+  return stopped != PF_Err_NONE ? stopped : host.Code();
+}
+
+}  // namespace
+
+PF_Err Render(PF_InData& in, PF_OutData& out, PF_ParamDef* const* params, PF_EffectWorld& output) {
+  HostCalls host(in.pica_basicP);
+  Scene* const scene = gScenes.Reach(in.sequence_data);
+  const PF_Err result = Guarded([&] {
+    ClearOutput(host, in, output);
+    if (scene == nullptr) return host.Code();
+    return RenderScene(in, out, params, output, host, *scene);
+  });
+  AESDK_OpenGL_MakeCurrent(gState.savedDeviceContext, gState.savedRenderContext);
+  return result;
+}
+
+}  // namespace tarvo

@@ -1,0 +1,20 @@
+#pragma once
+
+#include "sdk/effect.h"
+
+namespace tarvo {
+
+/// Answers the render command: draws the instance's pieces, deepest first, into `output`, straight
+/// colour, 8 bits a channel. The output keeps a transparent fill wherever the render ends early.
+/// The host's context is current again at the return. [framework's context current]
+///
+/// Returns
+/// - 0 for a frame, and for one that is too small or too large to be copied,
+/// - the code of the first host call that failed,
+/// - PF_Err_INTERNAL_STRUCT_DAMAGED, with a message for the user, if the framework fails,
+/// - PF_Err_BAD_CALLBACK_PARAM if a suite is missing,
+/// - PF_Interrupt_CANCEL if an image could not be uploaded.
+/// Throws PF_Err_BAD_CALLBACK_PARAM without a basic suite.
+PF_Err Render(PF_InData& in, PF_OutData& out, PF_ParamDef* const* params, PF_EffectWorld& output);
+
+}  // namespace tarvo

@@ -1,0 +1,107 @@
+#include "scene/intake.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "host/effect_walk.h"
+#include "host/host_calls.h"
+#include "scene/companion_record.h"
+#include "scene/scene_store.h"
+
+namespace tarvo {
+namespace {
+
+constexpr A_long kNoBone = -1;
+
+/// Makes room for `count` slots. Allocates first, so that a scene out of memory stays as it was.
+void GrowTo(Scene& scene, std::size_t count) {
+  if (count <= scene.slots.size()) return;
+  scene.boneOrdinal.reserve(count);
+  scene.slots.resize(count);
+  scene.boneOrdinal.resize(count, kNoBone);
+}
+
+/// Files pieces and opacities. Worlds are not filed: a slot refers to images of its own alone.
+void File(CompanionRecord& record, Slot& slot) {
+  slot.quads = std::move(record.quads);
+  for (const ImageFamily family : kImageFamilies) {
+    slot.images[family].sentOpacity = record.images[family].opacity;
+  }
+}
+
+/// An image of an earlier message that no frame has uploaded yet gives way to the new one.
+void DisposeWaiting(HostCalls& host, PF_ProgPtr effectRef, SlotImage& image) {
+  if (!image.taken) return;
+  host.GiveBack(&PF_WorldSuite1::dispose_world, effectRef, &*image.taken);
+  image.taken.reset();
+}
+
+/// Copies the sender's image into a world of our own; nothing if the host fails, and then the world
+/// that it made goes back.
+std::optional<PF_EffectWorld> CopyImage(HostCalls& host, const PF_InData& in,
+                                        PF_EffectWorld& source) {
+  PF_EffectWorld own{};
+  host.Run(&PF_WorldSuite1::new_world, in.effect_ref, source.width, source.height,
+           PF_NewWorldFlag_NONE, &own);
+  if (!host.Ok()) return std::nullopt;
+  host.Run(in.utils->copy, in.effect_ref, &source, &own, nullptr, nullptr);
+  if (host.Ok()) return own;
+  host.GiveBack(&PF_WorldSuite1::dispose_world, in.effect_ref, &own);
+  return std::nullopt;
+}
+
+/// Takes one new image. Sizes, pending mark and the sender's flag change also when the host fails;
+/// the sender's world is disposed of only after a copy.
+void TakeImage(HostCalls& host, const PF_InData& in, void* sender, ImageFamily family,
+               CompanionRecord::Image& sent, SlotImage& image) {
+  if (!sent.isNew || sent.world.width == 0 || sent.world.height == 0) return;
+  DisposeWaiting(host, in.effect_ref, image);
+  image.width = sent.world.width;
+  image.height = sent.world.height;
+  image.taken = CopyImage(host, in, sent.world);
+  image.pending = true;
+  host.Run(&PF_WorldSuite1::dispose_world, in.effect_ref, &sent.world);
+  ClearNewImageFlag(sender, family);
+}
+
+/// Numbers the layer's switched-on companions from the top; without a layer the old numbers stay.
+void NumberBones(HostCalls& host, PF_ProgPtr effectRef, std::vector<A_long>& boneOrdinal) {
+  const EffectStack stack = GetEffectStack(host, effectRef);
+  if (stack.count <= 0) return;
+  boneOrdinal.assign(static_cast<std::size_t>(stack.count), kNoBone);
+  A_long bone = 0;
+  ForEachActiveCompanion(host, stack, [&](A_long position, AEGP_EffectRefH) {
+    boneOrdinal[static_cast<std::size_t>(position)] = bone++;
+  });
+}
+
+void EmptyDeadSlots(Scene& scene) {
+  for (std::size_t place = 0; place < scene.slots.size(); ++place) {
+    const bool alive = place < scene.boneOrdinal.size() && scene.boneOrdinal[place] != kNoBone;
+    if (!alive) scene.slots[place].quads.clear();
+  }
+}
+
+}  // namespace
+
+PF_Err CompletelyGeneral(PF_InData& in, void* extra) {
+  if (in.sequence_data == nullptr) return PF_Err_NONE;
+  std::optional<CompanionRecord> record = ReadCompanionRecord(extra);
+  if (!record) return PF_Err_BAD_CALLBACK_PARAM;
+  Scene* const scene = gScenes.Reach(in.sequence_data);
+  if (scene == nullptr) return PF_Err_NONE;
+
+  HostCalls host(in.pica_basicP);
+  const auto place = static_cast<std::size_t>(record->effectIndex);
+  GrowTo(*scene, place + 1);
+  Slot& slot = scene->slots[place];
+  File(*record, slot);
+  for (const ImageFamily family : kImageFamilies) {
+    TakeImage(host, in, extra, family, record->images[family], slot.images[family]);
+  }
+  NumberBones(host, in.effect_ref, scene->boneOrdinal);
+  EmptyDeadSlots(*scene);
+  return host.Code();
+}
+
+}  // namespace tarvo

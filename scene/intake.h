@@ -1,0 +1,17 @@
+#pragma once
+
+#include "sdk/effect.h"
+
+namespace tarvo {
+
+/// Answers the general command: files the record at `extra` (a CompanionSlot, at any alignment) in
+/// the slot of its sender's place, takes its new images, numbers the layer's switched-on companions
+/// afresh and empties the slots of all others. In the sender's memory only the two newImage bytes
+/// change, each after its image was taken.
+///
+/// Returns 0, also without sequence data; PF_Err_BAD_CALLBACK_PARAM for a record that cannot be
+/// meant (nothing is touched then); or the first failed host call's code, the record being filed
+/// all the same. Throws PF_Err_BAD_CALLBACK_PARAM for a suite that the host does not hand out.
+PF_Err CompletelyGeneral(PF_InData& in, void* extra);
+
+}  // namespace tarvo

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <optional>
+#include <vector>
+
+#include <window_system.h>
+
+#include "sdk/effect.h"
+#include "tarvo/companion.h"
+
+namespace tarvo {
+
+/// The two images that a companion may send. Whatever is done for one is done for the other.
+enum ImageFamily : std::size_t { kImageA, kImageB };
+inline constexpr std::array kImageFamilies{kImageA, kImageB};
+
+/// One of the two images of a slot, from the companion's message to the texture it is drawn from.
+struct SlotImage {
+  /// The image taken at the latest message, owned by the slot until it is uploaded or given up.
+  std::optional<PF_EffectWorld> taken;
+  /// An image was taken and not yet uploaded. With nothing in `taken` the take failed.
+  bool pending = false;
+  /// Size in pixels of the latest image taken.
+  A_long width = 0;
+  A_long height = 0;
+  /// Opacity in the latest record.
+  double sentOpacity = 0.0;
+
+  /// Rectangle texture that holds the latest upload, 0 before the first; reused for later ones.
+  GLuint texture = 0;
+  /// The record's opacity as it stood at the latest upload: what pieces are drawn with.
+  double opacity = 0.0;
+};
+
+/// What the companion at one place of the effect stack last sent.
+struct Slot {
+  /// Empty unless a companion that is switched on stood at the slot's place at the latest message.
+  std::vector<PieceQuad> quads;
+  std::array<SlotImage, kImageFamilies.size()> images;
+};
+
+/// What an instance knows of its layer's pieces; kept from frame to frame.
+struct Scene {
+  /// Slot p belongs to place p of the layer's effect stack. Never shrinks.
+  std::vector<Slot> slots;
+  /// By place in the effect stack: the number, from 0, of the switched-on companion there, else -1.
+  std::vector<A_long> boneOrdinal;
+};
+
+}  // namespace tarvo

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <memory>
+#include <unordered_map>
+
+#include "host/suite_handler.h"
+#include "scene/scene.h"
+
+namespace tarvo {
+
+/// What an instance's sequence-data handle holds. The host saves and copies these bytes as they
+/// stand, so the pointer in them is followed only after the registry has recognised it.
+struct SceneStore {
+  A_long instanceNumber;
+  Scene* scene;  ///< null until a handler first uses the scene
+};
+
+/// The live scenes of the process, each with the handle whose store made it.
+///
+/// Bytes from a saved project or from a duplicated instance name scenes that are gone or somebody
+/// else's: only what is entered here is ever followed, and a scene is released through the handle
+/// that owns it, never through the bytes in one.
+class SceneRegistry {
+ public:
+  /// The scene of the store in `sequenceData`, made and entered now if the store has none yet. Null
+  /// if there is no handle or no store in it, or if the store names a scene that is not ours.
+  Scene* Reach(PF_Handle sequenceData);
+
+  /// Releases the scene that `owner` made, if there is one: its taken worlds go back to the host
+  /// (errors are dropped), its textures are deleted. [framework's context current]
+  void Release(PF_Handle owner, SuiteHandler& suites, PF_ProgPtr effectRef);
+
+  /// Releases every scene that is left. [framework's context current]
+  void ReleaseAll(SuiteHandler& suites, PF_ProgPtr effectRef);
+
+ private:
+  [[nodiscard]] bool Knows(const Scene* scene) const;
+
+  std::unordered_map<PF_Handle, std::unique_ptr<Scene>> scenes_;
+};
+
+/// The one registry of the process.
+extern SceneRegistry gScenes;
+
+}  // namespace tarvo
