@@ -108,9 +108,10 @@ void SwitchHiddenOn(HostCalls& host, AEGP_EffectRefH effect) {
   hidden.Write();
 }
 
-/// Visits all effects of a layer. Not the walk over companions: that one starts from the calling
-/// instance and asks for flags, here there is no instance, and the host keeps the references of the
-/// effect suite's version 3 apart from those of version 2.
+/// Visits all effects of a layer. Not the walk over companions, because the host operations differ:
+/// that one starts from the calling instance, of which there is none here, it asks for flags, which
+/// do not matter here, and it takes and gives back its references through the effect suite's
+/// version 2, where this one uses version 3.
 void SwitchHiddenOnInLayer(HostCalls& host, AEGP_CompH composition, A_long layerIndex) {
   AEGP_LayerH layer = nullptr;
   A_long effects = 0;

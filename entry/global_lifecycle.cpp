@@ -1,6 +1,6 @@
 #include "entry/global_lifecycle.h"
 
-#include <array>
+#include <cstdint>
 #include <string>
 
 #include "entry/identity.h"
@@ -67,9 +67,13 @@ PF_Err MakeGlobalData(SuiteHandler& suites, PF_OutData& out) {
   return PF_Err_NONE;
 }
 
+/// Best effort: nothing here keeps the framework from being stopped.
 void ReleaseScenes(PF_InData& in) {
-  SuiteHandler suites(in.pica_basicP);
-  gScenes.ReleaseAll(suites, in.effect_ref);
+  Guarded([&] {
+    SuiteHandler suites(in.pica_basicP);
+    gScenes.ReleaseAll(suites, in.effect_ref);
+    return PF_Err_NONE;
+  });
 }
 
 }  // namespace
@@ -91,8 +95,8 @@ PF_Err GlobalSetup(PF_InData& in, PF_OutData& out) {
 }
 
 PF_Err GlobalSetdown(PF_InData& in, PF_OutData& out) {
+  ReleaseScenes(in);  // first: their textures are the context's, which goes next
   const PF_Err result = Guarded([&] {
-    ReleaseScenes(in);  // first: their textures are the context's, which goes next
     Require(in, out, AESDK_OpenGL_ShutDown(gState), AESDK_OpenGL_ErrorText);
     return PF_Err_NONE;
   });

@@ -15,9 +15,9 @@ SDK_SIZE(GlobalData, 4);
 /// starts the framework and its program, and makes the global data. A failure does not keep the
 /// later steps from being tried.
 ///
-/// Returns the first failure's code: the host's own, PF_Err_INTERNAL_STRUCT_DAMAGED with a message
-/// for the framework's; PF_Err_OUT_OF_MEMORY, before all others, if there is no global data. Throws
-/// PF_Err_BAD_CALLBACK_PARAM without the utility or the handle suite.
+/// Returns PF_Err_OUT_OF_MEMORY if there is no global data; else PF_Err_INTERNAL_STRUCT_DAMAGED,
+/// with a message, if the framework failed; else the code of the first host call that failed.
+/// Throws PF_Err_BAD_CALLBACK_PARAM without the utility or the handle suite.
 PF_Err GlobalSetup(PF_InData& in, PF_OutData& out);
 
 /// Answers global set-down: releases the scenes that are left, stops the framework and gives the

@@ -4,9 +4,7 @@
 
 namespace tarvo {
 
-/// What the plug-in tells hosts of itself at global set-up, and in its resource before that.
-inline constexpr const char* kDisplayName = "Tarvo_overlaps_manager";
-inline constexpr const char* kCategory = "QEZ";
+/// What the plug-in tells hosts of itself at global set-up.
 inline constexpr A_u_long kVersion = PF_VERSION(2, 0, 0, PF_Stage_DEVELOP, 0);
 inline constexpr PF_OutFlags kGlobalFlags =
     PF_OutFlag_SEND_UPDATE_PARAMS_UI | PF_OutFlag_I_SHRINK_BUFFER | PF_OutFlag_I_EXPAND_BUFFER;

@@ -64,16 +64,19 @@ PF_ParamDef UpdaterPopup(const PF_InData& in) {
 
 PF_Err ParamsSetup(PF_InData& in, PF_OutData& out) {
   ErrorChain chain;
-  const auto declare = [&](PF_ParamDef parameter) {
-    chain.Run([&] { return in.inter.add_param(in.effect_ref, kAppend, &parameter); });
+  const auto declare = [&](auto make, auto... arguments) {
+    chain.Run([&] {
+      PF_ParamDef parameter = make(in, arguments...);
+      return in.inter.add_param(in.effect_ref, kAppend, &parameter);
+    });
   };
-  for (A_long ordinal = 0; ordinal < kBoneCount && chain.Ok(); ++ordinal) {
-    declare(DepthSlider(in, StartZIndex(ordinal), ordinal, " start Z"));
-    declare(DepthSlider(in, EndZIndex(ordinal), ordinal, " end Z"));
+  for (A_long ordinal = 0; ordinal < kBoneCount; ++ordinal) {
+    declare(DepthSlider, StartZIndex(ordinal), ordinal, " start Z");
+    declare(DepthSlider, EndZIndex(ordinal), ordinal, " end Z");
   }
-  declare(Checkbox(in, PARAM_HIDDEN, PF_ParamFlag_SUPERVISE, "Hidden", false));
-  declare(UpdaterPopup(in));
-  declare(Checkbox(in, PARAM_FAST_TRANSPARENCY, 0, "Fast transparency", true));
+  declare(Checkbox, PARAM_HIDDEN, PF_ParamFlag_SUPERVISE, "Hidden", false);
+  declare(UpdaterPopup);
+  declare(Checkbox, PARAM_FAST_TRANSPARENCY, PF_ParamFlags{0}, "Fast transparency", true);
   if (chain.Ok()) out.num_params = PARAM_COUNT;
   return chain.Code();
 }

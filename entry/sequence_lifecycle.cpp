@@ -22,7 +22,7 @@ namespace {
 /// Instance numbers run from 0 to 9999 and start over.
 constexpr A_long kInstanceNumbers = 10'000;
 
-/// Null before global set-up has succeeded. The host keeps the handle locked during a command.
+/// Null if global set-up had no memory for it. The host keeps the handle locked during a command.
 GlobalData* GlobalDataOf(const PF_InData& in) {
   return in.global_data == nullptr ? nullptr : static_cast<GlobalData*>(*in.global_data);
 }
@@ -80,9 +80,11 @@ PF_Err SequenceSetup(PF_InData& in, PF_OutData& out) {
 PF_Err SequenceResetup(PF_InData& in, PF_OutData& out) {
   SuiteHandler suites(in.pica_basicP);
   PF_Err result = PF_Err_NONE;
-  if (in.sequence_data != nullptr) {
-    const bool hasBytes = *in.sequence_data != nullptr;
-    result = hasBytes ? ReplaceStore(suites, in, out) : SequenceSetup(in, out);
+  if (in.sequence_data != nullptr && *in.sequence_data != nullptr) {
+    result = ReplaceStore(suites, in, out);
+  } else if (in.sequence_data != nullptr) {
+    gScenes.Release(in.sequence_data, suites, in.effect_ref);
+    result = SequenceSetup(in, out);
   }
   return Prepared(in, out, result);
 }

@@ -9,6 +9,7 @@ namespace tarvo {
 ///
 /// Returns PF_Err_OUT_OF_MEMORY, nothing else being done, if there is no store;
 /// PF_Err_INTERNAL_STRUCT_DAMAGED, with a message for the user, if there is no render target.
+/// Throws PF_Err_BAD_CALLBACK_PARAM without the handle suite, as do the other two.
 PF_Err SequenceSetup(PF_InData& in, PF_OutData& out);
 
 /// Answers the return of an instance from a saved project and the duplication of one: replaces its

@@ -10,17 +10,18 @@ namespace tarvo {
 /// The effect stack of a layer, as the host describes it.
 struct EffectStack {
   AEGP_LayerH layer = nullptr;
-  A_long count = 0;  ///< effects on the layer; 0 without a layer
+  A_long count = 0;  ///< effects on the layer; 0 without one, and after a failure
 };
 
 /// Asks for the layer that the calling instance is applied to and for its number of effects;
-/// chained, so that the count is 0 after a failure.
+/// chained.
 inline EffectStack GetEffectStack(HostCalls& host, PF_ProgPtr effectRef) {
   EffectStack stack;
   host.Run(&AEGP_PFInterfaceSuite1::AEGP_GetEffectLayer, effectRef, &stack.layer);
   if (stack.layer != nullptr) {
     host.Run(&AEGP_EffectSuite3::AEGP_GetLayerNumEffects, stack.layer, &stack.count);
   }
+  if (!host.Ok()) stack.count = 0;
   return stack;
 }
 

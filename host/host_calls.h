@@ -46,7 +46,9 @@ class HostCalls {
   template <class Operation, class... Arguments>
   void GiveBack(Operation operation, Arguments&&... arguments) noexcept {
     try {
-      chain_.Note(Guarded([&] { return Call(operation, std::forward<Arguments>(arguments)...); }));
+      chain_.RunAlways([&] {
+        return Guarded([&] { return Call(operation, std::forward<Arguments>(arguments)...); });
+      });
     } catch (...) {
       chain_.Note(PF_Err_INTERNAL_STRUCT_DAMAGED);
     }

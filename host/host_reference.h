@@ -47,7 +47,9 @@ using StreamReference = HostReference<&AEGP_StreamSuite4::AEGP_DisposeStream>;
 /// checkboxes and popups hold. Call order: Read? (Get | Set | Write)*.
 class StreamValue {
  public:
-  StreamValue(HostCalls& host, AEGP_StreamRefH stream) : host_(host) { value_.streamH = stream; }
+  StreamValue(HostCalls& host, AEGP_StreamRefH stream) : host_(host), stream_(stream) {
+    value_.streamH = stream;
+  }
   ~StreamValue() {
     if (read_) host_.GiveBack(&AEGP_StreamSuite4::AEGP_DisposeStreamValue, &value_);
   }
@@ -58,8 +60,7 @@ class StreamValue {
   void Read() {
     if (!host_.Ok()) return;
     const A_Time start{.value = 0, .scale = 1};
-    const AEGP_StreamRefH stream = value_.streamH;
-    host_.Run(&AEGP_StreamSuite4::AEGP_GetNewStreamValue, gPluginId, stream,
+    host_.Run(&AEGP_StreamSuite4::AEGP_GetNewStreamValue, gPluginId, stream_,
               AEGP_LTimeMode_LayerTime, &start, A_Boolean{0}, &value_);
     read_ = host_.Ok();
   }
@@ -68,13 +69,11 @@ class StreamValue {
   void Set(double value) { value_.val.one_d = value; }
 
   /// Hands the value to the host; chained.
-  void Write() {
-    const AEGP_StreamRefH stream = value_.streamH;
-    host_.Run(&AEGP_StreamSuite4::AEGP_SetStreamValue, gPluginId, stream, &value_);
-  }
+  void Write() { host_.Run(&AEGP_StreamSuite4::AEGP_SetStreamValue, gPluginId, stream_, &value_); }
 
  private:
   HostCalls& host_;
+  AEGP_StreamRefH stream_;  ///< ours; the one in the value is the host's to write
   AEGP_StreamValue2 value_{};
   bool read_ = false;
 };

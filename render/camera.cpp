@@ -23,7 +23,8 @@ bool FitsViewport(const Frame& frame) {
 }
 
 /// The viewport keeps the whole output's size and is moved by the tile's corner: every vertex then
-/// keeps its place to the last bit, and tiles meet without a seam.
+/// keeps its place to the last bit, and tiles meet without a seam. (In very large outputs a pixel
+/// on a piece's very edge may still fall to the other side.)
 void MoveViewport(const Frame& frame, const Tile& tile) {
   glViewport(-tile.x, -tile.y, frame.outWidth, frame.outHeight);
 }

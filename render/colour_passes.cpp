@@ -74,14 +74,15 @@ bool ReadBack(Frame& frame, const Tile& tile) {
   if (pixels == nullptr) return false;
   ReadRenderTarget(tile.width, tile.height, pixels);
 
-  PF_EffectWorld& world = frame.scratchWorld.World();
+  PF_EffectWorld& world = frame.scratchWorld.Get();
   const A_HandleSize rowBytes = PackedBytes(tile.width, 1);
-  const A_long rows = std::min(tile.height, world.height - tile.y);
+  const A_HandleSize copiedBytes = PackedBytes(std::min(tile.width, world.width - tile.x), 1);
+  const A_long rows = std::min(tile.height, world.height - tile.y);  // none without a world
   for (A_long row = 0; row < rows; ++row) {
     A_u_char* const destination = RowOf(*frame.in.utils, world, tile.y + row);
     if (destination == nullptr) return false;
     std::memcpy(destination + PackedBytes(tile.x, 1),
-                pixels + static_cast<A_HandleSize>(row) * rowBytes, rowBytes);
+                pixels + static_cast<A_HandleSize>(row) * rowBytes, copiedBytes);
   }
   return true;
 }

@@ -1,7 +1,5 @@
 #include "render/frame.h"
 
-#include <utility>
-
 #include "host/parameters.h"
 #include "host/report.h"
 
@@ -9,19 +7,6 @@ namespace tarvo {
 
 using AESDK_OpenGL::AESDK_OpenGL_Err;
 using AESDK_OpenGL::AESDK_OpenGL_ErrorText;
-
-void ScratchWorld::Make(A_long width, A_long height) {
-  if (!host_.Ok()) return;
-  host_.Run(&PF_WorldSuite1::new_world, effectRef_, width, height, PF_NewWorldFlag_NONE, &world_);
-  made_ = host_.Ok();
-  if (!made_) world_ = {};
-}
-
-void ScratchWorld::Dispose() {
-  if (std::exchange(made_, false)) {
-    host_.GiveBack(&PF_WorldSuite1::dispose_world, effectRef_, &world_);
-  }
-}
 
 Frame::Frame(PF_InData& inData, PF_OutData& outData, PF_ParamDef* const* parameters,
              PF_EffectWorld& outputWorld, HostCalls& hostCalls, Scene& instanceScene)

@@ -4,35 +4,11 @@
 
 #include "gl/framework.h"
 #include "host/host_calls.h"
+#include "host/host_world.h"
 #include "scene/scene.h"
 #include "sdk/effect.h"
 
 namespace tarvo {
-
-/// The 8-bit world into which a frame is read back. It goes back to the host when the frame ends,
-/// on whatever path.
-class ScratchWorld {
- public:
-  ScratchWorld(HostCalls& host, PF_ProgPtr effectRef) : host_(host), effectRef_(effectRef) {}
-  ~ScratchWorld() { Dispose(); }
-  ScratchWorld(const ScratchWorld&) = delete;
-  ScratchWorld& operator=(const ScratchWorld&) = delete;
-
-  /// Asks the host for a world of that size in pixels; chained.
-  void Make(A_long width, A_long height);
-  /// Gives the world back, if there is one; an error counts only if there was none.
-  void Dispose();
-
-  [[nodiscard]] bool Made() const { return made_; }
-  /// All fields are zero unless it was made.
-  PF_EffectWorld& World() { return world_; }
-
- private:
-  HostCalls& host_;
-  PF_ProgPtr effectRef_;
-  PF_EffectWorld world_{};
-  bool made_ = false;
-};
 
 /// A piece in the order of drawing.
 struct DrawPiece {
@@ -75,7 +51,8 @@ struct Frame {
   /// Without ownership maps: overlapping pieces of one image all show.
   bool fastTransparency;
 
-  ScratchWorld scratchWorld;
+  /// The frame is read back into it.
+  HostWorld scratchWorld;
   /// Deepest first.
   std::vector<DrawPiece> drawList;
 };

@@ -1,6 +1,8 @@
 #include "render/piece_upload.h"
 
 #include <cstring>
+#include <optional>
+#include <utility>
 
 #include "host/host_memory.h"
 #include "render/pixel_rows.h"
@@ -43,11 +45,9 @@ PF_Err Upload(Frame& frame, SlotImage& image) {
 
 /// An image whose take failed has nothing to upload: its mark alone is cleared.
 void Finish(Frame& frame, SlotImage& image) {
-  if (image.taken) {
-    frame.host.Run(&PF_WorldSuite1::dispose_world, frame.in.effect_ref, &*image.taken);
-  }
-  image.taken.reset();
+  std::optional<PF_EffectWorld> uploaded = std::exchange(image.taken, std::nullopt);
   image.pending = false;
+  if (uploaded) frame.host.Run(&PF_WorldSuite1::dispose_world, frame.in.effect_ref, &*uploaded);
 }
 
 /// Gives back what the failed render would leave behind: the scratch world and the slot's images.

@@ -10,7 +10,8 @@ namespace tarvo {
 ///
 /// Throws PF_Interrupt_CANCEL when an image gets no buffer or when a host call has already failed
 /// as it is reached, and the host's code when the host throws while rows are copied; then the
-/// scratch world and the images that this slot still holds have been given back.
+/// scratch world and the images that this slot still holds have been given back. Throws
+/// PF_Err_BAD_CALLBACK_PARAM without the handle or the world suite; the images then stay waiting.
 void UploadPieceImages(Frame& frame);
 
 }  // namespace tarvo

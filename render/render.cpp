@@ -74,7 +74,7 @@ bool IsCopied(const PF_Rect& area) {
 /// Turns the frame into straight colour and copies it into the output.
 void Transfer(Frame& frame) {
   if (!frame.scratchWorld.Made()) return;
-  PF_EffectWorld& world = frame.scratchWorld.World();
+  PF_EffectWorld& world = frame.scratchWorld.Get();
   frame.host.Run(&PF_FillMatteSuite2::premultiply, frame.in.effect_ref, A_long{0}, &world);
   PF_Rect area = world.extent_hint;
   if (!IsCopied(area)) return;
@@ -94,11 +94,12 @@ void RenderFrame(Frame& frame) {
   if (whole) Transfer(frame);
 }
 
-/// Returns the code that the frame was stopped with. What is no code of the host's (memory that ran
-/// out, say) stops the frame too, and leaves the result to the host calls so far.
-PF_Err StoppedWith(Frame& frame) {
+/// Runs `work` and returns the host code that it was stopped with, or 0. What is no code of the
+/// host's (memory that ran out, say) stops it too, and leaves the result to the host calls so far.
+template <class Work>
+PF_Err StoppedWith(Work work) {
   try {
-    RenderFrame(frame);
+    work();
   } catch (const PF_Err thrown) {
     return thrown;
   } catch (...) {
@@ -107,26 +108,19 @@ PF_Err StoppedWith(Frame& frame) {
   return PF_Err_NONE;
 }
 
-PF_Err RenderScene(PF_InData& in, PF_OutData& out, PF_ParamDef* const* params,
-                   PF_EffectWorld& output, HostCalls& host, Scene& scene) {
-  Frame frame(in, out, params, output, host, scene);
-  const PF_Err stopped = StoppedWith(frame);
-  frame.scratchWorld.Dispose();
-  return stopped != PF_Err_NONE ? stopped : host.Code();
-}
-
 }  // namespace
 
 PF_Err Render(PF_InData& in, PF_OutData& out, PF_ParamDef* const* params, PF_EffectWorld& output) {
   HostCalls host(in.pica_basicP);
   Scene* const scene = gScenes.Reach(in.sequence_data);
-  const PF_Err result = Guarded([&] {
+  const PF_Err stopped = StoppedWith([&] {
     ClearOutput(host, in, output);
-    if (scene == nullptr) return host.Code();
-    return RenderScene(in, out, params, output, host, *scene);
+    if (scene == nullptr) return;
+    Frame frame(in, out, params, output, host, *scene);
+    RenderFrame(frame);
   });
   AESDK_OpenGL_MakeCurrent(gState.savedDeviceContext, gState.savedRenderContext);
-  return result;
+  return stopped != PF_Err_NONE ? stopped : host.Code();
 }
 
 }  // namespace tarvo

@@ -9,7 +9,8 @@ namespace tarvo {
 /// The host's context is current again at the return. [framework's context current]
 ///
 /// Returns
-/// - 0 for a frame, and for one that is too small or too large to be copied,
+/// - 0 for a frame, and for one that keeps its fill: without a store, too small or too large to be
+///   copied, or not to be read back for want of memory,
 /// - the code of the first host call that failed,
 /// - PF_Err_INTERNAL_STRUCT_DAMAGED, with a message for the user, if the framework fails,
 /// - PF_Err_BAD_CALLBACK_PARAM if a suite is missing,

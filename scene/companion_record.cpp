@@ -1,7 +1,9 @@
 #include "scene/companion_record.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <utility>
 
 namespace tarvo {
 namespace {

@@ -1,10 +1,10 @@
 #include "scene/intake.h"
 
-#include <algorithm>
 #include <utility>
 
 #include "host/effect_walk.h"
 #include "host/host_calls.h"
+#include "host/host_world.h"
 #include "scene/companion_record.h"
 #include "scene/scene_store.h"
 
@@ -32,6 +32,7 @@ void File(CompanionRecord& record, Slot& slot) {
 /// An image of an earlier message that no frame has uploaded yet gives way to the new one.
 void DisposeWaiting(HostCalls& host, PF_ProgPtr effectRef, SlotImage& image) {
   if (!image.taken) return;
+  host.Need(&PF_WorldSuite1::dispose_world);
   host.GiveBack(&PF_WorldSuite1::dispose_world, effectRef, &*image.taken);
   image.taken.reset();
 }
@@ -40,14 +41,10 @@ void DisposeWaiting(HostCalls& host, PF_ProgPtr effectRef, SlotImage& image) {
 /// that it made goes back.
 std::optional<PF_EffectWorld> CopyImage(HostCalls& host, const PF_InData& in,
                                         PF_EffectWorld& source) {
-  PF_EffectWorld own{};
-  host.Run(&PF_WorldSuite1::new_world, in.effect_ref, source.width, source.height,
-           PF_NewWorldFlag_NONE, &own);
-  if (!host.Ok()) return std::nullopt;
-  host.Run(in.utils->copy, in.effect_ref, &source, &own, nullptr, nullptr);
-  if (host.Ok()) return own;
-  host.GiveBack(&PF_WorldSuite1::dispose_world, in.effect_ref, &own);
-  return std::nullopt;
+  HostWorld own(host, in.effect_ref);
+  own.Make(source.width, source.height);
+  host.Run(in.utils->copy, in.effect_ref, &source, &own.Get(), nullptr, nullptr);
+  return host.Ok() ? std::optional(own.Release()) : std::nullopt;
 }
 
 /// Takes one new image. Sizes, pending mark and the sender's flag change also when the host fails;

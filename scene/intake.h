@@ -7,7 +7,7 @@ namespace tarvo {
 /// Answers the general command: files the record at `extra` (a CompanionSlot, at any alignment) in
 /// the slot of its sender's place, takes its new images, numbers the layer's switched-on companions
 /// afresh and empties the slots of all others. In the sender's memory only the two newImage bytes
-/// change, each after its image was taken.
+/// change, each after its image was taken or the host failed to copy it.
 ///
 /// Returns 0, also without sequence data; PF_Err_BAD_CALLBACK_PARAM for a record that cannot be
 /// meant (nothing is touched then); or the first failed host call's code, the record being filed

@@ -46,6 +46,10 @@ A_long Saturated(float value) {
   return static_cast<A_long>(value);
 }
 
+A_long Negated(A_long value) {
+  return value == std::numeric_limits<A_long>::min() ? std::numeric_limits<A_long>::max() : -value;
+}
+
 A_long Side(const Bounds& bounds) {
   return std::clamp(Saturated(std::ceil(bounds.greatest) - std::floor(bounds.least)), A_long{0},
                     kLargestSide);
@@ -60,10 +64,12 @@ bool FoldCorners(const Scene& scene, Bounds& x, Bounds& y) {
   bool folded = false;
   for (const Slot& slot : scene.slots) {
     for (const PieceQuad& quad : slot.quads) {
-      for (const auto& corner : quad.corners) {
-        if (!std::isfinite(corner[0]) || !std::isfinite(corner[1])) continue;
-        x.Fold(corner[0]);
-        y.Fold(corner[1]);
+      for (std::size_t corner = 0; corner < 4; ++corner) {
+        const double cornerX = quad.corners[corner][0];
+        const double cornerY = quad.corners[corner][1];
+        if (!std::isfinite(cornerX) || !std::isfinite(cornerY)) continue;
+        x.Fold(cornerX);
+        y.Fold(cornerY);
         folded = true;
       }
     }
@@ -79,7 +85,7 @@ OutputExtent ComputeOutputExtent(const Scene& scene, const LayerFrame& layer) {
   if (!FoldCorners(scene, x, y)) {
     return {.width = layer.width,
             .height = layer.height,
-            .origin = {.h = -layer.sourceOriginX, .v = -layer.sourceOriginY}};
+            .origin = {.h = Negated(layer.sourceOriginX), .v = Negated(layer.sourceOriginY)}};
   }
   x.Divide(layer.downsampleX);
   y.Divide(layer.downsampleY);

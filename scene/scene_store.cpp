@@ -11,7 +11,7 @@ void DisposeTakenWorld(SlotImage& image, SuiteHandler& suites, PF_ProgPtr effect
   if (!image.taken) return;
   try {
     suites.Get<PF_WorldSuite1>().dispose_world(effectRef, &*image.taken);
-  } catch (const PF_Err) {  // no suite, or a host that threw: nothing more can be done for it
+  } catch (...) {  // no suite, or a host that threw: nothing more can be done for it
   }
   image.taken.reset();
 }

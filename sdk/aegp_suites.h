@@ -76,8 +76,8 @@ SDK_SIZE(AEGP_PFInterfaceSuite1, 5 * 8);
 SDK_SLOT(AEGP_PFInterfaceSuite1, AEGP_GetEffectLayer, 0);
 SDK_SLOT(AEGP_PFInterfaceSuite1, AEGP_GetNewEffectForEffect, 1);
 
-/// "AEGP Effect Suite", registered as 2 and as 3; the slots we use are the same in both, but the two
-/// are had, kept and given back apart.
+/// "AEGP Effect Suite", registered as 2 and as 3; the slots we use are the same in both, but the
+/// two are had, kept and given back apart.
 template <int RegisteredVersion>
 struct AEGP_EffectSuite {
   A_Err (*AEGP_GetLayerNumEffects)(AEGP_LayerH layerH, A_long* num_effectsPL);
@@ -96,6 +96,7 @@ struct AEGP_EffectSuite {
 using AEGP_EffectSuite2 = AEGP_EffectSuite<2>;
 using AEGP_EffectSuite3 = AEGP_EffectSuite<3>;
 SDK_SIZE(AEGP_EffectSuite2, 17 * 8);
+SDK_SIZE(AEGP_EffectSuite3, 17 * 8);
 SDK_SLOT(AEGP_EffectSuite2, AEGP_GetLayerNumEffects, 0);
 SDK_SLOT(AEGP_EffectSuite2, AEGP_GetLayerEffectByIndex, 1);
 SDK_SLOT(AEGP_EffectSuite2, AEGP_GetInstalledKeyFromLayerEffect, 2);
@@ -157,6 +158,7 @@ struct AEGP_ProjSuite6 {
   void* reserved_1_13[13];
 };
 SDK_SIZE(AEGP_ProjSuite6, 14 * 8);
+SDK_SLOT(AEGP_ProjSuite6, AEGP_GetNumProjects, 0);
 
 /// "AEGP Item Suite" 10
 struct AEGP_ItemSuite6 {

@@ -33,7 +33,6 @@ inline constexpr PF_Err PF_Err_UNRECOGNIZED_PARAM_TYPE = 514;
 inline constexpr PF_Err PF_Err_INVALID_CALLBACK = 515;
 inline constexpr PF_Err PF_Err_BAD_CALLBACK_PARAM = 516;
 inline constexpr PF_Err PF_Interrupt_CANCEL = 517;
-inline constexpr PF_Err PF_Err_CANNOT_PARSE_KEYFRAME_TEXT = 518;
 
 /// A moment: `value` / `scale` seconds.
 struct A_Time {

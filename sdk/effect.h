@@ -150,8 +150,13 @@ SDK_OFFSET(PF_EffectWorld, width, 36);
 SDK_OFFSET(PF_EffectWorld, height, 40);
 SDK_OFFSET(PF_EffectWorld, extent_hint, 44);
 SDK_OFFSET(PF_EffectWorld, platform_ref, 64);
+SDK_OFFSET(PF_EffectWorld, reserved_long1, 72);
+SDK_OFFSET(PF_EffectWorld, reserved_long4, 80);
 SDK_OFFSET(PF_EffectWorld, pix_aspect_ratio, 88);
+SDK_OFFSET(PF_EffectWorld, reserved_long2, 96);
 SDK_OFFSET(PF_EffectWorld, origin_x, 104);
+SDK_OFFSET(PF_EffectWorld, origin_y, 108);
+SDK_OFFSET(PF_EffectWorld, reserved_long3, 112);
 SDK_OFFSET(PF_EffectWorld, dephault, 116);
 
 struct PF_FloatSliderDef {
@@ -171,11 +176,18 @@ struct PF_FloatSliderDef {
   A_FpShort exponent;
 };
 SDK_SIZE(PF_FloatSliderDef, 88);
+SDK_OFFSET(PF_FloatSliderDef, value_desc, 16);
 SDK_OFFSET(PF_FloatSliderDef, valid_min, 48);
+SDK_OFFSET(PF_FloatSliderDef, valid_max, 52);
+SDK_OFFSET(PF_FloatSliderDef, slider_min, 56);
+SDK_OFFSET(PF_FloatSliderDef, slider_max, 60);
 SDK_OFFSET(PF_FloatSliderDef, dephault, 64);
 SDK_OFFSET(PF_FloatSliderDef, precision, 68);
+SDK_OFFSET(PF_FloatSliderDef, display_flags, 70);
 SDK_OFFSET(PF_FloatSliderDef, fs_flags, 72);
 SDK_OFFSET(PF_FloatSliderDef, curve_tolerance, 76);
+SDK_OFFSET(PF_FloatSliderDef, useExponent, 80);
+SDK_OFFSET(PF_FloatSliderDef, exponent, 84);
 
 struct PF_CheckBoxDef {
   PF_ParamValue value;
@@ -187,6 +199,7 @@ struct PF_CheckBoxDef {
   } u;
 };
 SDK_SIZE(PF_CheckBoxDef, 16);
+SDK_OFFSET(PF_CheckBoxDef, dephault, 4);
 SDK_OFFSET(PF_CheckBoxDef, u, 8);
 
 struct PF_PopupDef {
@@ -199,6 +212,7 @@ struct PF_PopupDef {
 };
 SDK_SIZE(PF_PopupDef, 16);
 SDK_OFFSET(PF_PopupDef, num_choices, 4);
+SDK_OFFSET(PF_PopupDef, dephault, 6);
 SDK_OFFSET(PF_PopupDef, u, 8);
 
 union PF_ParamDefUnion {
@@ -225,9 +239,12 @@ struct PF_ParamDef {
 };
 SDK_SIZE(PF_ParamDef, 176);
 SDK_OFFSET(PF_ParamDef, ui_flags, 4);
+SDK_OFFSET(PF_ParamDef, ui_width, 8);
+SDK_OFFSET(PF_ParamDef, ui_height, 10);
 SDK_OFFSET(PF_ParamDef, param_type, 12);
 SDK_OFFSET(PF_ParamDef, name, 16);
 SDK_OFFSET(PF_ParamDef, flags, 48);
+SDK_OFFSET(PF_ParamDef, unused, 52);
 SDK_OFFSET(PF_ParamDef, u, 56);
 
 struct PF_UserChangedParamExtra {
@@ -278,6 +295,8 @@ SDK_SIZE(PF_UtilCallbacks, 552);
 SDK_OFFSET(PF_UtilCallbacks, copy, 64);
 SDK_OFFSET(PF_UtilCallbacks, fill, 72);
 SDK_OFFSET(PF_UtilCallbacks, ansi, 208);
+SDK_OFFSET(PF_UtilCallbacks, ansi.sprintf, 328);
+SDK_OFFSET(PF_UtilCallbacks, ansi.strcpy, 336);
 SDK_OFFSET(PF_UtilCallbacks, get_platform_data, 432);
 SDK_OFFSET(PF_UtilCallbacks, get_pixel_data8, 528);
 
@@ -325,10 +344,21 @@ struct PF_InData {
 SDK_SIZE(PF_InData, 408);
 SDK_OFFSET(PF_InData, utils, 176);
 SDK_OFFSET(PF_InData, effect_ref, 184);
+SDK_OFFSET(PF_InData, quality, 192);
 SDK_OFFSET(PF_InData, version, 196);
+SDK_OFFSET(PF_InData, serial_num, 200);
+SDK_OFFSET(PF_InData, appl_id, 204);
 SDK_OFFSET(PF_InData, num_params, 208);
+SDK_OFFSET(PF_InData, reserved, 212);
 SDK_OFFSET(PF_InData, what_cpu, 216);
+SDK_OFFSET(PF_InData, what_fpu, 220);
 SDK_OFFSET(PF_InData, current_time, 224);
+SDK_OFFSET(PF_InData, time_step, 228);
+SDK_OFFSET(PF_InData, total_time, 232);
+SDK_OFFSET(PF_InData, local_time_step, 236);
+SDK_OFFSET(PF_InData, time_scale, 240);
+SDK_OFFSET(PF_InData, field, 244);
+SDK_OFFSET(PF_InData, shutter_angle, 248);
 SDK_OFFSET(PF_InData, width, 252);
 SDK_OFFSET(PF_InData, height, 256);
 SDK_OFFSET(PF_InData, extent_hint, 260);
@@ -336,12 +366,19 @@ SDK_OFFSET(PF_InData, output_origin_x, 276);
 SDK_OFFSET(PF_InData, output_origin_y, 280);
 SDK_OFFSET(PF_InData, downsample_x, 284);
 SDK_OFFSET(PF_InData, downsample_y, 292);
+SDK_OFFSET(PF_InData, pixel_aspect_ratio, 300);
+SDK_OFFSET(PF_InData, in_flags, 308);
 SDK_OFFSET(PF_InData, global_data, 312);
 SDK_OFFSET(PF_InData, sequence_data, 320);
+SDK_OFFSET(PF_InData, frame_data, 328);
+SDK_OFFSET(PF_InData, start_sampL, 336);
+SDK_OFFSET(PF_InData, dur_sampL, 340);
+SDK_OFFSET(PF_InData, total_sampL, 344);
 SDK_OFFSET(PF_InData, src_snd, 352);
 SDK_OFFSET(PF_InData, pica_basicP, 384);
 SDK_OFFSET(PF_InData, pre_effect_source_origin_x, 392);
 SDK_OFFSET(PF_InData, pre_effect_source_origin_y, 396);
+SDK_OFFSET(PF_InData, shutter_phase, 400);
 
 /// What an effect answers.
 struct PF_OutData {
@@ -367,12 +404,15 @@ SDK_OFFSET(PF_OutData, name, 4);
 SDK_OFFSET(PF_OutData, global_data, 40);
 SDK_OFFSET(PF_OutData, num_params, 48);
 SDK_OFFSET(PF_OutData, sequence_data, 56);
+SDK_OFFSET(PF_OutData, flat_sdata_size, 64);
 SDK_OFFSET(PF_OutData, frame_data, 72);
 SDK_OFFSET(PF_OutData, width, 80);
 SDK_OFFSET(PF_OutData, height, 84);
 SDK_OFFSET(PF_OutData, origin, 88);
 SDK_OFFSET(PF_OutData, out_flags, 96);
 SDK_OFFSET(PF_OutData, return_msg, 100);
+SDK_OFFSET(PF_OutData, start_sampL, 356);
+SDK_OFFSET(PF_OutData, dur_sampL, 360);
 SDK_OFFSET(PF_OutData, dest_snd, 368);
 SDK_OFFSET(PF_OutData, out_flags2, 400);
 

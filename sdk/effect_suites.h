@@ -16,6 +16,8 @@ struct PF_HandleSuite1 {
   PF_Err (*host_resize_handle)(A_HandleSize new_size, PF_Handle* handle);
 };
 SDK_SIZE(PF_HandleSuite1, 48);
+SDK_SLOT(PF_HandleSuite1, host_new_handle, 0);
+SDK_SLOT(PF_HandleSuite1, host_dispose_handle, 3);
 
 /// "PF ANSI Suite" 1
 struct PF_ANSICallbacksSuite1 {
@@ -36,6 +38,8 @@ struct PF_WorldSuite1 {
   PF_Err (*dispose_world)(PF_ProgPtr effect_ref, PF_EffectWorld* world);
 };
 SDK_SIZE(PF_WorldSuite1, 16);
+SDK_SLOT(PF_WorldSuite1, new_world, 0);
+SDK_SLOT(PF_WorldSuite1, dispose_world, 1);
 
 /// "PF Fill Matte Suite" 2
 struct PF_FillMatteSuite2 {
@@ -55,3 +59,4 @@ struct PF_ParamUtilsSuite3 {
   void* reserved_1_8[8];
 };
 SDK_SIZE(PF_ParamUtilsSuite3, 72);
+SDK_SLOT(PF_ParamUtilsSuite3, PF_UpdateParamUI, 0);

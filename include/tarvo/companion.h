@@ -68,9 +68,9 @@ typedef struct CompanionSlot {
   uint8_t imageA[TARVO_WORLD_BYTES]; /* a PF_EffectWorld, 8 bits a channel */
   uint8_t imageB[TARVO_WORLD_BYTES];
   uint8_t newImageA; /* nonzero: imageA is new and passes to the receiver, who clears the flag */
-  uint8_t newImageB; /* when it has taken the image; a flag still set says the world is yours */
+  uint8_t newImageB; /* and disposes of the world; a flag still set says the world is yours */
   uint8_t padding[2];
-  double opacityA;     /* 0 to 1, for pieces drawn from image A; read with a new image */
+  double opacityA;     /* 0 to 1, for pieces drawn from image A; counts from the next new image on */
   double opacityB;     /* the same for image B */
   int32_t effectIndex; /* the sender's own 0-based place in the layer's effect stack */
 } CompanionSlot;
@@ -80,7 +80,9 @@ typedef struct CompanionSlot {
 TARVO_LAYOUT(sizeof(PieceQuad) == 156);
 TARVO_LAYOUT(offsetof(PieceQuad, texCoords) == 64);
 TARVO_LAYOUT(offsetof(PieceQuad, boneT) == 128);
+TARVO_LAYOUT(offsetof(PieceQuad, opacity) == 136);
 TARVO_LAYOUT(offsetof(PieceQuad, imageSelect) == 144);
+TARVO_LAYOUT(offsetof(PieceQuad, reserved) == 148);
 TARVO_LAYOUT(sizeof(PieceQuadList) == 32);
 TARVO_LAYOUT(sizeof(CompanionSlot) == 296);
 TARVO_LAYOUT(offsetof(CompanionSlot, imageA) == 32);

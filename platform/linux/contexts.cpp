@@ -141,8 +141,8 @@ BOOL wglMakeCurrent(HDC deviceContext, HGLRC context) {
     return !nothingToRelease && Bind({}) ? TRUE : FALSE;
   }
   const std::optional<Drawable> drawable = DrawableOf(deviceContext);
-  if (!gWindowSystemFaults.makeCurrentRefused && drawable && Bind({*drawable, context}))
-    return TRUE;
+  const bool allowed = drawable && !gWindowSystemFaults.makeCurrentRefused;
+  if (allowed && Bind({*drawable, context})) return TRUE;
   Bind({});
   return FALSE;
 }
@@ -150,18 +150,18 @@ BOOL wglMakeCurrent(HDC deviceContext, HGLRC context) {
 HGLRC wglGetCurrentContext() { return static_cast<HGLRC>(eglGetCurrentContext()); }
 
 HDC wglGetCurrentDC() {
-  const auto [drawable, context] = CurrentBinding();
-  if (context == EGL_NO_CONTEXT) return nullptr;
+  const Binding current = CurrentBinding();
+  if (current.context == EGL_NO_CONTEXT) return nullptr;
 
   WindowRegistry& registry = Registry();
   const std::scoped_lock lock(registry.mutex);
   for (const auto& [handle, window] : registry.windows) {
     if (window.deviceContext == nullptr || window.surface == EGL_NO_SURFACE) continue;
-    if (drawable == Drawable{Display(), window.surface, window.surface}) {
+    if (current.drawable == Drawable{Display(), window.surface, window.surface}) {
       return window.deviceContext;
     }
   }
-  return registry.foreign.DeviceContextOf(drawable);
+  return registry.foreign.DeviceContextOf(current.drawable);
 }
 
 PROC wglGetProcAddress(LPCSTR name) {

@@ -7,7 +7,7 @@ namespace tarvo::window_system {
 namespace {
 
 EGLDisplay InitializedDisplay() {
-  const EGLDisplay display =
+  EGLDisplay display =
       eglGetPlatformDisplay(EGL_PLATFORM_SURFACELESS_MESA, EGL_DEFAULT_DISPLAY, nullptr);
   return eglInitialize(display, nullptr, nullptr) == EGL_TRUE ? display : EGL_NO_DISPLAY;
 }
@@ -15,7 +15,7 @@ EGLDisplay InitializedDisplay() {
 }  // namespace
 
 EGLDisplay Display() {
-  static const EGLDisplay display = InitializedDisplay();
+  static EGLDisplay display = InitializedDisplay();
   return display;
 }
 
@@ -27,7 +27,7 @@ Binding CurrentBinding() {
 bool Bind(const Binding& binding) {
   if (binding.context == EGL_NO_CONTEXT) {
     // The release goes to the display of what is current, which need not be ours.
-    const EGLDisplay current = eglGetCurrentDisplay();
+    EGLDisplay current = eglGetCurrentDisplay();
     return current == EGL_NO_DISPLAY ||
            eglMakeCurrent(current, EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT) == EGL_TRUE;
   }

@@ -66,7 +66,7 @@ HWND CreateWindowExA(DWORD /*extendedStyle*/, LPCSTR className, LPCSTR /*title*/
   const std::scoped_lock lock(registry.mutex);
   if (!registry.classes.contains(name)) return nullptr;
 
-  const HWND handle = std::bit_cast<HWND>(NextHandleNumber());
+  HWND handle = std::bit_cast<HWND>(NextHandleNumber());
   Window& window = registry.windows[handle];
   window.className = name;
   window.maker = std::this_thread::get_id();
@@ -92,8 +92,9 @@ HDC GetDC(HWND window) {
   const std::scoped_lock lock(registry.mutex);
   Window* const found = registry.Find(window);
   if (found == nullptr) return nullptr;
-  if (found->deviceContextUses++ == 0)
+  if (found->deviceContextUses++ == 0) {
     found->deviceContext = std::bit_cast<HDC>(NextHandleNumber());
+  }
   return found->deviceContext;
 }
 
