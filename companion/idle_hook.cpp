@@ -83,7 +83,7 @@ AEGP_CompH ActiveComposition(HostCalls& host) {
   quiet.Start();
   AEGP_ItemH item = nullptr;
   host.Chain().Become(host.Call(&AEGP_ItemSuite6::AEGP_GetActiveItem, &item));
-  AEGP_CompH const composition = CompositionOf(host, item);
+  AEGP_CompH composition = CompositionOf(host, item);
   quiet.End();
   return composition;
 }

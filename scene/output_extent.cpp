@@ -64,6 +64,7 @@ bool FoldCorners(const Scene& scene, Bounds& x, Bounds& y) {
   bool folded = false;
   for (const Slot& slot : scene.slots) {
     for (const PieceQuad& quad : slot.quads) {
+      // NOLINTNEXTLINE(modernize-loop-convert): corners are packed and must not be referred to.
       for (std::size_t corner = 0; corner < 4; ++corner) {
         const double cornerX = quad.corners[corner][0];
         const double cornerY = quad.corners[corner][1];

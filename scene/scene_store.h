@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <unordered_map>
+#include <vector>
 
 #include "host/suite_handler.h"
 #include "scene/scene.h"
@@ -27,7 +28,8 @@ class SceneRegistry {
   Scene* Reach(PF_Handle sequenceData);
 
   /// Releases the scene that `owner` made, if there is one: its taken worlds go back to the host
-  /// (errors are dropped), its textures are deleted. [framework's context current]
+  /// (errors are dropped; without the suite for it they wait for ReleaseAll), its textures are
+  /// deleted. [framework's context current]
   void Release(PF_Handle owner, SuiteHandler& suites, PF_ProgPtr effectRef);
 
   /// Releases every scene that is left. [framework's context current]
@@ -37,6 +39,7 @@ class SceneRegistry {
   [[nodiscard]] bool Knows(const Scene* scene) const;
 
   std::unordered_map<PF_Handle, std::unique_ptr<Scene>> scenes_;
+  std::vector<std::unique_ptr<Scene>> leftOver_;  ///< nobody's, but they still hold worlds
 };
 
 /// The one registry of the process.

@@ -23,7 +23,7 @@ struct AEGP_UtilitySuite5 {
                                  AEGP_PluginID* plugin_id);
   void* reserved_9_30[22];
 };
-SDK_SIZE(AEGP_UtilitySuite5, 31 * 8);
+SDK_SLOTS(AEGP_UtilitySuite5, 31);
 SDK_SLOT(AEGP_UtilitySuite5, AEGP_StartQuietErrors, 3);
 SDK_SLOT(AEGP_UtilitySuite5, AEGP_EndQuietErrors, 4);
 SDK_SLOT(AEGP_UtilitySuite5, AEGP_RegisterWithAEGP, 8);
@@ -35,7 +35,7 @@ struct AEGP_UtilitySuite6 {
   A_Err (*AEGP_EndUndoGroup)();
   void* reserved_9_32[24];
 };
-SDK_SIZE(AEGP_UtilitySuite6, 33 * 8);
+SDK_SLOTS(AEGP_UtilitySuite6, 33);
 SDK_SLOT(AEGP_UtilitySuite6, AEGP_StartUndoGroup, 7);
 SDK_SLOT(AEGP_UtilitySuite6, AEGP_EndUndoGroup, 8);
 
@@ -46,7 +46,7 @@ struct AEGP_RegisterSuite5 {
                                  AEGP_IdleRefcon refconP);
   void* reserved_9_11[3];
 };
-SDK_SIZE(AEGP_RegisterSuite5, 12 * 8);
+SDK_SLOTS(AEGP_RegisterSuite5, 12);
 SDK_SLOT(AEGP_RegisterSuite5, AEGP_RegisterIdleHook, 8);
 
 /// "AEGP Persistent Data Suite" 3
@@ -60,7 +60,7 @@ struct AEGP_PersistentDataSuite3 {
                         const A_char* value_keyZ, A_long valueL);
   void* reserved_15_17[3];
 };
-SDK_SIZE(AEGP_PersistentDataSuite3, 18 * 8);
+SDK_SLOTS(AEGP_PersistentDataSuite3, 18);
 SDK_SLOT(AEGP_PersistentDataSuite3, AEGP_GetApplicationBlob, 0);
 SDK_SLOT(AEGP_PersistentDataSuite3, AEGP_DoesKeyExist, 3);
 SDK_SLOT(AEGP_PersistentDataSuite3, AEGP_SetLong, 14);
@@ -72,7 +72,7 @@ struct AEGP_PFInterfaceSuite1 {
                                       AEGP_EffectRefH* effect_refPH);
   void* reserved_2_4[3];
 };
-SDK_SIZE(AEGP_PFInterfaceSuite1, 5 * 8);
+SDK_SLOTS(AEGP_PFInterfaceSuite1, 5);
 SDK_SLOT(AEGP_PFInterfaceSuite1, AEGP_GetEffectLayer, 0);
 SDK_SLOT(AEGP_PFInterfaceSuite1, AEGP_GetNewEffectForEffect, 1);
 
@@ -95,8 +95,8 @@ struct AEGP_EffectSuite {
 };
 using AEGP_EffectSuite2 = AEGP_EffectSuite<2>;
 using AEGP_EffectSuite3 = AEGP_EffectSuite<3>;
-SDK_SIZE(AEGP_EffectSuite2, 17 * 8);
-SDK_SIZE(AEGP_EffectSuite3, 17 * 8);
+SDK_SLOTS(AEGP_EffectSuite2, 17);
+SDK_SLOTS(AEGP_EffectSuite3, 17);
 SDK_SLOT(AEGP_EffectSuite2, AEGP_GetLayerNumEffects, 0);
 SDK_SLOT(AEGP_EffectSuite2, AEGP_GetLayerEffectByIndex, 1);
 SDK_SLOT(AEGP_EffectSuite2, AEGP_GetInstalledKeyFromLayerEffect, 2);
@@ -110,7 +110,7 @@ struct AEGP_StreamSuite2 {
   A_Err (*AEGP_GetStreamName)(AEGP_StreamRefH streamH, A_Boolean force_englishB, A_char* nameZ);
   void* reserved_9_21[13];
 };
-SDK_SIZE(AEGP_StreamSuite2, 22 * 8);
+SDK_SLOTS(AEGP_StreamSuite2, 22);
 SDK_SLOT(AEGP_StreamSuite2, AEGP_GetStreamName, 8);
 
 /// "AEGP Stream Suite" 9
@@ -129,7 +129,7 @@ struct AEGP_StreamSuite4 {
                                AEGP_StreamValue2* valueP);
   void* reserved_16_21[6];
 };
-SDK_SIZE(AEGP_StreamSuite4, 22 * 8);
+SDK_SLOTS(AEGP_StreamSuite4, 22);
 SDK_SLOT(AEGP_StreamSuite4, AEGP_GetNewEffectStreamByIndex, 5);
 SDK_SLOT(AEGP_StreamSuite4, AEGP_DisposeStream, 7);
 SDK_SLOT(AEGP_StreamSuite4, AEGP_GetNewStreamValue, 13);
@@ -147,7 +147,7 @@ struct AEGP_DynamicStreamSuite4 {
                                       AEGP_StreamRefH* parent_streamPH);
   void* reserved_17_25[9];
 };
-SDK_SIZE(AEGP_DynamicStreamSuite4, 26 * 8);
+SDK_SLOTS(AEGP_DynamicStreamSuite4, 26);
 SDK_SLOT(AEGP_DynamicStreamSuite4, AEGP_GetDynamicStreamFlags, 5);
 SDK_SLOT(AEGP_DynamicStreamSuite4, AEGP_SetDynamicStreamFlag, 6);
 SDK_SLOT(AEGP_DynamicStreamSuite4, AEGP_GetNewParentStreamRef, 16);
@@ -157,7 +157,7 @@ struct AEGP_ProjSuite6 {
   A_Err (*AEGP_GetNumProjects)(A_long* num_projPL);
   void* reserved_1_13[13];
 };
-SDK_SIZE(AEGP_ProjSuite6, 14 * 8);
+SDK_SLOTS(AEGP_ProjSuite6, 14);
 SDK_SLOT(AEGP_ProjSuite6, AEGP_GetNumProjects, 0);
 
 /// "AEGP Item Suite" 10

@@ -17,3 +17,6 @@
 /// Asserts the size of a record in bytes.
 #define SDK_SIZE(record, bytes) \
   static_assert(sizeof(record) == (bytes), #record " has another size")
+
+/// Asserts the number of slots of a table of function pointers.
+#define SDK_SLOTS(table, count) SDK_SIZE(table, (count) * sizeof(void*))

@@ -25,6 +25,8 @@
 #ifndef TARVO_COMPANION_H
 #define TARVO_COMPANION_H
 
+/* NOLINTBEGIN(modernize-*): what follows is C. */
+
 #include <stddef.h>
 #include <stdint.h>
 
@@ -70,8 +72,8 @@ typedef struct CompanionSlot {
   uint8_t newImageA; /* nonzero: imageA is new and passes to the receiver, who clears the flag */
   uint8_t newImageB; /* and disposes of the world; a flag still set says the world is yours */
   uint8_t padding[2];
-  double opacityA;     /* 0 to 1, for pieces drawn from image A; counts from the next new image on */
-  double opacityB;     /* the same for image B */
+  double opacityA; /* 0 to 1, for pieces drawn from image A; counts from the next new image on */
+  double opacityB; /* the same for image B */
   int32_t effectIndex; /* the sender's own 0-based place in the layer's effect stack */
 } CompanionSlot;
 
@@ -98,5 +100,7 @@ TARVO_LAYOUT(offsetof(CompanionSlot, effectIndex) == 292);
 #ifdef __cplusplus
 }
 #endif
+
+/* NOLINTEND(modernize-*) */
 
 #endif /* TARVO_COMPANION_H */

@@ -1,0 +1,35 @@
+# Sourced by the other scripts: goes to the repository's root and installs what is missing there.
+# A package is asked for by name and only when dpkg does not know it, so that a machine that has
+# everything needs no network.
+cd "$(dirname "${BASH_SOURCE[0]}")/.." || exit 1
+
+packages=(
+  g++ cmake ninja-build
+  libegl-dev libgl-dev libglu1-mesa-dev libegl-mesa0 libgl1-mesa-dri  # OpenGL without a screen
+  nlohmann-json3-dev libcli11-dev libstb-dev                         # the stand-in host
+  libgtest-dev googletest libbenchmark-dev python3 python3-jsonschema # tests and benchmarks
+  clang-format clang-tidy binutils
+)
+
+have() { dpkg-query -W -f '${Status}' "$1" 2>/dev/null | grep -q ' installed$'; }
+
+install_missing() {
+  local missing=() package
+  for package in "${packages[@]}"; do have "$package" || missing+=("$package"); done
+  [ ${#missing[@]} -eq 0 ] && return
+  command -v apt-get >/dev/null || { echo "missing, and no apt-get here: ${missing[*]}" >&2; exit 1; }
+  local as_root=()
+  [ "$(id -u)" -eq 0 ] || as_root=(sudo)
+  echo "installing: ${missing[*]}"
+  "${as_root[@]}" apt-get update -qq
+  DEBIAN_FRONTEND=noninteractive "${as_root[@]}" apt-get install -y -qq --no-install-recommends \
+    "${missing[@]}" >/dev/null
+}
+
+# build PRESET: configures and builds one preset.
+build() {
+  cmake --preset "$1" >/dev/null
+  cmake --build --preset "$1"
+}
+
+install_missing

@@ -1,0 +1,113 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <deque>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+namespace standin {
+
+/// What the host hands out.
+enum class Kind {
+  kProgramRef,  ///< PF_ProgPtr, one effect instance (or the plug-in as a whole)
+  kHandle,      ///< PF_Handle
+  kWorld,       ///< PF_EffectWorld, by its identity in `reserved0`
+  kItem,
+  kComposition,
+  kLayer,
+  kPreferences,
+  kEffectRef,    ///< AEGP_EffectRefH
+  kStream,       ///< AEGP_StreamRefH
+  kStreamValue,  ///< AEGP_StreamValue2, by its address
+  kSuite,        ///< one acquisition of a suite
+  kUndoGroup,
+  kQuietSection,
+  kLock,  ///< one lock of a handle
+};
+
+inline constexpr std::size_t kKinds = 14;
+
+/// "handle", "effect reference", …: as messages say it.
+std::string_view Name(Kind kind);
+
+/// The host's accounts: everything handed out is entered with its kind and taken out when it is
+/// given back. What was given back is remembered, so that a second disposal and a use after the end
+/// are told apart from a value that never was ours. The first misuse is kept, and so are all
+/// others.
+class Books {
+ public:
+  /// Enters an object and gives back its name, an opaque value that is never used twice.
+  const void* Issue(Kind kind, std::string label, void* subject);
+  /// Enters an object under a name of its own: an address.
+  void Enter(Kind kind, const void* name, std::string label, void* subject);
+  /// Takes an object out. Null, unknown, of another kind, or taken out before: a misuse by `who`,
+  /// each with its own message, and false.
+  bool Remove(Kind kind, const void* name, std::string_view who);
+  /// The subject of a living object; null after noting the misuse as Remove does.
+  void* Find(Kind kind, const void* name, std::string_view who);
+  template <typename Subject>
+  Subject* Find(Kind kind, const void* name, std::string_view who) {
+    return static_cast<Subject*>(Find(kind, name, who));
+  }
+  /// True iff the object is handed out and not yet given back.
+  [[nodiscard]] bool Alive(Kind kind, const void* name) const;
+  /// "effect reference 'QEZ_Tarvo' 12", or the value itself when it is none of ours.
+  [[nodiscard]] std::string Describe(const void* name) const;
+
+  /// Objects of this kind that are out at the moment.
+  [[nodiscard]] std::size_t Count(Kind kind) const;
+  /// Objects of this kind ever handed out.
+  [[nodiscard]] std::uint64_t Issued(Kind kind) const;
+  /// What is out at the moment, described; in the order in which it was handed out.
+  [[nodiscard]] std::vector<std::string> Outstanding(Kind kind) const;
+  /// What is out and should not be once a command or an idle call is over: suites, effect
+  /// references, streams, stream values, undo groups, quiet sections, locks.
+  [[nodiscard]] std::vector<std::string> OutstandingAfterCall() const;
+  [[nodiscard]] bool Balanced() const;
+  /// Notes each of OutstandingAfterCall as a misuse and writes it off, so that it is told once.
+  void CloseCall(std::string_view command);
+
+  /// Notes every handle and world that is out as a misuse and writes it off: the plug-in is gone.
+  void CloseLife(std::string_view command);
+
+  /// Notes that the plug-in did what it must not.
+  void Misuse(std::string message);
+  [[nodiscard]] const std::vector<std::string>& Misuses() const { return misuses_; }
+  /// Empty when there was none.
+  [[nodiscard]] std::string FirstMisuse() const;
+  /// Forgets the misuses, for a test that has made one on purpose.
+  void ClearMisuses() { misuses_.clear(); }
+
+  static constexpr std::size_t kRememberedDead = 100'000;
+  static constexpr std::size_t kMisuseLimit = 1'000;
+
+ private:
+  struct Entry {
+    Kind kind = Kind::kHandle;
+    bool alive = true;
+    std::uint64_t number = 0;
+    std::string label;
+    void* subject = nullptr;
+  };
+
+  Entry* Check(Kind kind, const void* name, std::string_view who);
+  void Open(Kind kind, const void* name, std::string label, void* subject);
+  void WriteOff(std::string_view command, bool (*concerns)(Kind));
+  void Bury(const void* name, Entry& entry);
+  [[nodiscard]] std::vector<const Entry*> Living() const;
+  [[nodiscard]] static std::string Describe(const Entry& entry);
+
+  std::unordered_map<const void*, Entry> entries_;
+  std::deque<std::pair<const void*, std::uint64_t>> dead_;
+  std::array<std::uint64_t, kKinds> issued_{};
+  std::array<std::size_t, kKinds> alive_{};
+  std::uint64_t next_ = 1;
+  std::vector<std::string> misuses_;
+};
+
+}  // namespace standin

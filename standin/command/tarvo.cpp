@@ -1,0 +1,67 @@
+#include <exception>
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include "standin/command/command.h"
+#include "standin/performance.h"
+#include "standin/plugin_library.h"
+#include "standin/scene_faults.h"
+
+namespace standin {
+namespace {
+
+constexpr AddCommand kCommands[] = {AddRender};
+
+constexpr const char* kFooter = R"(Examples:
+  tarvo render examples/wave/wave.json -o wave.png
+
+Exit codes: 0 made; 2 a file, a scene or an option is wrong; 3 the plug-in returned an error or
+broke a rule of its host; 4 the plug-in cannot be loaded, or there is no OpenGL to run it with.
+No output file is made unless the exit code is 0.)";
+
+int Fail(const Console& console, ExitCode code, const std::vector<std::string>& lines) {
+  for (const std::string& line : lines) {
+    console.err << line << '\n';
+  }
+  return code;
+}
+
+/// Reads the command line. Throws CLI::ParseError for a wrong one, and for --help and --version.
+Work ReadCommandLine(CLI::App& program, int argc, const char* const* argv) {
+  Work chosen;
+  program.set_version_flag("--version", "tarvo " TARVO_VERSION, "Print the version and exit");
+  program.set_help_flag("-h,--help", "Print this help and exit");
+  program.footer(kFooter);
+  for (const AddCommand add : kCommands) {
+    add(program, chosen);
+  }
+  program.parse(argc, argv);
+  if (!chosen) {
+    throw CLI::RequiredError("A command");
+  }
+  return chosen;
+}
+
+}  // namespace
+
+int RunTarvo(int argc, const char* const* argv, const Console& console) {
+  CLI::App program("Shows a rig without the real host: plays a scene file on the plug-in.",
+                   "tarvo");
+  try {
+    ReadCommandLine(program, argc, argv)(console);
+    return kMade;
+  } catch (const CLI::Success& request) {
+    return program.exit(request, console.out, console.err);
+  } catch (const CLI::ParseError& error) {
+    return Fail(console, kWrongInput, {"tarvo: " + std::string(error.what())});
+  } catch (const InputError& error) {
+    return Fail(console, kWrongInput, error.Lines());
+  } catch (const PluginError& error) {
+    return Fail(console, kPluginFault, error.Lines());
+  } catch (const std::exception& error) {
+    return Fail(console, kNotLoaded, {"tarvo: " + std::string(error.what())});
+  }
+}
+
+}  // namespace standin

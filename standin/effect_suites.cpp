@@ -1,0 +1,119 @@
+#include "sdk/aegp_suites.h"
+#include "standin/callback.h"
+
+namespace standin {
+namespace {
+
+// The longest match name that this host writes, with its terminating zero.
+constexpr std::size_t kWrittenMatchName = 48;
+
+void PutName(const std::string& name, std::size_t room, A_char* text) {
+  text[name.copy(text, room - 1)] = '\0';
+}
+
+Layer* LayerOf(Core& core, AEGP_LayerH layer, std::string_view who) {
+  return core.books.Find<Layer>(Kind::kLayer, layer, who);
+}
+
+A_Err GetEffectLayer(Core& core, PF_ProgPtr effect, AEGP_LayerH* layer) {
+  const RendererInstance* instance = core.Instance(effect, "AEGP_GetEffectLayer");
+  if (instance == nullptr || layer == nullptr) {
+    return PF_Err_BAD_CALLBACK_PARAM;
+  }
+  *layer = instance->layerIsKnown ? core.LayerHandle(instance->OnLayer()) : nullptr;
+  return A_Err_NONE;
+}
+
+A_Err GetNewEffectForEffect(Core& core, AEGP_PluginID id, PF_ProgPtr effect,
+                            AEGP_EffectRefH* reference) {
+  RendererInstance* instance = core.Instance(effect, "AEGP_GetNewEffectForEffect");
+  if (!core.IsPluginId(id, "AEGP_GetNewEffectForEffect") || instance == nullptr ||
+      reference == nullptr) {
+    return PF_Err_BAD_CALLBACK_PARAM;
+  }
+  *reference = core.NewEffectRef(*instance);
+  return A_Err_NONE;
+}
+
+A_Err GetLayerNumEffects(Core& core, AEGP_LayerH layer, A_long* count) {
+  const Layer* found = LayerOf(core, layer, "AEGP_GetLayerNumEffects");
+  if (found == nullptr || count == nullptr) {
+    return PF_Err_BAD_CALLBACK_PARAM;
+  }
+  *count = static_cast<A_long>(found->effects.size());
+  return A_Err_NONE;
+}
+
+A_Err GetLayerEffectByIndex(Core& core, AEGP_PluginID id, AEGP_LayerH layer, AEGP_EffectIndex index,
+                            AEGP_EffectRefH* reference) {
+  const Layer* found = LayerOf(core, layer, "AEGP_GetLayerEffectByIndex");
+  if (!core.IsPluginId(id, "AEGP_GetLayerEffectByIndex") || found == nullptr ||
+      reference == nullptr) {
+    return PF_Err_BAD_CALLBACK_PARAM;
+  }
+  if (index < 0 || static_cast<std::size_t>(index) >= found->effects.size()) {
+    return PF_Err_INVALID_INDEX;
+  }
+  *reference = core.NewEffectRef(*found->effects[static_cast<std::size_t>(index)]);
+  return A_Err_NONE;
+}
+
+A_Err GetInstalledKey(Core& core, AEGP_EffectRefH effect, AEGP_InstalledEffectKey* key) {
+  const Effect* found = core.EffectOf(effect, "AEGP_GetInstalledKeyFromLayerEffect");
+  if (found == nullptr || key == nullptr) {
+    return PF_Err_BAD_CALLBACK_PARAM;
+  }
+  *key = core.InstalledKey(found->matchName);
+  return A_Err_NONE;
+}
+
+A_Err GetEffectFlags(Core& core, AEGP_EffectRefH effect, AEGP_EffectFlags* flags) {
+  const Effect* found = core.EffectOf(effect, "AEGP_GetEffectFlags");
+  if (found == nullptr || flags == nullptr) {
+    return PF_Err_BAD_CALLBACK_PARAM;
+  }
+  *flags = found->active ? AEGP_EffectFlags_ACTIVE : AEGP_EffectFlags_NONE;
+  return A_Err_NONE;
+}
+
+A_Err DisposeEffect(Core& core, AEGP_EffectRefH effect) {
+  return core.books.Remove(Kind::kEffectRef, effect, "AEGP_DisposeEffect")
+             ? A_Err_NONE
+             : PF_Err_BAD_CALLBACK_PARAM;
+}
+
+A_Err GetEffectMatchName(Core& core, AEGP_InstalledEffectKey key, A_char* name) {
+  const std::string* found = core.MatchNameOf(key);
+  if (found == nullptr || name == nullptr) {
+    return core.Refuse("AEGP_GetEffectMatchName",
+                       "key " + std::to_string(key) + "; a key of this host was expected");
+  }
+  PutName(*found, kWrittenMatchName, name);
+  return A_Err_NONE;
+}
+
+template <int kVersion>
+void Fill(AEGP_EffectSuite<kVersion>& suite) {
+  suite.AEGP_GetLayerNumEffects = Operation<"AEGP_GetLayerNumEffects", GetLayerNumEffects>::Call;
+  suite.AEGP_GetLayerEffectByIndex =
+      Operation<"AEGP_GetLayerEffectByIndex", GetLayerEffectByIndex>::Call;
+  suite.AEGP_GetInstalledKeyFromLayerEffect =
+      Operation<"AEGP_GetInstalledKeyFromLayerEffect", GetInstalledKey>::Call;
+  suite.AEGP_GetEffectFlags = Operation<"AEGP_GetEffectFlags", GetEffectFlags>::Call;
+  suite.AEGP_DisposeEffect =
+      Operation<"AEGP_DisposeEffect", DisposeEffect, Failing::kAfterwork>::Call;
+  suite.AEGP_GetEffectMatchName = Operation<"AEGP_GetEffectMatchName", GetEffectMatchName>::Call;
+}
+
+}  // namespace
+
+void AddEffectSuites(Core& core) {
+  auto& fromEffect = core.suites.Add<AEGP_PFInterfaceSuite1>("AEGP PF Interface Suite", 1);
+  fromEffect.AEGP_GetEffectLayer = Operation<"AEGP_GetEffectLayer", GetEffectLayer>::Call;
+  fromEffect.AEGP_GetNewEffectForEffect =
+      Operation<"AEGP_GetNewEffectForEffect", GetNewEffectForEffect>::Call;
+  Fill(core.suites.Add<AEGP_EffectSuite2>("AEGP Effect Suite", 2));
+  Fill(core.suites.Add<AEGP_EffectSuite3>("AEGP Effect Suite", 3));
+}
+
+}  // namespace standin

@@ -1,0 +1,92 @@
+#include "standin/gate.h"
+
+#include <utility>
+
+namespace standin {
+
+bool Gate::Plan::Fires() {
+  if (remaining > 1) {
+    --remaining;
+    return false;
+  }
+  const bool fires = remaining == 1;
+  if (!andLater) {
+    remaining = 0;
+  }
+  return fires;
+}
+
+void Gate::FailNth(std::uint64_t n, Failure failure) { anyOperation_ = Plan{n, failure, false}; }
+
+void Gate::FailFrom(std::uint64_t n, Failure failure) { anyOperation_ = Plan{n, failure, true}; }
+
+void Gate::FailOperation(const std::string& operation, std::uint64_t k, Failure failure,
+                         bool andLater) {
+  byOperation_[operation] = Plan{k, failure, andLater};
+}
+
+void Gate::FailNothing() {
+  anyOperation_.reset();
+  byOperation_.clear();
+}
+
+std::uint64_t Gate::Calls(const std::string& operation) const {
+  const auto tally = tallies_.find(operation);
+  return tally == tallies_.end() ? 0 : tally->second.calls;
+}
+
+std::uint64_t Gate::Injected(const std::string& operation) const {
+  const auto tally = tallies_.find(operation);
+  return tally == tallies_.end() ? 0 : tally->second.injected;
+}
+
+std::optional<Failure> Gate::Enter(std::string_view operation, Failing failing) {
+  ++calls_;
+  auto tally = tallies_.find(operation);
+  if (tally == tallies_.end()) {
+    tally = tallies_.emplace(std::string(operation), Tally{}).first;
+  }
+  ++tally->second.calls;
+  if (failing == Failing::kNever) {
+    return std::nullopt;
+  }
+  ++failableCalls_;
+  const std::optional<Failure> failure = Due(operation);
+  if (failure) {
+    ++injected_;
+    ++tally->second.injected;
+  }
+  return failure;
+}
+
+std::optional<Failure> Gate::Due(std::string_view operation) {
+  std::optional<Failure> due;
+  if (anyOperation_ && anyOperation_->Fires()) {
+    due = anyOperation_->failure;
+  }
+  const auto plan = byOperation_.find(operation);
+  if (plan != byOperation_.end() && plan->second.Fires()) {
+    due = plan->second.failure;
+  }
+  return due;
+}
+
+void Gate::Leave(CallRecord record) {
+  record.command = command_;
+  if (trace_) {
+    trace_("  " + record.operation + "(" + record.arguments + ")" +
+           (record.result.empty() ? "" : " = " + record.result) +
+           (record.injected ? "  [told to fail]" : ""));
+  }
+  if (keepLog_ && log_.size() < kLogLimit) {
+    log_.push_back(std::move(record));
+  }
+}
+
+void Gate::Note(std::string_view line) const {
+  if (trace_) {
+    trace_(line);
+  }
+}
+
+}  // namespace standin

@@ -1,0 +1,218 @@
+#include "standin/host.h"
+
+#include <utility>
+
+#include "standin/conversation.h"
+#include "standin/core.h"
+#include "standin/life_cycle.h"
+
+namespace standin {
+namespace {
+
+Core& MakeActive(std::unique_ptr<Core>& core, PF_EntryPoint entryPoint, HostOptions options) {
+  if (entryPoint == nullptr) {
+    throw std::logic_error("a host needs the plug-in's entry point; it was given none");
+  }
+  if (ActiveCore() != nullptr) {
+    throw std::logic_error(
+        "another host is active in this process; its callbacks can serve one at a time");
+  }
+  core = std::make_unique<Core>(entryPoint, std::move(options));
+  SetActiveCore(core.get());
+  return *core;
+}
+
+Parameter InputLayerParameter() {
+  Parameter parameter;
+  parameter.definition.param_type = PF_Param_LAYER;
+  return parameter;
+}
+
+void TakeOver(Core& core, const PF_OutData& out) {
+  core.globalData = out.global_data;
+  core.pluginVersion = out.my_version;
+  core.outFlags = out.out_flags;
+  core.outFlags2 = out.out_flags2;
+}
+
+void ForgetPlugin(Core& core) {
+  core.declared.clear();
+  core.idleHooks.clear();
+  core.pluginId = 0;
+  core.globalRefcon = nullptr;
+}
+
+/// The plug-in is gone, so what it kept for an instance is the host's to free.
+void FreeSequenceData(Core& core) {
+  for (RendererInstance* instance : core.Instances()) {
+    if (core.memory.Alive(instance->sequenceData)) {
+      core.memory.Dispose(instance->sequenceData, "the host");
+    }
+    instance->sequenceData = nullptr;
+    instance->state = InstanceState::kSetDown;
+  }
+}
+
+void FreeInputLayer(Core& core) {
+  if (core.inputLayer) {
+    core.worlds.Dispose(&*core.inputLayer, "the host");
+    core.inputLayer.reset();
+  }
+}
+
+}  // namespace
+
+std::string CommandName(A_long command) {
+  switch (command) {
+    case PF_Cmd_ABOUT:
+      return "PF_Cmd_ABOUT";
+    case PF_Cmd_GLOBAL_SETUP:
+      return "PF_Cmd_GLOBAL_SETUP";
+    case PF_Cmd_GLOBAL_SETDOWN:
+      return "PF_Cmd_GLOBAL_SETDOWN";
+    case PF_Cmd_PARAMS_SETUP:
+      return "PF_Cmd_PARAMS_SETUP";
+    case PF_Cmd_SEQUENCE_SETUP:
+      return "PF_Cmd_SEQUENCE_SETUP";
+    case PF_Cmd_SEQUENCE_RESETUP:
+      return "PF_Cmd_SEQUENCE_RESETUP";
+    case PF_Cmd_SEQUENCE_FLATTEN:
+      return "PF_Cmd_SEQUENCE_FLATTEN";
+    case PF_Cmd_SEQUENCE_SETDOWN:
+      return "PF_Cmd_SEQUENCE_SETDOWN";
+    case PF_Cmd_FRAME_SETUP:
+      return "PF_Cmd_FRAME_SETUP";
+    case PF_Cmd_RENDER:
+      return "PF_Cmd_RENDER";
+    case PF_Cmd_FRAME_SETDOWN:
+      return "PF_Cmd_FRAME_SETDOWN";
+    case PF_Cmd_USER_CHANGED_PARAM:
+      return "PF_Cmd_USER_CHANGED_PARAM";
+    case PF_Cmd_UPDATE_PARAMS_UI:
+      return "PF_Cmd_UPDATE_PARAMS_UI";
+    case PF_Cmd_COMPLETELY_GENERAL:
+      return "PF_Cmd_COMPLETELY_GENERAL";
+    default:
+      return "command " + std::to_string(command);
+  }
+}
+
+Host::Host(PF_EntryPoint entryPoint, HostOptions options)
+    : gate(MakeActive(core_, entryPoint, std::move(options)).gate),
+      books(core_->books),
+      project(core_->project),
+      memory(core_->memory),
+      worlds(core_->worlds) {}
+
+Host::~Host() {
+  try {
+    Close();
+  } catch (...) {
+    core_->books.Misuse("the host could not be closed");
+  }
+  SetActiveCore(nullptr);
+}
+
+CommandResult Host::GlobalSetup() {
+  Expect(*core_, "GlobalSetup", {LifeCycle::kLoaded, LifeCycle::kSetDown});
+  ForgetPlugin(*core_);
+  Records records = MakeRecords(*core_, nullptr);
+  CommandResult result = Converse(*core_, PF_Cmd_GLOBAL_SETUP, records);
+  TakeOver(*core_, records.out);
+  core_->state = result.Ok() ? LifeCycle::kSetUp : LifeCycle::kSetUpFailed;
+  return result;
+}
+
+CommandResult Host::ParamsSetup() {
+  Expect(*core_, "ParamsSetup", {LifeCycle::kSetUp});
+  core_->declared = {InputLayerParameter()};
+  Records records = MakeRecords(*core_, nullptr);
+  core_->addingParameters = true;
+  CommandResult result = Converse(*core_, PF_Cmd_PARAMS_SETUP, records);
+  core_->addingParameters = false;
+  if (!result.Ok()) {
+    return result;
+  }
+  if (static_cast<std::size_t>(records.out.num_params) != core_->declared.size()) {
+    core_->books.Misuse("PF_Cmd_PARAMS_SETUP: num_params is " +
+                        std::to_string(records.out.num_params) + "; with the input layer " +
+                        std::to_string(core_->declared.size()) + " parameters were declared");
+  }
+  core_->state = LifeCycle::kReady;
+  return result;
+}
+
+CommandResult Host::GlobalSetdown() {
+  Expect(*core_, "GlobalSetdown", {LifeCycle::kSetUp, LifeCycle::kReady, LifeCycle::kSetUpFailed});
+  Records records = MakeRecords(*core_, nullptr);
+  CommandResult result = Converse(*core_, PF_Cmd_GLOBAL_SETDOWN, records);
+  core_->globalData = nullptr;
+  core_->state = LifeCycle::kSetDown;
+  FreeSequenceData(*core_);
+  FreeInputLayer(*core_);
+  core_->books.CloseLife("PF_Cmd_GLOBAL_SETDOWN");
+  ForgetPlugin(*core_);
+  return result;
+}
+
+CommandResult Host::About() {
+  Expect(*core_, "About", {LifeCycle::kSetUp, LifeCycle::kReady});
+  Records records = MakeRecords(*core_, nullptr);
+  return Converse(*core_, PF_Cmd_ABOUT, records);
+}
+
+CommandResult Host::StartUp() {
+  CommandResult result = GlobalSetup();
+  return result.Ok() ? ParamsSetup() : result;
+}
+
+void Host::Close() {
+  if (core_->state == LifeCycle::kLoaded || core_->state == LifeCycle::kSetDown) {
+    return;
+  }
+  for (RendererInstance* instance : core_->Instances()) {
+    if (core_->state == LifeCycle::kReady && instance->state == InstanceState::kSetUp) {
+      SetDown(*core_, *instance);
+    }
+  }
+  GlobalSetdown();
+}
+
+LifeCycle Host::State() const { return core_->state; }
+
+const std::vector<Parameter>& Host::DeclaredParameters() const { return core_->declared; }
+
+A_u_long Host::PluginVersion() const { return core_->pluginVersion; }
+
+PF_OutFlags Host::OutFlags() const { return core_->outFlags; }
+
+PF_OutFlags2 Host::OutFlags2() const { return core_->outFlags2; }
+
+PF_Handle Host::GlobalData() const { return core_->globalData; }
+
+void Host::Withhold(const std::string& suite, std::int32_t version) {
+  core_->suites.Withhold(suite, version);
+}
+
+void Host::OfferAllSuites() { core_->suites.OfferAll(); }
+
+const std::vector<std::string>& Host::Reports() const { return core_->reports; }
+
+const std::vector<Change>& Host::Changes() const { return core_->changes; }
+
+void Host::ClearChanges() { core_->changes.clear(); }
+
+const std::vector<std::string>& Host::UndoGroups() const { return core_->undoGroups; }
+
+const std::map<std::pair<std::string, std::string>, A_long>& Host::Preferences() const {
+  return core_->options.preferences;
+}
+
+std::size_t Host::AbandonedWorlds() const { return core_->abandonedWorlds; }
+
+bool Host::ContextIsCurrent() const {
+  return core_->context ? core_->context->IsCurrent() && GlContext::IsUntouched()
+                        : NoContextIsCurrent();
+}
+
+}  // namespace standin

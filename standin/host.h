@@ -1,0 +1,236 @@
+#pragma once
+
+#include <cstddef>
+#include <map>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "sdk/effect.h"
+#include "standin/books.h"
+#include "standin/companion.h"
+#include "standin/gate.h"
+#include "standin/host_memory.h"
+#include "standin/picture.h"
+#include "standin/project.h"
+#include "standin/worlds.h"
+
+namespace standin {
+
+/// What kind of host this is.
+struct HostOptions {
+  A_short versionMajor = 13;
+  A_short versionMinor = 7;
+  /// What get_platform_data says the plug-in's file is.
+  std::string pluginPath = "C:\\Plug-ins\\Tarvo_overlaps_manager.aex";
+  /// Hosts answer with 16-bit text; false gives 8-bit text, as older ones did.
+  bool pathIsWide = true;
+  /// Section and key of each preference that exists, with its value.
+  std::map<std::pair<std::string, std::string>, A_long> preferences;
+  /// False: no OpenGL context is current when the plug-in is called.
+  bool ownContext = true;
+  /// False skips the checks that read whole pictures (unwritten pixels, the input layer's pixels),
+  /// for timings.
+  bool inspectPixels = true;
+};
+
+/// Where the plug-in stands with the host.
+enum class LifeCycle { kLoaded, kSetUp, kReady, kSetUpFailed, kSetDown };
+/// Where an instance of the renderer stands.
+enum class InstanceState { kNew, kSetUp, kSetDown };
+
+/// A command came at the wrong time; the text gives the actual and the wanted state.
+class LifeCycleError : public std::logic_error {
+ public:
+  using std::logic_error::logic_error;
+};
+
+/// What the plug-in answered to a command.
+struct CommandResult {
+  PF_Err code = PF_Err_NONE;
+  std::string message;          ///< return_msg
+  bool displayMessage = false;  ///< the host was asked to show it
+  bool escaped = false;         ///< an exception left the entry point; then the code is 512
+
+  [[nodiscard]] bool Ok() const { return code == PF_Err_NONE && !escaped; }
+};
+
+/// The conditions under which a frame is asked for.
+struct FrameRequest {
+  /// Resolution: 1 is full, 2 is half, and so on, in each direction.
+  A_u_long downsampleX = 1;
+  A_u_long downsampleY = 1;
+  A_long preEffectOriginX = 0;
+  A_long preEffectOriginY = 0;
+  A_long time = 0;  ///< in frames of 1/25 second
+};
+
+/// An output's size and the place of the layer's corner in it, in pixels at the frame's resolution.
+struct FrameExtent {
+  CommandResult command;
+  A_long width = 0;
+  A_long height = 0;
+  A_long originX = 0;
+  A_long originY = 0;
+};
+
+struct RenderResult {
+  CommandResult command;
+  Picture picture;
+  /// Pixels that the plug-in left as the host made them (0 when pixels are not inspected).
+  std::size_t unwritten = 0;
+};
+
+struct SendResult {
+  CommandResult command;
+  bool tookA = false;
+  bool tookB = false;
+};
+
+/// An instance of the plug-in on a layer.
+class RendererInstance : public Effect {
+ public:
+  RendererInstance(Layer& layer, PF_ProgPtr reference)
+      : Effect(layer, kRendererMatchName), programRef(reference) {}
+
+  InstanceState state = InstanceState::kNew;
+  PF_ProgPtr programRef;  ///< the host's name for it
+  PF_Handle sequenceData = nullptr;
+  /// False: asked for the instance's layer, the host succeeds with null.
+  bool layerIsKnown = true;
+  CommandResult setup;  ///< of the last sequence setup or resetup
+};
+
+/// A change of the project that the plug-in made through the host.
+struct Change {
+  std::string what;  ///< "QEZ_Tarvo_renderer parameter 51 = 1", for one
+  bool inUndoGroup = false;
+  std::string undoGroup;  ///< the name of the outermost group
+};
+
+struct Core;
+
+/// The host: it owns a project and its own OpenGL context, sends the plug-in its commands and
+/// answers what the plug-in asks. One host is active in a process at a time.
+///
+///   GlobalSetup ParamsSetup (AddRenderer (Send | SetParameter | UpdateParamsUi | FrameSetup |
+///   Render | Idle | Duplicate | SaveAndReopen)* Remove)* GlobalSetdown
+///
+/// After every call it checks that its context is current again, that nothing temporary is left
+/// outstanding, that no picture was written outside its rows and that its records are unchanged;
+/// what it finds stands in `books.Misuses()`. Commands never throw for what the plug-in does.
+/// A command that comes at the wrong time throws LifeCycleError.
+class Host {
+ public:
+  /// Throws std::logic_error when another host is active, std::runtime_error when no OpenGL context
+  /// can be made.
+  explicit Host(PF_EntryPoint entryPoint, HostOptions options = {});
+  Host(const Host&) = delete;
+  Host& operator=(const Host&) = delete;
+  /// Closes, if that has not been done.
+  ~Host();
+
+ private:
+  std::unique_ptr<Core> core_;
+
+ public:
+  Gate& gate;
+  Books& books;
+  Project& project;
+  HostMemory& memory;
+  Worlds& worlds;
+
+  // The plug-in as a whole.
+
+  CommandResult GlobalSetup();
+  /// Also checks that the plug-in declared as many parameters as it says.
+  CommandResult ParamsSetup();
+  /// Allowed after a failed set-up too. Handles and worlds still out then are misuses.
+  CommandResult GlobalSetdown();
+  CommandResult About();
+  /// GlobalSetup and, if that went well, ParamsSetup; the result of the last of them.
+  CommandResult StartUp();
+  /// Removes all instances and sets the plug-in down, from whatever state it is in. Idempotent.
+  void Close();
+  [[nodiscard]] LifeCycle State() const;
+  /// The first parameter is the input layer; as the plug-in declared them.
+  [[nodiscard]] const std::vector<Parameter>& DeclaredParameters() const;
+  /// What it said of itself at global setup.
+  [[nodiscard]] A_u_long PluginVersion() const;
+  [[nodiscard]] PF_OutFlags OutFlags() const;
+  [[nodiscard]] PF_OutFlags2 OutFlags2() const;
+  [[nodiscard]] PF_Handle GlobalData() const;
+
+  // The stack. A position below 0 or past the end is the end.
+
+  /// Applies the plug-in: the new instance's `setup` holds what sequence setup answered.
+  RendererInstance& AddRenderer(Layer& layer, int position = -1);
+  Companion& AddCompanion(Layer& layer, const std::string& boneName, int position = -1);
+  /// Any other effect, with a few plain parameters.
+  Effect& AddEffect(Layer& layer, const std::string& matchName, int position = -1);
+  /// Takes an effect off its layer; an instance of the plug-in is set down first.
+  CommandResult Remove(Effect& effect);
+  /// A copy right below the original: same parameters, the bytes of its sequence data in a handle
+  /// of its own, and a sequence resetup.
+  RendererInstance& Duplicate(RendererInstance& original);
+  /// Saves the project, closes it (every instance is set down) and opens it again (each gets its
+  /// saved bytes in a new handle, and a resetup). The objects of the project stay the same.
+  void SaveAndReopen();
+
+  // One instance.
+
+  /// The user changes a parameter; a supervised one is told to the plug-in.
+  CommandResult SetParameter(RendererInstance& renderer, int index, double value);
+  CommandResult UpdateParamsUi(RendererInstance& renderer);
+  /// The companion sends what it holds; its new images are in worlds of this host. A world whose
+  /// flag is still set afterwards is disposed of here, on the sender's behalf.
+  SendResult Send(Companion& companion, RendererInstance& renderer);
+  /// Sends any record, or none.
+  CommandResult SendRecord(RendererInstance& renderer, void* record);
+  FrameExtent FrameSetup(RendererInstance& renderer, const FrameRequest& request = {});
+  /// Frame setup, render and frame setdown.
+  RenderResult Render(RendererInstance& renderer, const FrameRequest& request = {});
+  /// Render into an output of this size and origin, whatever frame setup would say.
+  RenderResult RenderInto(RendererInstance& renderer, const FrameExtent& extent,
+                          const FrameRequest& request = {});
+  /// Any command, with the records that this host would pass. The answer is checked as always, but
+  /// nothing in it is followed. `renderer` may be null.
+  CommandResult Call(A_long command, RendererInstance* renderer, void* extra = nullptr);
+  /// Any command, with records of the caller's own. Nothing is prepared or followed.
+  CommandResult CallWith(A_long command, PF_InData& in, PF_OutData& out, PF_ParamDef** params,
+                         PF_LayerDef* output, void* extra);
+  /// The input record that this host would pass for an instance (null: for the plug-in as a whole).
+  [[nodiscard]] PF_InData InputRecord(const RendererInstance* renderer) const;
+
+  // The host's idle time.
+
+  /// Calls every registered idle hook once; the first nonzero result. [between commands]
+  A_Err Idle();
+  [[nodiscard]] std::size_t IdleHooks() const;
+
+  // What is left of it all.
+
+  /// A suite that this host does not have, from now on.
+  void Withhold(const std::string& suite, std::int32_t version);
+  /// It has all of them again.
+  void OfferAllSuites();
+  /// What the plug-in told the user with AEGP_ReportInfo.
+  [[nodiscard]] const std::vector<std::string>& Reports() const;
+  /// Changes of the project that the plug-in made, oldest first.
+  [[nodiscard]] const std::vector<Change>& Changes() const;
+  void ClearChanges();
+  /// Names of the undo groups that were ended, oldest first.
+  [[nodiscard]] const std::vector<std::string>& UndoGroups() const;
+  [[nodiscard]] const std::map<std::pair<std::string, std::string>, A_long>& Preferences() const;
+  /// Worlds that a failed take left with nobody, as the hand-over is agreed; this host freed them.
+  [[nodiscard]] std::size_t AbandonedWorlds() const;
+  /// True iff this host's context, with its own state, is current on this thread.
+  [[nodiscard]] bool ContextIsCurrent() const;
+};
+
+/// "setting up", "render", …: a command by name, for messages.
+std::string CommandName(A_long command);
+
+}  // namespace standin

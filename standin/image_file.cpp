@@ -1,0 +1,77 @@
+#include "standin/image_file.h"
+
+#include <algorithm>
+#include <climits>
+#include <cstddef>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+#include <string>
+
+#include <stb/stb_image.h>
+#include <stb/stb_image_write.h>
+
+namespace standin {
+namespace {
+
+constexpr int kChannels = 4;
+
+std::string SizeText(int width, int height) {
+  return std::to_string(width) + " x " + std::to_string(height) + " pixels";
+}
+
+void ExpectReadableSize(int width, int height) {
+  if (width > kLongestImageSide || height > kLongestImageSide) {
+    throw FileError("at most " + std::to_string(kLongestImageSide) +
+                    " pixels on a side expected, " + SizeText(width, height) + " given");
+  }
+}
+
+/// The encoder counts the bytes of all rows, with one filter byte each, in an int.
+bool EncoderCanHold(const Picture& picture) {
+  const long long rowBytes = 1LL + kChannels * static_cast<long long>(picture.width);
+  return picture.width > 0 && picture.height > 0 && rowBytes * picture.height <= INT_MAX;
+}
+
+void AppendBytes(void* bytes, void* data, int size) {
+  static_cast<std::string*>(bytes)->append(static_cast<const char*>(data),
+                                           static_cast<std::size_t>(size));
+}
+
+}  // namespace
+
+Picture ReadPng(const std::filesystem::path& file) {
+  const std::string bytes = ReadWholeFile(file);
+  const auto* data = reinterpret_cast<const stbi_uc*>(bytes.data());
+  const auto size = static_cast<int>(std::min<std::size_t>(bytes.size(), INT_MAX));
+  int width = 0;
+  int height = 0;
+  int channels = 0;
+  if (stbi_info_from_memory(data, size, &width, &height, &channels) == 0) {
+    throw FileError("PNG file expected, something else given");
+  }
+  ExpectReadableSize(width, height);
+  const std::unique_ptr<stbi_uc, decltype(&std::free)> pixels(
+      stbi_load_from_memory(data, size, &width, &height, &channels, kChannels), &std::free);
+  if (pixels == nullptr) {
+    throw FileError(std::string("damaged PNG file (") + stbi_failure_reason() + ")");
+  }
+  Picture picture(width, height);
+  std::memcpy(picture.Bytes(), pixels.get(), picture.pixels.size() * sizeof(Rgba));
+  return picture;
+}
+
+void WritePng(const std::filesystem::path& file, const Picture& picture) {
+  if (!EncoderCanHold(picture)) {
+    throw FileError("a picture of " + SizeText(picture.width, picture.height) +
+                    " cannot be saved as PNG");
+  }
+  std::string bytes;
+  if (stbi_write_png_to_func(AppendBytes, &bytes, picture.width, picture.height, kChannels,
+                             picture.Bytes(), picture.width * kChannels) == 0) {
+    throw FileError("encoding as PNG failed");
+  }
+  WriteWholeFile(file, bytes);
+}
+
+}  // namespace standin

@@ -1,0 +1,171 @@
+#include "standin/scene_pieces.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <iterator>
+#include <string>
+#include <string_view>
+#include <tuple>
+
+#include "standin/strip.h"
+
+namespace standin {
+namespace {
+
+constexpr std::size_t kMostPieces = 1'000'000;  // what a renderer takes from one companion
+constexpr int kMostStripPieces = 1'000;
+constexpr int kUsualStripPieces = 8;
+constexpr Range kPoseWidths{.least = 0.0};
+
+Point ReadPoint(const SceneNode& node) {
+  const auto items = node.Items(2, "[x, y]");
+  return items.empty() ? Point{} : Point{items[0].Number(), items[1].Number()};
+}
+
+template <std::size_t kCount>
+std::array<Point, kCount> ReadPoints(const SceneNode& node) {
+  std::array<Point, kCount> points{};
+  std::ranges::transform(node.Items(kCount, std::to_string(kCount) + " points"), points.begin(),
+                         ReadPoint);
+  return points;
+}
+
+template <std::size_t kCount>
+std::array<Point, kCount> NeedPoints(const SceneNode& owner, const std::string& key) {
+  const auto node = owner.Need(key, std::to_string(kCount) + " points");
+  return node ? ReadPoints<kCount>(*node) : std::array<Point, kCount>{};
+}
+
+/// Which image the piece or strip samples; a second image must be there to be sampled.
+ImageChoice ReadFrom(const SceneNode& owner, bool hasImageB) {
+  const auto node = owner.Find("from");
+  const std::string from = node ? node->Text() : "A";
+  if (from != "A" && from != "B" && !from.empty()) {
+    node->Expected(R"("A" or "B")");
+  }
+  if (from == "B" && !hasImageB) {
+    node->Fault("\"B\" needs an imageB of the bone");
+  }
+  return from == "B" ? ImageChoice::kB : ImageChoice::kA;
+}
+
+Piece ReadPiece(const SceneNode& node, bool hasImageB) {
+  node.AllowKeys({"corners", "uv", "t", "from"});
+  Piece piece;
+  piece.corners = NeedPoints<4>(node, "corners");
+  piece.texCoords = NeedPoints<4>(node, "uv");
+  if (const auto t = node.Need("t", "number")) {
+    piece.t = t->Number();
+  }
+  piece.from = ReadFrom(node, hasImageB);
+  return piece;
+}
+
+std::vector<Piece> ReadRawPieces(const SceneNode& node, bool hasImageB) {
+  const std::vector<SceneNode> items = node.Items();
+  if (items.size() > kMostPieces) {
+    node.Expected("list of at most " + std::to_string(kMostPieces) + " pieces");
+    return {};
+  }
+  std::vector<Piece> pieces;
+  std::ranges::transform(items, std::back_inserter(pieces),
+                         [=](const SceneNode& item) { return ReadPiece(item, hasImageB); });
+  return pieces;
+}
+
+void ExpectLength(const Curve& curve, const SceneNode& node) {
+  if (CurveLength(curve) == 0.0) {
+    node.Fault("points apart from one another expected, all at one place given");
+  }
+}
+
+Curve ReadSegment(const SceneNode& node) {
+  const auto [start, end] = ReadPoints<2>(node);
+  return StraightCurve(start, end);
+}
+
+/// Two points are a segment, four a cubic Bézier curve.
+Curve ReadPose(const SceneNode& node) {
+  const std::size_t count = node.IsList() ? node.Items().size() : 0;
+  if (count == 2) {
+    return ReadSegment(node);
+  }
+  if (count == 4) {
+    return ReadPoints<4>(node);
+  }
+  node.Expected("2 or 4 points");
+  return {};
+}
+
+/// The curve of a strip's member, which must be there and lead somewhere.
+Curve NeedCurve(const SceneNode& strip, const std::string& key, std::string_view what,
+                Curve (*read)(const SceneNode&)) {
+  const auto node = strip.Need(key, what);
+  if (!node) {
+    return {};
+  }
+  const std::size_t faultsBefore = node->FaultCount();
+  const Curve curve = read(*node);
+  if (node->FaultCount() == faultsBefore) {
+    ExpectLength(curve, *node);
+  }
+  return curve;
+}
+
+std::vector<Piece> ReadStrip(const SceneNode& node, bool hasImageB) {
+  node.AllowKeys({"rest", "width", "pose", "poseWidth", "pieces", "from"});
+  Strip strip;
+  strip.rest.middle = NeedCurve(node, "rest", "2 points", ReadSegment);
+  if (const auto width = node.Need("width", "number")) {
+    strip.rest.startWidth = strip.rest.endWidth = width->PositiveNumber();
+  }
+  strip.pose.middle = NeedCurve(node, "pose", "2 or 4 points", ReadPose);
+  strip.pose.startWidth = strip.pose.endWidth = strip.rest.startWidth;
+  if (const auto width = node.Find("poseWidth")) {
+    std::tie(strip.pose.startWidth, strip.pose.endWidth) = ReadEnds(*width, kPoseWidths);
+  }
+  const auto pieces = node.Find("pieces");
+  strip.pieces = pieces ? pieces->Whole(1, kMostStripPieces).value_or(1) : kUsualStripPieces;
+  strip.from = ReadFrom(node, hasImageB);
+  return CutStrip(strip);
+}
+
+}  // namespace
+
+std::pair<double, double> ReadEnds(const SceneNode& node, Range range) {
+  if (node.IsNumber()) {
+    const double both = node.Number(range);
+    return {both, both};
+  }
+  if (!node.IsList()) {
+    node.Expected("number or [start, end]");
+    return {};
+  }
+  const auto items = node.Items(2, "number or [start, end]");
+  return items.empty() ? std::pair(0.0, 0.0)
+                       : std::pair(items[0].Number(range), items[1].Number(range));
+}
+
+std::vector<Piece> ReadPieces(const SceneNode& bone) {
+  if (!bone.IsObject()) {
+    return {};  // a fault already
+  }
+  const auto pieces = bone.Find("pieces");
+  const auto strip = bone.Find("strip");
+  const bool hasImageB = bone.Find("imageB").has_value();
+  if (pieces && strip) {
+    bone.Fault("either pieces or strip expected, both given");
+    return {};
+  }
+  if (pieces) {
+    return ReadRawPieces(*pieces, hasImageB);
+  }
+  if (strip) {
+    return ReadStrip(*strip, hasImageB);
+  }
+  bone.Fault("either pieces or strip expected, neither given");
+  return {};
+}
+
+}  // namespace standin

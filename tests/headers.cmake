@@ -1,0 +1,25 @@
+# Every header stands alone: a generated file that includes nothing else is compiled for each.
+set(standalone_sources)
+foreach(room sdk platform gl host scene render companion entry standin include tests bench)
+  file(GLOB_RECURSE headers CONFIGURE_DEPENDS
+    RELATIVE ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/${room}/*.h)
+  if(WIN32)
+    list(FILTER headers EXCLUDE REGEX "/linux/")
+  else()
+    list(FILTER headers EXCLUDE REGEX "/windows/")
+  endif()
+  foreach(header IN LISTS headers)
+    set(source ${CMAKE_CURRENT_BINARY_DIR}/headers/${header}.cpp)
+    file(CONFIGURE OUTPUT ${source} CONTENT "#include \"${header}\"\n")
+    list(APPEND standalone_sources ${source})
+  endforeach()
+endforeach()
+add_library(tarvo_headers OBJECT ${standalone_sources})
+target_link_libraries(tarvo_headers PRIVATE tarvo_plugin_core tarvo_standin GTest::gtest)
+
+# What makers of companions include is C as well.
+set(companion_in_c ${CMAKE_CURRENT_BINARY_DIR}/headers/companion.c)
+file(CONFIGURE OUTPUT ${companion_in_c} CONTENT "#include \"tarvo/companion.h\"\n")
+add_library(tarvo_companion_in_c OBJECT ${companion_in_c})
+target_include_directories(tarvo_companion_in_c PRIVATE ${PROJECT_SOURCE_DIR}/include)
+target_compile_options(tarvo_companion_in_c PRIVATE -std=c11 -Wall -Wextra -Wpedantic -Werror)

@@ -1,0 +1,151 @@
+#include "tests/support/software_renderer.h"
+
+#include <stdexcept>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "tests/support/picture_compare.h"
+#include "tests/support/pieces.h"
+
+// The judge of the plug-in's pictures is itself judged by values worked out by hand.
+
+namespace {
+
+using standin::Picture;
+using standin::Rgba;
+using support::DrawInSoftware;
+using support::Piece;
+using support::ReferenceBone;
+using support::ReferenceFrame;
+
+constexpr support::Box kWholeCut{.left = 1, .top = 1, .width = 6, .height = 6};
+
+ReferenceBone Bone(Rgba colour, const support::Box& place, double opacity = 1) {
+  return {.pieces = {Piece(place, kWholeCut, 0.5)},
+          .imageA = Picture(8, 8, colour),
+          .imageB = {},
+          .opacityA = opacity};
+}
+
+Rgba CentreOf(const std::vector<ReferenceBone>& bones, bool exact = false) {
+  return DrawInSoftware(bones, {.width = 10, .height = 10, .exact = exact}).picture.At(5, 5);
+}
+
+constexpr support::Box kSquare{.left = 2, .top = 2, .width = 6, .height = 6};
+
+TEST(SoftwareRenderer, OpaquePieceCoversItsPixelsAndNoOthers) {
+  const Rgba red{.red = 200, .green = 10, .blue = 20, .alpha = 255};
+  const Picture picture = DrawInSoftware({Bone(red, kSquare)}, {.width = 10, .height = 10}).picture;
+  for (int y = 0; y < 10; ++y) {
+    for (int x = 0; x < 10; ++x) {
+      const bool inside = x >= 2 && x < 8 && y >= 2 && y < 8;
+      EXPECT_EQ(picture.At(x, y), inside ? red : Rgba{}) << x << ", " << y;
+    }
+  }
+}
+
+TEST(SoftwareRenderer, OpacityIsStrengthenedByTheTwoPasses) {
+  // Alpha 127.5 is kept as 128; 128 + 128 * 127/255 = 191.7. Colour 100 + 100 * 127/255 = 149.8,
+  // and 150 * 255/192 = 199.2.
+  const Rgba seen =
+      CentreOf({Bone({.red = 200, .green = 0, .blue = 0, .alpha = 255}, kSquare, 0.5)});
+  EXPECT_EQ(seen, (Rgba{.red = 199, .green = 0, .blue = 0, .alpha = 192}));
+}
+
+TEST(SoftwareRenderer, LowerDepthIsOnTopAndHigherBonesWinTies) {
+  ReferenceBone red = Bone({.red = 255, .green = 0, .blue = 0, .alpha = 255}, kSquare);
+  ReferenceBone blue = Bone({.red = 0, .green = 0, .blue = 255, .alpha = 255}, kSquare);
+  EXPECT_EQ(CentreOf({red, blue}).blue, 255);
+  red.startZ = red.endZ = -1;
+  EXPECT_EQ(CentreOf({red, blue}).red, 255);
+  // At 0.5 along the bone, from 4 to -7 lies -1.5: in front of -1.
+  blue.startZ = 4;
+  blue.endZ = -7;
+  EXPECT_EQ(CentreOf({red, blue}).blue, 255);
+}
+
+TEST(SoftwareRenderer, PiecesOfOneImageShowThroughOnlyInFastMode) {
+  // One image, its left half green and its right half red, both of alpha 153 (0.6): 200 is kept as
+  // 120. Either way the first pass leaves (120, 120, 0, 153).
+  ReferenceBone bone = Bone({.red = 200, .green = 0, .blue = 0, .alpha = 153}, kSquare);
+  for (int y = 0; y < 8; ++y) {
+    for (int x = 0; x < 4; ++x) {
+      bone.imageA.At(x, y) = {.red = 0, .green = 200, .blue = 0, .alpha = 153};
+    }
+  }
+  bone.pieces = {Piece(kSquare, {.left = 5, .top = 1, .width = 2, .height = 6}, 0.75),
+                 Piece(kSquare, {.left = 1, .top = 1, .width = 2, .height = 6}, 0.25)};
+  // The red one is in front. Exact: red 120 + 120 * 0.4 = 168, green 120 * 0.4 = 48, alpha
+  // 153 + 153 * 0.4 = 214.2; straight: 168 * 255/214 = 200.2, 48 * 255/214 = 57.2.
+  EXPECT_EQ(CentreOf({bone}, true), (Rgba{.red = 200, .green = 57, .blue = 0, .alpha = 214}));
+  // Fast, green first: red 48, green 168, alpha 214; then red: 120 + 48 * 0.4 = 139.2,
+  // 168 * 0.4 = 67.2, 153 + 214 * 0.4 = 238.6.
+  EXPECT_EQ(CentreOf({bone}, false), (Rgba{.red = 148, .green = 71, .blue = 0, .alpha = 239}));
+  // Below half alpha nobody owns the pixel, and both are drawn again.
+  for (Rgba& pixel : bone.imageA.pixels) pixel.alpha = 120;
+  EXPECT_EQ(CentreOf({bone}, true), CentreOf({bone}, false));
+}
+
+TEST(SoftwareRenderer, SamplesBetweenTexelCentresAndClampsAtTheBorder) {
+  ReferenceBone bone;
+  bone.imageA = Picture(2, 1, {.red = 0, .green = 0, .blue = 0, .alpha = 255});
+  bone.imageA.At(1, 0).red = 255;
+  // Pixel centres of the four columns sample u = 0.25, 0.75, 1.25, 1.75.
+  bone.pieces = {Piece({.left = 0, .top = 0, .width = 4, .height = 2},
+                       {.left = 0, .top = 0, .width = 2, .height = 1}, 0)};
+  const Picture picture = DrawInSoftware({bone}, {.width = 4, .height = 2}).picture;
+  // A quarter and three quarters between the two centres: 63.75 and 191.25.
+  const std::vector<int> expected{0, 64, 191, 255};
+  for (int x = 0; x < 4; ++x) {
+    EXPECT_EQ(picture.At(x, 1).red, expected.at(static_cast<std::size_t>(x)));
+  }
+}
+
+TEST(SoftwareRenderer, PlacesByScaleAndOriginAndDoubtsOnlyEdges) {
+  const Rgba green{.red = 0, .green = 90, .blue = 0, .alpha = 255};
+  const ReferenceFrame frame{
+      .width = 20, .height = 20, .scaleX = 0.5, .scaleY = 0.5, .originX = 3, .originY = -2};
+  const auto drawn =
+      DrawInSoftware({Bone(green, {.left = 8, .top = 12, .width = 16, .height = 20})}, frame);
+  // Columns 4 + 3 = 7 to 15, rows 6 - 2 = 4 to 14.
+  EXPECT_EQ(drawn.picture.At(7, 4), green);
+  EXPECT_EQ(drawn.picture.At(14, 13), green);
+  EXPECT_EQ(drawn.picture.At(6, 4), Rgba{});
+  EXPECT_EQ(drawn.picture.At(15, 13), Rgba{});
+  // Within one pixel of an edge lie the pixels on either side of it; the rest is decided.
+  EXPECT_FALSE(drawn.decided.at(4 * 20 + 9));
+  EXPECT_FALSE(drawn.decided.at(3 * 20 + 9));
+  EXPECT_TRUE(drawn.decided.at(5 * 20 + 9));
+  EXPECT_TRUE(drawn.decided.at(2 * 20 + 9));
+}
+
+TEST(SoftwareRenderer, LeavesOutPiecesWithoutAPictureAndRefusesEqualDepths) {
+  ReferenceBone bone = Bone({.red = 9, .green = 9, .blue = 9, .alpha = 255}, kSquare);
+  bone.pieces.push_back(bone.pieces.front());
+  EXPECT_THROW(DrawInSoftware({bone}, {.width = 4, .height = 4}), std::invalid_argument);
+  bone.pieces.pop_back();
+  for (const std::uint32_t select : {TARVO_IMAGE_B, std::uint32_t{7}}) {
+    bone.pieces.front().imageSelect = select;
+    EXPECT_EQ(CentreOf({bone}), Rgba{});
+  }
+}
+
+TEST(Comparison, CountsAndFindsTheLargestDifferenceWhereItLooks) {
+  Picture one(3, 1, {.red = 100, .green = 0, .blue = 0, .alpha = 255});
+  Picture other = one;
+  other.At(1, 0).red = 110;
+  other.At(2, 0).alpha = 0;
+  const auto all = support::Compare(one, other, 10);
+  EXPECT_EQ(all.compared, 3U);
+  EXPECT_EQ(all.largest, 255);
+  EXPECT_EQ(all.beyond, 1U);
+  EXPECT_EQ(all.x, 2);
+  EXPECT_EQ(support::Compare(one, other, 10, {true, true, false}).largest, 10);
+  // A colour that is hardly seen hardly counts: 100 * 5/255 against 50 * 5/255.
+  one = Picture(1, 1, {.red = 100, .green = 0, .blue = 0, .alpha = 5});
+  other = Picture(1, 1, {.red = 50, .green = 0, .blue = 0, .alpha = 5});
+  EXPECT_EQ(support::Compare(one, other, 0).largest, 1);
+}
+
+}  // namespace

@@ -1,0 +1,105 @@
+// Outputs larger than the render target are drawn in tiles; nobody must be able to tell.
+
+#include <algorithm>
+#include <cstdint>
+#include <iostream>
+#include <string>
+#include <tuple>
+
+#include <gtest/gtest.h>
+
+#include "entry/entry_point.h"
+#include "gl/framework.h"
+#include "tests/support/picture_compare.h"
+#include "tests/support/pieces.h"
+#include "tests/support/render_target.h"
+#include "tests/support/rig.h"
+
+namespace {
+
+using standin::Picture;
+using support::Box;
+using support::WarpedPieces;
+
+class TilesTest : public support::RigTest {
+ protected:
+  TilesTest() : RigTest(EntryPointFunc) {}
+
+  /// Overlapping warped pieces of three images all over an area.
+  void Scatter(std::uint32_t seed, const Box& area, int pieces) {
+    for (std::uint32_t bone = 0; bone < 3; ++bone) {
+      rig.AddBone(support::Pattern(64, 48, seed + bone, bone == 1 ? 170 : 255),
+                  WarpedPieces(seed * 10 + bone, pieces, area, 64, 48));
+      rig.SetDepth(static_cast<int>(bone) + 1, 1.0 - bone, bone - 1.5);
+    }
+    rig.Send();
+  }
+};
+
+struct Target {
+  std::uint16_t width;
+  std::uint16_t height;
+};
+
+class SmallTargets : public TilesTest,
+                     public ::testing::WithParamInterface<std::tuple<Target, bool>> {};
+
+TEST_P(SmallTargets, DrawWhatOneLargeTargetDoes) {
+  const auto [target, exact] = GetParam();
+  rig.SetFast(!exact);
+  Scatter(21, {.left = 0, .top = 0, .width = 200, .height = 160}, 10);
+  const Picture untiled = rig.Render().picture;
+  support::ResizeRenderTarget(target.width, target.height);
+  ASSERT_EQ(AESDK_OpenGL::gState.targetWidth, target.width);
+  const Picture tiled = rig.Render().picture;
+
+  const auto expected = rig.Expected(untiled);
+  const auto inside = support::Compare(tiled, untiled, 1, expected.decided);
+  const auto everywhere = support::Compare(tiled, untiled, 1);
+  std::cout << "off the edges " << inside.Text() << "; everywhere " << everywhere.Text() << "\n";
+  EXPECT_LE(inside.largest, 1);
+  // What coverage decides at an edge may flip, but only here and there.
+  EXPECT_LE(everywhere.beyond, everywhere.compared / 1000);
+}
+
+std::string NameOf(const ::testing::TestParamInfo<std::tuple<Target, bool>>& table) {
+  const auto& [target, exact] = table.param;
+  return std::to_string(target.width) + "x" + std::to_string(target.height) +
+         (exact ? "Exact" : "Fast");
+}
+
+INSTANTIATE_TEST_SUITE_P(Tiles, SmallTargets,
+                         ::testing::Combine(::testing::Values(Target{64, 64}, Target{50, 170},
+                                                              Target{500, 7}),
+                                            ::testing::Bool()),
+                         NameOf);
+
+/// Wider than any target that the plug-in makes for itself, without help from the test.
+TEST_F(TilesTest, BannerIsWhatTheSoftwareRendererDraws) {
+  for (std::uint32_t bone = 0; bone < 3; ++bone) {
+    std::vector<PieceQuad> pieces;
+    for (int i = 0; i < 24; ++i) {
+      const Box area{.left = 180.0 * i, .top = 0, .width = 220, .height = 60};
+      pieces.push_back(
+          WarpedPieces(700 + bone * 100 + static_cast<std::uint32_t>(i), 1, area, 64, 48).front());
+    }
+    // One across the place where the first tile ends.
+    pieces.push_back(
+        support::Piece({.left = 3700, .top = 5.0 + 8 * bone, .width = 500, .height = 30},
+                       {.left = 3, .top = 3, .width = 58, .height = 42}, 0.5));
+    rig.AddBone(support::Pattern(64, 48, 31 + bone, 220), pieces);
+  }
+  rig.Send();
+  for (const bool exact : {false, true}) {
+    rig.SetFast(!exact);
+    const Picture picture = rig.Render().picture;
+    ASSERT_GT(picture.width, 4096);
+    ASSERT_LT(AESDK_OpenGL::gState.targetWidth, picture.width);
+    const auto expected = rig.Expected(picture);
+    const auto comparison = support::Compare(picture, expected.picture, 2, expected.decided);
+    std::cout << (exact ? "exact: " : "fast: ") << comparison.Text() << "\n";
+    EXPECT_LE(comparison.beyond, exact ? comparison.compared / 20'000 : 0);
+  }
+}
+
+}  // namespace

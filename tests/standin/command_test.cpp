@@ -1,0 +1,256 @@
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <random>
+#include <regex>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "standin/image_file.h"
+
+namespace {
+
+using standin::Picture;
+using standin::ReadPng;
+using standin::ReadWholeFile;
+using standin::Rgba;
+
+constexpr Rgba kRed{200, 30, 30, 255};
+constexpr Rgba kGreen{30, 160, 30, 255};
+constexpr Rgba kClear{};
+
+const std::filesystem::path kBroken = std::filesystem::path(TARVO_EXAMPLES) / "broken";
+
+// Two bones whose pieces lie on one another in the middle of the layer, from 10 to 90.
+constexpr const char* kScene = R"({
+  "size": [100, 120], "images": {"red": "red.png", "green": "green.png"},
+  "bones": [
+    {"name": "Red", "image": "red", "z": [1, 3],
+     "pieces": [{"corners": [[10, 10], [90, 10], [90, 90], [10, 90]],
+                 "uv": [[1, 1], [31, 1], [31, 31], [1, 31]], "t": 0.5}]},
+    {"name": "Green", "image": "green", "z": 4,
+     "strip": {"rest": [[1, 16], [31, 16]], "width": 30, "pose": [[10, 50], [90, 50]],
+               "poseWidth": 80, "pieces": 4}}]})";
+
+// Two half-transparent pieces of one image, one on the other and turned around.
+constexpr const char* kVeil = R"({
+  "size": [100, 100], "images": {"veil": "veil.png"},
+  "bones": [
+    {"name": "Veil", "image": "veil", "opacity": 1, "pieces": [
+      {"corners": [[10, 10], [90, 10], [90, 90], [10, 90]],
+       "uv": [[1, 1], [31, 1], [31, 31], [1, 31]], "t": 0.2},
+      {"corners": [[10, 10], [90, 10], [90, 90], [10, 90]],
+       "uv": [[31, 31], [1, 31], [1, 1], [31, 1]], "t": 0.7}]}]})";
+
+struct Outcome {
+  int code = 0;
+  std::string out;
+  std::string err;
+};
+
+std::string Quoted(const std::string& argument) { return "\"" + argument + "\""; }
+
+/// A folder with scenes and images, and the command to be run on them.
+class Command : public testing::Test {
+ protected:
+  Command() {
+    std::filesystem::create_directories(folder_);
+    standin::WritePng(folder_ / "red.png", Picture(32, 32, kRed));
+    standin::WritePng(folder_ / "green.png", Picture(32, 32, kGreen));
+    standin::WritePng(folder_ / "veil.png", Picture(32, 32, {100, 100, 100, 150}));
+    standin::WriteWholeFile(folder_ / "scene.json", kScene);
+    standin::WriteWholeFile(folder_ / "veil.json", kVeil);
+  }
+  ~Command() override { std::filesystem::remove_all(folder_); }
+
+  /// `arguments` as typed in a shell.
+  [[nodiscard]] Outcome Run(const std::string& arguments) const {
+    const std::filesystem::path out = folder_ / "stdout";
+    const std::filesystem::path err = folder_ / "stderr";
+    const std::string line = Quoted(TARVO_COMMAND) + " " + arguments + " >" + Quoted(out.string()) +
+                             " 2>" + Quoted(err.string());
+    const int status = std::system(line.c_str());  // NOLINT(cert-env33-c): the command is the test
+    // POSIX shells give the exit code in the second byte, others as it is.
+    const int code = status > 255 ? status / 256 : status;
+    Outcome outcome{code, ReadWholeFile(out), ReadWholeFile(err)};
+    std::filesystem::remove(out);
+    std::filesystem::remove(err);
+    return outcome;
+  }
+
+  [[nodiscard]] std::string File(const std::string& name) const {
+    return (folder_ / name).string();
+  }
+
+  /// Renders a scene of the folder, which must go well, and reads the picture.
+  [[nodiscard]] Picture Render(const std::string& scene, const std::string& options = "") const {
+    const Outcome outcome =
+        Run("render " + Quoted(File(scene)) + " -o " + Quoted(File("out.png")) + " " + options);
+    EXPECT_EQ(outcome.code, 0) << outcome.err;
+    return outcome.code == 0 ? ReadPng(folder_ / "out.png") : Picture(200, 200);
+  }
+
+  [[nodiscard]] std::size_t Files() const {
+    return static_cast<std::size_t>(
+        std::distance(std::filesystem::directory_iterator(folder_), {}));
+  }
+
+  /// A failure says why, prints nothing on standard output, and leaves the folder as it was.
+  void ExpectFailure(const std::string& arguments, int code, const std::string& words) const {
+    const std::size_t before = Files();
+    const Outcome outcome = Run(arguments);
+    EXPECT_EQ(outcome.code, code) << arguments << "\n" << outcome.err;
+    EXPECT_EQ(outcome.out, "") << arguments;
+    EXPECT_NE(outcome.err.find(words), std::string::npos) << arguments << "\n" << outcome.err;
+    EXPECT_EQ(Files(), before) << arguments;
+  }
+
+  const std::filesystem::path folder_ =
+      std::filesystem::path(testing::TempDir()) / std::to_string(std::random_device{}());
+};
+
+TEST_F(Command, SaysWhatItMadeInOneLine) {
+  const Outcome outcome =
+      Run("render " + Quoted(File("scene.json")) + " -o " + Quoted(File("out.png")));
+  EXPECT_EQ(outcome.code, 0);
+  EXPECT_EQ(outcome.err, "");
+  // 80 pixels and 5 % on each side.
+  EXPECT_TRUE(
+      std::regex_match(outcome.out, std::regex("[^\n]*out\\.png: 88x88, 5 pieces, [0-9]+ ms\n")))
+      << outcome.out;
+  EXPECT_EQ(ReadPng(folder_ / "out.png").width, 88);
+  EXPECT_EQ(
+      Run("render " + Quoted(File("scene.json")) + " --quiet -o " + Quoted(File("b.png"))).out, "");
+  EXPECT_EQ(Run("--version").out, "tarvo " TARVO_VERSION "\n");
+  EXPECT_NE(Run("render --help").out.find("tarvo render examples/"), std::string::npos);
+}
+
+TEST_F(Command, MovesSlidersAsAUserWould) {
+  // Red's one piece lies half way between its two Z, at 2; Green's four are all at 4, and cover 20
+  // pixels each from x = 10. Lower is in front.
+  struct Case {
+    const char* options;
+    Rgba inFirst;  // of Green's pieces
+    Rgba inThird;
+  };
+  const std::vector<Case> cases = {
+      {"", kRed, kRed},
+      {"--set \"Red start Z=7\"", kGreen, kGreen},                          // Red at 5
+      {"--set \"Green start Z=0\" --set \"Green end Z=8\"", kGreen, kRed},  // at 1 and at 5
+      {"--set \"Red end Z=9\" --set \"Red end Z=3\"", kRed, kRed},          // the last one counts
+  };
+  for (const Case& test : cases) {
+    const Picture picture = Render("scene.json", std::string("--layer ") + test.options);
+    EXPECT_EQ(picture.At(20, 44), test.inFirst) << test.options;
+    EXPECT_EQ(picture.At(60, 44), test.inThird) << test.options;
+  }
+}
+
+TEST_F(Command, CropsScalesAndPaintsBehind) {
+  const Picture whole = Render("scene.json");
+  EXPECT_EQ(whole.At(0, 0), kClear);
+  EXPECT_EQ(whole.At(5, 5), kRed);  // the layer's (10, 10) is at (4, 4)
+
+  const Picture layer = Render("scene.json", "--layer");
+  EXPECT_EQ(layer.width, 100);
+  EXPECT_EQ(layer.height, 120);
+  EXPECT_EQ(layer.At(11, 11), kRed);
+  EXPECT_EQ(layer.At(8, 8), kClear);
+  EXPECT_EQ(layer.At(50, 119), kClear);
+
+  const Picture third = Render("scene.json", "--layer --scale 1/3 --background \"#12f\"");
+  EXPECT_EQ(third.width, 34);  // 100 / 3, rounded up
+  EXPECT_EQ(third.height, 40);
+  EXPECT_EQ(third.At(15, 15), kRed);
+  EXPECT_EQ(third.At(33, 39), (Rgba{0x11, 0x22, 0xff, 255}));
+
+  const Picture checker = Render("veil.json", "--layer --exact --background checker");
+  EXPECT_EQ(checker.At(0, 0), (Rgba{255, 255, 255, 255}));
+  EXPECT_NE(checker.At(30, 40), checker.At(34, 40));  // seen through the veil
+}
+
+TEST_F(Command, FastAndExactOverrideTheScene) {
+  const int fast = Render("veil.json", "--fast").At(40, 40).alpha;
+  const int exact = Render("veil.json", "--exact").At(40, 40).alpha;
+  EXPECT_GT(fast, exact + 20);  // doubled, or the front piece alone
+  EXPECT_EQ(Render("veil.json").At(40, 40).alpha, fast);
+}
+
+TEST_F(Command, TracesTheWholeLifeWithTheCompanionsAnswers) {
+  const std::string trace =
+      Run("render " + Quoted(File("scene.json")) + " --trace -o " + Quoted(File("out.png"))).err;
+  const auto sent = [&](const std::string& command) {
+    const std::string line = "> " + command + "\n";
+    std::size_t count = 0;
+    for (std::size_t at = trace.find(line); at != std::string::npos;
+         at = trace.find(line, at + 1)) {
+      ++count;
+    }
+    return count;
+  };
+  EXPECT_EQ(sent("PF_Cmd_SEQUENCE_SETUP"), 1U);
+  EXPECT_EQ(sent("PF_Cmd_USER_CHANGED_PARAM"), 4U);  // two bones, a pair of sliders each
+  EXPECT_EQ(sent("PF_Cmd_COMPLETELY_GENERAL"), 4U);  // two messages, two answers to the nudges
+  EXPECT_EQ(sent("PF_Cmd_GLOBAL_SETDOWN"), 1U);
+}
+
+TEST_F(Command, RefusesWrongInput) {
+  const std::string scene = Quoted(File("scene.json"));
+  const std::string render = "render " + scene + " -o " + Quoted(File("x.png")) + " ";
+  ExpectFailure("", 2, "A command is required");
+  ExpectFailure("redner", 2, "redner");
+  ExpectFailure("render -o x.png", 2, "scene is required");
+  ExpectFailure("render " + scene, 2, "--output is required");
+  ExpectFailure(render + "--exact --fast", 2, "excludes");
+  ExpectFailure(render + "--scale 1/0", 2, "1/N with N from 1 to 99 expected, \"1/0\" given");
+  ExpectFailure(render + "--scale 0.5 --background pink", 2, "\"pink\" given");
+  ExpectFailure(render + "--background \"#12\"", 2, "\"#12\" given");
+  ExpectFailure(render + "--set \"Red start Z\"", 2, "LABEL=NUMBER expected");
+  ExpectFailure(render + "--set \"Red start Z=inf\"", 2, "LABEL=NUMBER expected");
+  ExpectFailure(render + "--set \"Rod start Z=1\"", 2, "the nearest is \"Red start Z\"");
+  ExpectFailure(render + "--set \"Bone 3 start Z=1\"", 2, "hidden");
+  ExpectFailure(render + "--set \"Fast transparency=2\"", 2, "from 0 to 1 expected, 2 given");
+  ExpectFailure("render " + scene + " -o " + Quoted(File("none/x.png")), 2, "does not exist");
+  ExpectFailure("render none.json -o " + Quoted(File("x.png")), 2, "none.json: cannot be opened");
+}
+
+TEST_F(Command, TellsAFaultOfThePluginFromOneOfItsFile) {
+  const std::string bare = R"({"size": [40, 30], "bones": []})";
+  standin::WriteWholeFile(folder_ / "bare.json", bare);
+  standin::WriteWholeFile(folder_ / "x.png", "an older picture");
+  const std::string render =
+      "render " + Quoted(File("bare.json")) + " -o " + Quoted(File("x.png")) + " --plugin ";
+  ExpectFailure(render + Quoted(TARVO_FAILING_PLUGIN), 3, "render returned 512: no paint left\n");
+  ExpectFailure(render + Quoted(TARVO_LEAKING_PLUGIN), 3, "PF Handle Suite");
+  ExpectFailure(render + Quoted(TARVO_LEAKING_PLUGIN), 3, "4 bytes");
+  ExpectFailure(render + Quoted(TARVO_ENTRYLESS_PLUGIN), 4, "EntryPointFunc");
+  ExpectFailure(render + Quoted(File("none.so")), 4, "none.so");
+  EXPECT_EQ(ReadWholeFile(folder_ / "x.png"), "an older picture");
+}
+
+/// Every wrong scene says all that is wrong with it and nothing else.
+TEST_F(Command, RefusesEveryBrokenSampleInItsOwnWords) {
+  std::vector<std::filesystem::path> scenes;
+  for (const auto& entry : std::filesystem::directory_iterator(kBroken)) {
+    if (entry.path().extension() == ".json") {
+      scenes.push_back(entry.path());
+    }
+  }
+  ASSERT_GE(scenes.size(), 20U);
+  const std::filesystem::path before = std::filesystem::current_path();
+  std::filesystem::current_path(kBroken);
+  for (const auto& scene : scenes) {
+    const std::string name = scene.filename().string();
+    SCOPED_TRACE(name);
+    const Outcome outcome = Run("render " + name + " -o " + Quoted(File("x.png")));
+    EXPECT_EQ(outcome.code, 2);
+    EXPECT_EQ(outcome.out, "");
+    EXPECT_EQ(outcome.err, ReadWholeFile(scene.stem().string() + ".expected"));
+    EXPECT_FALSE(std::filesystem::exists(folder_ / "x.png"));
+  }
+  std::filesystem::current_path(before);
+}
+
+}  // namespace

@@ -1,0 +1,96 @@
+#include <gtest/gtest.h>
+
+#include "standin/pixels.h"
+#include "standin/worlds.h"
+
+namespace {
+
+using standin::Books;
+using standin::Picture;
+using standin::Rgba;
+using standin::Worlds;
+
+/// alpha, red, green, blue: as pixels lie in memory.
+testing::AssertionResult Is(PF_Pixel pixel, int alpha, int red, int green, int blue) {
+  if (pixel.alpha == alpha && pixel.red == red && pixel.green == green && pixel.blue == blue) {
+    return testing::AssertionSuccess();
+  }
+  return testing::AssertionFailure() << int{pixel.alpha} << " " << int{pixel.red} << " "
+                                     << int{pixel.green} << " " << int{pixel.blue};
+}
+
+TEST(Pixels, StraightenedColourIsDividedByAlphaAndRounded) {
+  EXPECT_TRUE(Is(standin::Straightened({255, 7, 128, 255}), 255, 7, 128, 255));
+  // 50 * 255 / 100 = 127.5 up to 128; 33 * 2.55 = 84.15; 100 gives the whole 255.
+  EXPECT_TRUE(Is(standin::Straightened({100, 50, 33, 100}), 100, 128, 84, 255));
+  EXPECT_TRUE(Is(standin::Straightened({100, 101, 200, 0}), 100, 255, 255, 0)) << "limited";
+  EXPECT_TRUE(Is(standin::Straightened({0, 9, 8, 7}), 0, 9, 8, 7)) << "no alpha to divide by";
+}
+
+TEST(Pixels, PremultipliedColourIsMultipliedByAlphaAndRounded) {
+  // 200 * 100 / 255 = 78.43; 255 gives alpha itself; 1 * 100 / 255 = 0.39.
+  EXPECT_TRUE(Is(standin::Premultiplied({100, 200, 255, 1}), 100, 78, 100, 0));
+  EXPECT_TRUE(Is(standin::Premultiplied({0, 200, 255, 1}), 0, 0, 0, 0));
+}
+
+TEST(Pixels, StraighteningUndoesPremultiplying) {
+  for (int alpha = 1; alpha <= 255; ++alpha) {
+    for (int colour = 0; colour <= alpha; ++colour) {
+      const auto value = static_cast<A_u_char>(colour);
+      const PF_Pixel straight = standin::Straightened({static_cast<A_u_char>(alpha), value, 0, 0});
+      ASSERT_TRUE(Is(standin::Premultiplied(straight), alpha, colour, 0, 0))
+          << "alpha " << alpha << " colour " << colour;
+    }
+  }
+}
+
+class WorldPixels : public testing::Test {
+ protected:
+  PF_EffectWorld New(int width, int height, PF_NewWorldFlags flags = PF_NewWorldFlag_NONE) {
+    PF_EffectWorld world{};
+    EXPECT_EQ(worlds.New(width, height, flags, "test", &world), PF_Err_NONE);
+    return world;
+  }
+
+  Books books;
+  Worlds worlds{books};
+};
+
+TEST_F(WorldPixels, CopyPutsCornersOnEachOtherAndStaysInside) {
+  Picture numbered(4, 3);
+  for (int i = 0; i < 12; ++i) {
+    numbered.At(i % 4, i / 4) = {static_cast<std::uint8_t>(i), 0, 0, 255};
+  }
+  const PF_EffectWorld source = worlds.From(numbered, "source");
+  PF_EffectWorld destination = New(3, 3, PF_NewWorldFlag_CLEAR_PIXELS);
+  const PF_Rect from{1, 1, 4, 3};
+  const PF_Rect to{2, 0, 5, 2};  // two of its three columns lie outside
+  standin::CopyPixels(source, &from, destination, &to);
+  const Picture copied = Worlds::ToPicture(destination);
+  EXPECT_EQ(copied.At(2, 0), (Rgba{5, 0, 0, 255}));
+  EXPECT_EQ(copied.At(2, 1), (Rgba{9, 0, 0, 255}));
+  EXPECT_EQ(copied.At(1, 0), Rgba{});
+  EXPECT_EQ(copied.At(2, 2), Rgba{});
+  worlds.CheckGuards("copy");
+  EXPECT_EQ(books.FirstMisuse(), "");
+}
+
+TEST_F(WorldPixels, NewPixelsAreUnwrittenUnlessCleared) {
+  EXPECT_EQ(Worlds::Unwritten(New(5, 4)), 20U);
+  EXPECT_EQ(Worlds::Unwritten(New(5, 4, PF_NewWorldFlag_CLEAR_PIXELS)), 0U);
+  PF_EffectWorld filled = New(5, 4);
+  const PF_Rect area{-3, 1, 2, 99};
+  standin::FillPixels(filled, &area, {});
+  EXPECT_EQ(Worlds::Unwritten(filled), 14U) << "2 columns of 3 rows were filled";
+}
+
+TEST_F(WorldPixels, ImpossibleWorldsAreRefused) {
+  PF_EffectWorld world{};
+  EXPECT_EQ(worlds.New(-1, 4, 0, "", &world), PF_Err_BAD_CALLBACK_PARAM);
+  EXPECT_EQ(worlds.New(4, 4, PF_NewWorldFlag_DEEP_PIXELS, "", &world), PF_Err_BAD_CALLBACK_PARAM);
+  EXPECT_EQ(worlds.New(1 << 20, 1 << 20, 0, "", &world), PF_Err_OUT_OF_MEMORY);
+  EXPECT_EQ(worlds.New(0, 0, 0, "", &world), PF_Err_NONE) << "an empty picture is one";
+  EXPECT_EQ(books.Count(standin::Kind::kWorld), 1U);
+}
+
+}  // namespace

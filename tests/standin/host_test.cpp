@@ -1,0 +1,728 @@
+#include "standin/host.h"
+
+#include <cstring>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+#include <window_system.h>
+
+#include "standin/plugin_library.h"
+#include "tests/standin/probe.h"
+
+namespace {
+
+using probe::Command;
+using standin::Companion;
+using standin::Host;
+using standin::HostOptions;
+using standin::Kind;
+using standin::Picture;
+using standin::RendererInstance;
+using standin::Rgba;
+
+constexpr const char* kHandles = "PF Handle Suite";
+constexpr const char* kWorlds = "PF World Suite";
+
+/// A host with the probe on a layer of 40 × 20 pixels, below one companion.
+class HostTest : public ::testing::Test {
+ protected:
+  HostTest() { probe::Behave(); }
+
+  Host& Start(const HostOptions& options = {}) {
+    host_ = std::make_unique<Host>(probe::EntryPoint, options);
+    standin::Layer& layer = host_->project.AddComposition("Comp").AddLayer("Layer", 40, 20);
+    EXPECT_TRUE(host_->StartUp().Ok());
+    companion_ = &host_->AddCompanion(layer, "Arm");
+    renderer_ = &host_->AddRenderer(layer);
+    return *host_;
+  }
+  /// Has the probe do this once, as its answer to a companion.
+  standin::CommandResult Do(const probe::Answer& answer) {
+    probe::On(PF_Cmd_COMPLETELY_GENERAL, answer);
+    const standin::CommandResult result = host_->SendRecord(*renderer_, nullptr);
+    probe::On(PF_Cmd_COMPLETELY_GENERAL, [](const Command&) { return PF_Err_NONE; });
+    return result;
+  }
+  void TearDownHost() { host_.reset(); }
+  RendererInstance& Renderer() { return *renderer_; }
+  Companion& Arm() { return *companion_; }
+
+ private:
+  std::unique_ptr<Host> host_;
+  RendererInstance* renderer_ = nullptr;
+  Companion* companion_ = nullptr;
+};
+
+AEGP_EffectRefH OwnReference(const Command& command) {
+  const auto* suite = command.Acquire<AEGP_PFInterfaceSuite1>("AEGP PF Interface Suite", 1);
+  AEGP_EffectRefH effect = nullptr;
+  suite->AEGP_GetNewEffectForEffect(probe::PluginId(), command.in.effect_ref, &effect);
+  command.Release("AEGP PF Interface Suite", 1);
+  return effect;
+}
+
+AEGP_StreamRefH StreamOf(const Command& command, AEGP_EffectRefH effect, int index) {
+  const auto* suite = command.Acquire<AEGP_StreamSuite4>("AEGP Stream Suite", 9);
+  AEGP_StreamRefH stream = nullptr;
+  suite->AEGP_GetNewEffectStreamByIndex(probe::PluginId(), effect, index, &stream);
+  command.Release("AEGP Stream Suite", 9);
+  return stream;
+}
+
+void DisposeOf(const Command& command, AEGP_EffectRefH effect) {
+  command.Acquire<AEGP_EffectSuite2>("AEGP Effect Suite", 2)->AEGP_DisposeEffect(effect);
+  command.Release("AEGP Effect Suite", 2);
+}
+
+void DisposeOf(const Command& command, AEGP_StreamRefH stream) {
+  command.Acquire<AEGP_StreamSuite4>("AEGP Stream Suite", 9)->AEGP_DisposeStream(stream);
+  command.Release("AEGP Stream Suite", 9);
+}
+
+PF_EffectWorld NewWorld(const Command& command, int width, int height) {
+  PF_EffectWorld world{};
+  command.Acquire<PF_WorldSuite1>(kWorlds, 1)
+      ->new_world(command.in.effect_ref, width, height, PF_NewWorldFlag_NONE, &world);
+  command.Release(kWorlds, 1);
+  return world;
+}
+
+void DisposeOf(const Command& command, PF_EffectWorld& world) {
+  command.Acquire<PF_WorldSuite1>(kWorlds, 1)->dispose_world(command.in.effect_ref, &world);
+  command.Release(kWorlds, 1);
+}
+
+/// Does something with the handle suite, which is given back afterwards.
+template <typename Use>
+probe::Answer WithHandles(Use use) {
+  return [use](const Command& command) {
+    use(*command.Acquire<PF_HandleSuite1>(kHandles, 2), command);
+    command.Release(kHandles, 2);
+    return PF_Err_NONE;
+  };
+}
+
+TEST_F(HostTest, PluginThatBehavesIsNotBlamed) {
+  Host& host = Start();
+  EXPECT_TRUE(host.UpdateParamsUi(Renderer()).Ok());
+  EXPECT_TRUE(host.Send(Arm(), Renderer()).command.Ok());
+  EXPECT_TRUE(host.Render(Renderer()).command.Ok());
+  host.Duplicate(Renderer());
+  host.SaveAndReopen();
+  host.Close();
+  EXPECT_EQ(host.books.Misuses(), std::vector<std::string>());
+  EXPECT_EQ(host.books.Count(Kind::kHandle), 0U);
+  EXPECT_EQ(host.books.Count(Kind::kWorld), 0U);
+}
+
+// Each misuse is one answer of the probe; the host must name it in these words.
+struct Misuse {
+  const char* name;
+  probe::Answer answer;
+  std::vector<const char*> words;
+};
+
+std::vector<Misuse> Misuses() {
+  return {
+      {"effect reference left",
+       [](const Command& c) {
+         OwnReference(c);
+         return PF_Err_NONE;
+       },
+       {"PF_Cmd_COMPLETELY_GENERAL left effect reference", "outstanding"}},
+      {"effect reference disposed of twice",
+       [](const Command& c) {
+         const AEGP_EffectRefH effect = OwnReference(c);
+         DisposeOf(c, effect);
+         DisposeOf(c, effect);
+         return PF_Err_NONE;
+       },
+       {"AEGP_DisposeEffect was given effect reference", "given back before"}},
+      {"null",
+       [](const Command& c) {
+         DisposeOf(c, AEGP_EffectRefH{});
+         return PF_Err_NONE;
+       },
+       {"AEGP_DisposeEffect was given null"}},
+      {"a value of the plug-in's own",
+       [](const Command& c) {
+         int own = 0;
+         DisposeOf(c, reinterpret_cast<AEGP_EffectRefH>(&own));
+         return PF_Err_NONE;
+       },
+       {"never handed out", "a living effect reference was expected"}},
+      {"a stream in place of an effect",
+       [](const Command& c) {
+         const AEGP_EffectRefH effect = OwnReference(c);
+         const AEGP_StreamRefH stream = StreamOf(c, effect, 1);
+         DisposeOf(c, reinterpret_cast<AEGP_EffectRefH>(stream));
+         DisposeOf(c, stream);
+         DisposeOf(c, effect);
+         return PF_Err_NONE;
+       },
+       {"AEGP_DisposeEffect was given stream", "a living effect reference was expected"}},
+      {"suite left",
+       [](const Command& c) {
+         c.Acquire<PF_HandleSuite1>(kHandles, 2);
+         return PF_Err_NONE;
+       },
+       {"left suite 'PF Handle Suite 2'"}},
+      {"suite given back twice",
+       [](const Command& c) {
+         c.Release(kHandles, 2);
+         return PF_Err_NONE;
+       },
+       {"ReleaseSuite was given \"PF Handle Suite\" version 2", "not held"}},
+      {"unknown suite",
+       [](const Command& c) {
+         c.Acquire<PF_HandleSuite1>(kHandles, 3);
+         return PF_Err_NONE;
+       },
+       {"\"PF Handle Suite\" version 3, which this host does not have"}},
+      {"unused slot",
+       [](const Command& c) {
+         const auto* suite = c.Acquire<AEGP_EffectSuite2>("AEGP Effect Suite", 2);
+         const PF_Err result = reinterpret_cast<PF_Err (*)()>(suite->reserved_5_7[2])();
+         c.Release("AEGP Effect Suite", 2);
+         return result == PF_Err_INVALID_CALLBACK ? PF_Err_NONE : result;
+       },
+       {"slot 7 of AEGP Effect Suite 2 was called"}},
+      {"lock left",
+       WithHandles([](const PF_HandleSuite1& s, const Command& c) {
+         s.host_lock_handle(c.in.sequence_data);
+       }),
+       {"left lock 'of handle"}},
+      {"unlocked without a lock",
+       WithHandles([](const PF_HandleSuite1& s, const Command& c) {
+         s.host_unlock_handle(c.in.sequence_data);
+       }),
+       {"host_unlock_handle was given handle", "not locked"}},
+      {"disposed of while locked",
+       WithHandles([](const PF_HandleSuite1& s, const Command&) {
+         const PF_Handle handle = s.host_new_handle(8);
+         s.host_lock_handle(handle);
+         s.host_dispose_handle(handle);
+       }),
+       {"with 1 lock(s) on it"}},
+      {"written while unlocked",
+       WithHandles([](const PF_HandleSuite1& s, const Command&) {
+         const PF_Handle handle = s.host_new_handle(8);
+         auto* bytes = static_cast<char*>(s.host_lock_handle(handle));
+         s.host_unlock_handle(handle);
+         bytes[3] = 1;
+         s.host_dispose_handle(handle);
+       }),
+       {"was written while it was not locked"}},
+      {"handle disposed of twice",
+       WithHandles([](const PF_HandleSuite1& s, const Command&) {
+         const PF_Handle handle = s.host_new_handle(8);
+         s.host_dispose_handle(handle);
+         s.host_dispose_handle(handle);
+       }),
+       {"host_dispose_handle was given handle", "given back before"}},
+      {"written past a row",
+       [](const Command& c) {
+         PF_EffectWorld world = NewWorld(c, 5, 4);
+         reinterpret_cast<char*>(world.data)[2 * world.rowbytes + 5 * 4] = 0;
+         DisposeOf(c, world);
+         return PF_Err_NONE;
+       },
+       {"dispose_world: world 'made by new_world 5x4'", "past the end of row 2"}},
+      {"written above a world",
+       [](const Command& c) {
+         PF_EffectWorld world = NewWorld(c, 5, 4);
+         reinterpret_cast<char*>(world.data)[-1] = 0;
+         DisposeOf(c, world);
+         return PF_Err_NONE;
+       },
+       {"above its first row"}},
+      {"written below a world",
+       [](const Command& c) {
+         PF_EffectWorld world = NewWorld(c, 5, 4);
+         reinterpret_cast<char*>(world.data)[4 * world.rowbytes] = 0;
+         DisposeOf(c, world);
+         return PF_Err_NONE;
+       },
+       {"below its last row"}},
+      {"world disposed of through a changed record",
+       [](const Command& c) {
+         PF_EffectWorld world = NewWorld(c, 5, 4);
+         PF_EffectWorld changed = world;
+         changed.width = 4;
+         DisposeOf(c, changed);
+         DisposeOf(c, world);
+         return PF_Err_NONE;
+       },
+       {"dispose_world was given a changed record"}},
+      {"undo group left",
+       [](const Command& c) {
+         c.Acquire<AEGP_UtilitySuite6>("AEGP Utility Suite", 13)->AEGP_StartUndoGroup("Do");
+         c.Release("AEGP Utility Suite", 13);
+         return PF_Err_NONE;
+       },
+       {"left undo group 'Do'"}},
+      {"undo group ended twice",
+       [](const Command& c) {
+         c.Acquire<AEGP_UtilitySuite6>("AEGP Utility Suite", 13)->AEGP_EndUndoGroup();
+         c.Release("AEGP Utility Suite", 13);
+         return PF_Err_NONE;
+       },
+       {"no undo group open"}},
+      {"quiet section left",
+       [](const Command& c) {
+         AEGP_ErrReportState state{};
+         c.Acquire<AEGP_UtilitySuite5>("AEGP Utility Suite", 11)->AEGP_StartQuietErrors(&state);
+         c.Release("AEGP Utility Suite", 11);
+         return PF_Err_NONE;
+       },
+       {"left quiet section"}},
+      {"stream value left",
+       [](const Command& c) {
+         const AEGP_EffectRefH effect = OwnReference(c);
+         const AEGP_StreamRefH stream = StreamOf(c, effect, 1);
+         const auto* suite = c.Acquire<AEGP_StreamSuite4>("AEGP Stream Suite", 9);
+         AEGP_StreamValue2 value{};
+         const A_Time now{0, 1};
+         suite->AEGP_GetNewStreamValue(probe::PluginId(), stream, 0, &now, 0, &value);
+         c.Release("AEGP Stream Suite", 9);
+         DisposeOf(c, stream);
+         DisposeOf(c, effect);
+         return PF_Err_NONE;
+       },
+       {"left stream value"}},
+      {"value out of range",
+       [](const Command& c) {
+         const AEGP_EffectRefH effect = OwnReference(c);
+         const AEGP_StreamRefH stream = StreamOf(c, effect, 3);
+         const auto* suite = c.Acquire<AEGP_StreamSuite4>("AEGP Stream Suite", 9);
+         AEGP_StreamValue2 value{};
+         value.val.one_d = 3;  // of two choices
+         suite->AEGP_SetStreamValue(probe::PluginId(), stream, &value);
+         c.Release("AEGP Stream Suite", 9);
+         DisposeOf(c, stream);
+         DisposeOf(c, effect);
+         return PF_Err_NONE;
+       },
+       {"AEGP_SetStreamValue was given 3", "out of range"}},
+      {"wrong plug-in number",
+       [](const Command& c) {
+         const auto* suite = c.Acquire<AEGP_PFInterfaceSuite1>("AEGP PF Interface Suite", 1);
+         AEGP_EffectRefH effect = nullptr;
+         suite->AEGP_GetNewEffectForEffect(probe::PluginId() + 1, c.in.effect_ref, &effect);
+         c.Release("AEGP PF Interface Suite", 1);
+         return PF_Err_NONE;
+       },
+       {"AEGP_GetNewEffectForEffect was given plug-in number"}},
+      {"input record changed",
+       [](const Command& c) {
+         c.in.width = 1;
+         return PF_Err_NONE;
+       },
+       {"the input record was changed at byte 252"}},
+      {"message too long for its place",
+       [](const Command& c) {
+         const std::string text(300, 'x');
+         c.in.utils->ansi.sprintf(c.out.return_msg, "%s", text.c_str());
+         return PF_Err_NONE;
+       },
+       {"sprintf was given a text of 300 characters"}},
+      {"OpenGL context lost",
+       [](const Command&) {
+         wglMakeCurrent(nullptr, nullptr);
+         return PF_Err_NONE;
+       },
+       {"OpenGL context is no longer current"}},
+      {"drawn in the host's OpenGL context",
+       [](const Command&) {
+         glViewport(0, 0, 8, 8);
+         return PF_Err_NONE;
+       },
+       {"OpenGL context was drawn in"}},
+      {"exception let out",
+       [](const Command&) -> PF_Err { throw std::runtime_error("oops"); },
+       {"an exception (oops) left the plug-in"}},
+      {"int let out",
+       [](const Command&) -> PF_Err { throw 516; },
+       {"the int 516 left the plug-in"}},
+  };
+}
+
+TEST_F(HostTest, EveryMisuseIsNoticedAndNamed) {
+  Host& host = Start();
+  for (const Misuse& misuse : Misuses()) {
+    SCOPED_TRACE(misuse.name);
+    host.books.ClearMisuses();
+    Do(misuse.answer);
+    ASSERT_EQ(host.books.Misuses().size(), 1U) << ::testing::PrintToString(host.books.Misuses());
+    for (const char* words : misuse.words) {
+      EXPECT_NE(host.books.FirstMisuse().find(words), std::string::npos)
+          << host.books.FirstMisuse();
+    }
+    EXPECT_TRUE(host.books.Balanced());
+  }
+  host.books.ClearMisuses();
+  Do([](const Command&) { return PF_Err_NONE; });
+  EXPECT_EQ(host.books.FirstMisuse(), "") << "a misuse was told twice";
+}
+
+TEST_F(HostTest, WhatIsLeftAtTheEndIsNamed) {
+  Host& host = Start();
+  Do(WithHandles([](const PF_HandleSuite1& s, const Command&) { s.host_new_handle(123); }));
+  Do([](const Command& c) {
+    NewWorld(c, 7, 3);
+    return PF_Err_NONE;
+  });
+  EXPECT_EQ(host.books.FirstMisuse(), "") << "handles and worlds may outlive a command";
+  host.Close();
+  ASSERT_EQ(host.books.Misuses().size(), 2U);
+  EXPECT_NE(host.books.Misuses()[0].find("handle '123 bytes'"), std::string::npos);
+  EXPECT_NE(host.books.Misuses()[1].find("world 'made by new_world 7x3'"), std::string::npos);
+}
+
+TEST_F(HostTest, HostWithoutContextNoticesOneThatStays) {
+  HostOptions options;
+  options.ownContext = false;
+  Host& host = Start(options);
+  EXPECT_TRUE(host.ContextIsCurrent());
+  EXPECT_EQ(wglGetCurrentContext(), nullptr);
+  EXPECT_EQ(host.books.FirstMisuse(), "");
+}
+
+// The probe's set-up of one instance: AcquireSuite, host_new_handle, host_lock_handle, ReleaseSuite
+// can fail; host_unlock_handle cannot, so it has no number of its own.
+TEST_F(HostTest, NthCallFailsAndNothingElse) {
+  constexpr int kFailable = 4;
+  for (std::uint64_t n = 1; n <= kFailable + 1; ++n) {
+    SCOPED_TRACE(n);
+    Host& host = Start();
+    const std::uint64_t failable = host.gate.FailableCalls();
+    const std::uint64_t calls = host.gate.Calls();
+    host.gate.FailNth(n);
+    const RendererInstance& second = host.AddRenderer(Renderer().OnLayer());
+    EXPECT_EQ(host.gate.Injected(), n <= kFailable ? 1U : 0U);
+    EXPECT_EQ(second.sequenceData != nullptr, n > 2);
+    if (n > kFailable) {
+      EXPECT_EQ(host.gate.FailableCalls() - failable, 4U);
+      EXPECT_EQ(host.gate.Calls() - calls, 5U);
+    }
+    host.gate.FailNothing();
+    host.Close();
+    EXPECT_EQ(host.books.Misuses(), std::vector<std::string>())
+        << "a failed release or lock must not count against the plug-in";
+    TearDownHost();
+  }
+}
+
+TEST_F(HostTest, ChosenOperationsFailAsTold) {
+  Host& host = Start();
+  PF_EffectWorld world = host.worlds.From(Picture(2, 2), "of the test");
+  std::vector<PF_Err> codes;
+  const auto fillFourTimes = [&](const Command& c) {
+    codes.clear();
+    for (int i = 0; i < 4; ++i) {
+      try {
+        codes.push_back(c.in.utils->fill(c.in.effect_ref, nullptr, nullptr, &world));
+      } catch (int thrown) {
+        codes.push_back(-thrown);
+      }
+    }
+    return PF_Err_NONE;
+  };
+  host.gate.FailOperation("fill", 2, {.code = 41});
+  Do(fillFourTimes);
+  EXPECT_EQ(codes, (std::vector<PF_Err>{0, 41, 0, 0}));
+  host.gate.FailOperation("fill", 3, {.code = 42, .throws = true}, true);
+  Do(fillFourTimes);
+  EXPECT_EQ(codes, (std::vector<PF_Err>{0, 0, -42, -42}));
+  EXPECT_EQ(host.gate.Injected("fill"), 3U);
+  EXPECT_EQ(host.gate.Calls("fill"), 8U);
+  host.gate.FailNothing();
+  host.gate.FailFrom(3, {.code = 43});
+  Do(fillFourTimes);
+  EXPECT_EQ(codes, (std::vector<PF_Err>{0, 0, 43, 43}));
+  host.gate.FailNothing();
+  host.worlds.Dispose(&world, "the test");
+}
+
+TEST_F(HostTest, FailedOperationLeavesItsOutputsAlone) {
+  Host& host = Start();
+  host.gate.FailOperation("new_world");
+  Do([](const Command& c) {
+    const PF_EffectWorld world = NewWorld(c, 2, 2);
+    EXPECT_EQ(world.data, nullptr);
+    EXPECT_EQ(world.width, 0);
+    return PF_Err_NONE;
+  });
+  EXPECT_EQ(host.books.Count(Kind::kWorld), 0U);
+  host.gate.FailOperation("dispose_world");
+  Do([](const Command& c) {
+    PF_EffectWorld world = NewWorld(c, 2, 2);
+    DisposeOf(c, world);
+    return PF_Err_NONE;
+  });
+  EXPECT_EQ(host.gate.Injected("dispose_world"), 1U);
+  EXPECT_EQ(host.books.Count(Kind::kWorld), 0U) << "a failing disposal still disposes";
+}
+
+TEST_F(HostTest, LogAndTraceTellWhatWasCalled) {
+  Host& host = Start();
+  host.gate.ClearLog();
+  std::string trace;
+  host.gate.TraceTo([&](std::string_view line) { trace += std::string(line) + "\n"; });
+  Do([](const Command& c) {
+    c.in.utils->ansi.sprintf(c.out.return_msg, "%d pieces", 7);
+    PF_EffectWorld world = NewWorld(c, 3, 2);
+    DisposeOf(c, world);
+    return PF_Err_NONE;
+  });
+  host.gate.TraceTo({});
+  ASSERT_EQ(host.gate.Log().size(), 7U);
+  EXPECT_EQ(host.gate.Log()[0].operation, "sprintf");
+  EXPECT_EQ(host.gate.Log()[1].arguments.find("\"PF World Suite\", 1"), 0U);
+  const standin::CallRecord& made = host.gate.Log()[2];
+  EXPECT_EQ(made.operation, "new_world");
+  EXPECT_NE(made.arguments.find("3, 2, 0, world 'made by new_world 3x2'"), std::string::npos)
+      << made.arguments;
+  EXPECT_EQ(made.result, "0");
+  EXPECT_EQ(made.command, "PF_Cmd_COMPLETELY_GENERAL");
+  EXPECT_EQ(trace.find("> PF_Cmd_COMPLETELY_GENERAL\n  sprintf("), 0U) << trace;
+  EXPECT_NE(trace.find("\n< PF_Cmd_COMPLETELY_GENERAL = 0\n"), std::string::npos) << trace;
+}
+
+TEST_F(HostTest, SuiteCanBeWithheld) {
+  Host& host = Start();
+  host.Withhold(kHandles, 2);
+  EXPECT_EQ(host.AddRenderer(Renderer().OnLayer()).setup.code, PF_Err_BAD_CALLBACK_PARAM);
+  host.OfferAllSuites();
+  EXPECT_TRUE(host.AddRenderer(Renderer().OnLayer()).setup.Ok());
+  EXPECT_EQ(host.books.FirstMisuse(), "") << "asking for a suite that a host lacks is no misuse";
+}
+
+TEST_F(HostTest, StreamsAreTheParametersOfTheInstance) {
+  Host& host = Start();
+  Do([](const Command& c) {
+    const AEGP_EffectRefH effect = OwnReference(c);
+    const AEGP_StreamRefH popup = StreamOf(c, effect, 3);
+    const auto* streams = c.Acquire<AEGP_StreamSuite4>("AEGP Stream Suite", 9);
+    const auto* dynamic = c.Acquire<AEGP_DynamicStreamSuite4>("AEGP Dynamic Stream Suite", 5);
+    const auto* undo = c.Acquire<AEGP_UtilitySuite6>("AEGP Utility Suite", 13);
+    AEGP_StreamValue2 value{};
+    value.val.one_d = 2;
+    undo->AEGP_StartUndoGroup("Outer");
+    streams->AEGP_SetStreamValue(probe::PluginId(), popup, &value);
+    undo->AEGP_EndUndoGroup();
+    dynamic->AEGP_SetDynamicStreamFlag(popup, AEGP_DynStreamFlag_HIDDEN, 0, 1);
+    c.Release("AEGP Utility Suite", 13);
+    c.Release("AEGP Dynamic Stream Suite", 5);
+    c.Release("AEGP Stream Suite", 9);
+    DisposeOf(c, popup);
+    DisposeOf(c, effect);
+    return PF_Err_NONE;
+  });
+  EXPECT_EQ(Renderer().parameters[3].Value(), 2);
+  EXPECT_TRUE(Renderer().parameters[3].Hidden());
+  EXPECT_FALSE(Renderer().parameters[1].Hidden());
+  ASSERT_EQ(host.Changes().size(), 1U);
+  EXPECT_EQ(host.Changes()[0].what, "QEZ_Tarvo_renderer parameter 3 = 2");
+  EXPECT_TRUE(host.Changes()[0].inUndoGroup);
+  EXPECT_EQ(host.UndoGroups(), std::vector<std::string>{"Outer"});
+  EXPECT_EQ(host.books.FirstMisuse(), "");
+}
+
+TEST_F(HostTest, UserChangeIsToldForSupervisedParametersOnly) {
+  Host& host = Start();
+  std::vector<int> told;
+  probe::On(PF_Cmd_USER_CHANGED_PARAM, [&](const Command& c) {
+    told.push_back(static_cast<PF_UserChangedParamExtra*>(c.extra)->param_index);
+    return PF_Err_NONE;
+  });
+  host.SetParameter(Renderer(), 1, 2.5);
+  host.SetParameter(Renderer(), 2, 1);
+  host.SetParameter(Renderer(), 3, 2);
+  EXPECT_EQ(told, (std::vector<int>{1, 3}));
+  EXPECT_EQ(Renderer().parameters[1].Value(), 2.5);
+  EXPECT_EQ(Renderer().parameters[2].Value(), 1);
+  EXPECT_THROW(host.SetParameter(Renderer(), 4, 0), std::out_of_range);
+}
+
+TEST_F(HostTest, InstancesKeepTheirOwnDataThroughDuplicationAndReopening) {
+  Host& host = Start();
+  RendererInstance& copy = host.Duplicate(Renderer());
+  EXPECT_EQ(copy.Position(), Renderer().Position() + 1);
+  EXPECT_NE(copy.sequenceData, Renderer().sequenceData);
+  EXPECT_EQ(host.memory.Bytes(Renderer().sequenceData)[0], 0);
+  EXPECT_EQ(host.memory.Bytes(copy.sequenceData)[0], 1) << "its copied bytes, then one resetup";
+  const PF_Handle before = copy.sequenceData;
+  host.SaveAndReopen();
+  EXPECT_NE(copy.sequenceData, before);
+  EXPECT_EQ(host.memory.Bytes(Renderer().sequenceData)[0], 1);
+  EXPECT_EQ(host.memory.Bytes(copy.sequenceData)[0], 2);
+  host.Remove(copy);
+  EXPECT_EQ(host.books.Count(Kind::kHandle), 1U);
+  EXPECT_EQ(host.books.FirstMisuse(), "");
+}
+
+// The receiver's four ways with an image, and what the host says to each.
+TEST_F(HostTest, HandOverOfImagesFollowsTheFlags) {
+  struct Case {
+    const char* name;
+    bool disposes;
+    bool clearsFlag;
+    PF_Err result;
+    bool taken;
+    const char* misuse;
+    std::size_t abandoned;
+  };
+  const Case cases[] = {
+      {"taken", true, true, 0, true, "", 0},
+      {"left", false, false, 0, false, "", 0},
+      {"disposed of without a word", true, false, 0, false, "it was disposed of", 0},
+      {"kept without a copy", false, true, 0, true, "its world was not disposed of", 0},
+      {"take that failed", false, true, 55, true, "", 1},
+  };
+  for (const Case& row : cases) {
+    SCOPED_TRACE(row.name);
+    Host& host = Start();
+    Arm().imageA.Set(Picture(3, 2, {10, 20, 30, 40}));
+    probe::On(PF_Cmd_COMPLETELY_GENERAL, [&](const Command& c) {
+      auto* record = static_cast<CompanionSlot*>(c.extra);
+      EXPECT_EQ(record->newImageA, 1);
+      EXPECT_EQ(record->newImageB, 0);
+      PF_EffectWorld world{};
+      std::memcpy(&world, record->imageA, sizeof world);
+      EXPECT_EQ(world.data->alpha, 40);
+      EXPECT_EQ(world.data->red, 10);
+      if (row.disposes) DisposeOf(c, world);
+      if (row.clearsFlag) record->newImageA = 0;
+      return row.result;
+    });
+    EXPECT_EQ(host.Send(Arm(), Renderer()).tookA, row.taken);
+    EXPECT_EQ(Arm().imageA.isNew, !row.taken);
+    EXPECT_EQ(host.AbandonedWorlds(), row.abandoned);
+    EXPECT_EQ(host.books.Count(Kind::kWorld), 0U);
+    EXPECT_EQ(host.books.Misuses().size(), *row.misuse == '\0' ? 0U : 1U);
+    EXPECT_NE(host.books.FirstMisuse().find(row.misuse), std::string::npos)
+        << host.books.FirstMisuse();
+    TearDownHost();
+  }
+}
+
+TEST_F(HostTest, RecordOfTheSenderIsItsOwn) {
+  Host& host = Start();
+  probe::On(PF_Cmd_COMPLETELY_GENERAL, [](const Command& c) {
+    static_cast<CompanionSlot*>(c.extra)->effectIndex = 9;
+    return PF_Err_NONE;
+  });
+  host.Send(Arm(), Renderer());
+  EXPECT_NE(host.books.FirstMisuse().find("changed at byte 292"), std::string::npos);
+}
+
+TEST_F(HostTest, FrameIsWhatThePluginAsksForAndWrites) {
+  Host& host = Start();
+  probe::On(PF_Cmd_FRAME_SETUP, [](const Command& c) {
+    EXPECT_EQ(c.in.width, 20);
+    EXPECT_EQ(c.in.downsample_y.den, 4U);
+    EXPECT_EQ(c.in.pre_effect_source_origin_x, 6);
+    c.out.width = 4;
+    c.out.height = 3;
+    c.out.origin = {-2, 5};
+    return PF_Err_NONE;
+  });
+  probe::On(PF_Cmd_RENDER, [](const Command& c) {
+    EXPECT_EQ(c.in.output_origin_x, -2);
+    EXPECT_GT(c.output->rowbytes, c.output->width * 4) << "rows are padded";
+    const PF_Pixel colour{255, 1, 2, 3};
+    const PF_Rect area{1, 0, 9, 2};  // its right part lies outside
+    return c.in.utils->fill(c.in.effect_ref, &colour, &area, c.output);
+  });
+  const standin::FrameRequest request{.downsampleX = 2, .downsampleY = 4, .preEffectOriginX = 6};
+  const standin::RenderResult result = host.Render(Renderer(), request);
+  EXPECT_EQ(result.picture.width, 4);
+  EXPECT_EQ(result.picture.height, 3);
+  EXPECT_EQ(result.picture.originX, -2);
+  EXPECT_EQ(result.picture.originY, 5);
+  EXPECT_EQ(result.picture.At(1, 1), (Rgba{1, 2, 3, 255}));
+  EXPECT_EQ(result.unwritten, 6U) << "column 0 and row 2";
+  EXPECT_EQ(host.books.FirstMisuse(), "");
+}
+
+TEST_F(HostTest, IdleHooksAreCalledAndHeldToTheSameRules) {
+  Host& host = Start();
+  static int called = 0;
+  called = 0;
+  Do([](const Command& c) {
+    c.Acquire<AEGP_RegisterSuite5>("AEGP Register Suite", 6)
+        ->AEGP_RegisterIdleHook(
+            probe::PluginId(),
+            [](AEGP_GlobalRefcon, AEGP_IdleRefcon, A_long*) -> A_Err {
+              ++called;
+              wglMakeCurrent(nullptr, nullptr);
+              return 77;
+            },
+            nullptr);
+    c.Release("AEGP Register Suite", 6);
+    return PF_Err_NONE;
+  });
+  EXPECT_EQ(host.books.FirstMisuse(), "");
+  EXPECT_EQ(host.Idle(), 77);
+  EXPECT_EQ(called, 1);
+  EXPECT_NE(host.books.FirstMisuse().find("idle: the host's OpenGL context is no longer current"),
+            std::string::npos);
+}
+
+TEST_F(HostTest, PathOfThePluginIsWideOrNarrow) {
+  for (const bool wide : {true, false}) {
+    HostOptions options;
+    options.pluginPath = "C:\\A\\b.aex";
+    options.pathIsWide = wide;
+    Start(options);
+    std::vector<char> text(1040, 'x');
+    Do([&](const Command& c) {
+      return c.in.utils->get_platform_data(c.in.effect_ref, PF_PlatData_RES_FILE_PATH_W,
+                                           text.data());
+    });
+    const std::string expected = wide ? std::string("C\0:\0\\\0A\0\\\0b\0.\0a\0e\0x\0\0\0", 22)
+                                      : std::string("C:\\A\\b.aex\0", 11);
+    EXPECT_EQ(std::string(text.data(), expected.size()), expected);
+    TearDownHost();
+  }
+}
+
+TEST_F(HostTest, CommandsAtTheWrongTimeAreRefusedByState) {
+  Host& host = Start();
+  try {
+    host.ParamsSetup();
+    FAIL() << "parameters cannot be set up twice";
+  } catch (const standin::LifeCycleError& error) {
+    EXPECT_STREQ(error.what(), "ParamsSetup: the plug-in is 'ready'; it must be 'set up'");
+  }
+  host.Close();
+  EXPECT_THROW(host.Render(Renderer()), standin::LifeCycleError);
+  EXPECT_THROW(Host(probe::EntryPoint), std::logic_error) << "one host at a time";
+  EXPECT_TRUE(host.StartUp().Ok()) << "a plug-in can be set up again";
+}
+
+TEST_F(HostTest, FailedSetUpCanOnlyBeSetDown) {
+  Host host(probe::EntryPoint);
+  host.gate.FailOperation("AEGP_RegisterWithAEGP", 1, {.code = 9});
+  EXPECT_EQ(host.StartUp().code, 9);
+  EXPECT_EQ(host.State(), standin::LifeCycle::kSetUpFailed);
+  EXPECT_THROW(host.ParamsSetup(), standin::LifeCycleError);
+  EXPECT_TRUE(host.GlobalSetdown().Ok());
+}
+
+TEST(PluginLibrary, SaysWhatIsWrongWithAFile) {
+  for (const char* path : {"no_such_plugin.so", __FILE__}) {
+    try {
+      const standin::PluginLibrary library(path);
+      FAIL() << path << " was loaded";
+    } catch (const standin::PluginLoadError& error) {
+      EXPECT_NE(std::string(error.what()).find(path), std::string::npos) << error.what();
+    }
+  }
+}
+
+}  // namespace

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+#include "standin/picture.h"
+
+namespace support {
+
+/// How far two pictures are apart, in 8-bit steps. Colour counts as it is seen, multiplied by its
+/// alpha: where next to nothing is seen, the straight colour of a pixel means next to nothing.
+struct Comparison {
+  std::size_t compared = 0;  ///< pixels
+  int largest = 0;           ///< steps, in any channel of any compared pixel
+  std::size_t beyond = 0;    ///< compared pixels further apart than the tolerance
+  int x = 0;                 ///< where the largest difference is first met
+  int y = 0;
+
+  /// "12345 pixels compared, largest difference 2, 0 beyond the tolerance"
+  [[nodiscard]] std::string Text() const;
+};
+
+/// Compares the pixels whose entry in `where` is true (all, when it is empty).
+/// REQUIRES: both pictures have the same size, and `where` one entry a pixel or none.
+Comparison Compare(const standin::Picture& one, const standin::Picture& other, int tolerance,
+                   const std::vector<bool>& where = {});
+
+}  // namespace support

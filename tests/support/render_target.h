@@ -1,0 +1,11 @@
+#pragma once
+
+#include <cstdint>
+
+namespace support {
+
+/// Gives the statically linked plug-in a render target of this size in pixels in place of its own,
+/// so that small outputs are drawn in many tiles. [between commands, after a sequence setup]
+void ResizeRenderTarget(std::uint16_t width, std::uint16_t height);
+
+}  // namespace support

@@ -1,0 +1,126 @@
+#include "tests/support/rig.h"
+
+#include <algorithm>
+
+#include "standin/plugin_library.h"
+
+namespace support {
+namespace {
+
+using standin::Companion;
+using standin::FrameRequest;
+using standin::Kind;
+using standin::Picture;
+
+constexpr int kLayerWidth = 200;
+constexpr int kLayerHeight = 160;
+constexpr int kFastTransparency = 53;
+/// Bones beyond the last pair of sliders use the last pair.
+constexpr int kLastPair = 25;
+
+std::string Lines(const std::vector<std::string>& texts) {
+  std::string lines;
+  for (const std::string& text : texts) lines += "\n  " + text;
+  return lines;
+}
+
+int StartSlider(int bone) { return 2 * bone - 1; }
+
+}  // namespace
+
+PF_EntryPoint InstalledPlugin() {
+  static const standin::PluginLibrary library(TARVO_PLUGIN_FILE);
+  return library.EntryPoint();
+}
+
+void ExpectBalanced(standin::Host& host,
+                    const std::function<bool(const std::string& misuse)>& isExcused) {
+  host.gate.FailNothing();
+  host.OfferAllSuites();
+  host.Close();
+  for (const std::string& misuse : host.books.Misuses()) EXPECT_TRUE(isExcused(misuse)) << misuse;
+  for (const Kind kind : {Kind::kHandle, Kind::kWorld, Kind::kSuite, Kind::kLock}) {
+    EXPECT_EQ(host.books.Count(kind), 0U) << Lines(host.books.Outstanding(kind));
+  }
+  EXPECT_TRUE(host.books.Balanced()) << Lines(host.books.OutstandingAfterCall());
+}
+
+Rig::Rig(PF_EntryPoint entryPoint, standin::HostOptions options)
+    : host(entryPoint, std::move(options)),
+      layer(SetTheScene()),
+      renderer(host.AddRenderer(layer)) {
+  EXPECT_TRUE(renderer.setup.Ok()) << renderer.setup.message;
+}
+
+standin::Layer& Rig::SetTheScene() {
+  const standin::CommandResult started = host.StartUp();
+  EXPECT_TRUE(started.Ok()) << started.code << " " << started.message;
+  standin::Composition& composition = host.project.AddComposition("Stage");
+  host.project.Activate(composition);
+  return composition.AddLayer("Puppet", kLayerWidth, kLayerHeight);
+}
+
+Companion& Rig::AddBone(const Picture& image, std::vector<PieceQuad> pieces, int position) {
+  const std::string name = "Bone " + std::to_string(layer.effects.size());
+  Companion& companion = host.AddCompanion(layer, name, position);
+  companion.imageA.Set(image);
+  companion.pieces = std::move(pieces);
+  return companion;
+}
+
+void Rig::SetDepth(int bone, double start, double end) {
+  EXPECT_TRUE(host.SetParameter(renderer, StartSlider(bone), start).Ok());
+  EXPECT_TRUE(host.SetParameter(renderer, StartSlider(bone) + 1, end).Ok());
+}
+
+void Rig::SetFast(bool fast) {
+  EXPECT_TRUE(host.SetParameter(renderer, kFastTransparency, fast ? 1 : 0).Ok());
+}
+
+std::vector<Companion*> Rig::ActiveCompanions() const {
+  std::vector<Companion*> active;
+  for (const auto& effect : layer.effects) {
+    auto* companion = dynamic_cast<Companion*>(effect.get());
+    if (companion != nullptr && companion->active) active.push_back(companion);
+  }
+  return active;
+}
+
+void Rig::Send() {
+  for (Companion* companion : ActiveCompanions()) {
+    const standin::SendResult sent = host.Send(*companion, renderer);
+    EXPECT_TRUE(sent.command.Ok()) << companion->groupName << ": " << sent.command.code;
+  }
+}
+
+standin::RenderResult Rig::Render(const FrameRequest& request) {
+  standin::RenderResult result = host.Render(renderer, request);
+  EXPECT_TRUE(result.command.Ok()) << result.command.code << " " << result.command.message;
+  EXPECT_EQ(result.unwritten, 0U);
+  return result;
+}
+
+ReferencePicture Rig::Expected(const Picture& like, const FrameRequest& request) const {
+  std::vector<ReferenceBone> bones;
+  for (const Companion* companion : ActiveCompanions()) {
+    const int pair = std::min(static_cast<int>(bones.size()) + 1, kLastPair);
+    const auto start = static_cast<std::size_t>(StartSlider(pair));
+    bones.push_back({.pieces = companion->pieces,
+                     .imageA = companion->imageA.picture,
+                     .imageB = companion->imageB.picture,
+                     .opacityA = companion->imageA.opacity,
+                     .opacityB = companion->imageB.opacity,
+                     .startZ = renderer.parameters.at(start).Value(),
+                     .endZ = renderer.parameters.at(start + 1).Value()});
+  }
+  return DrawInSoftware(bones,
+                        {.width = like.width,
+                         .height = like.height,
+                         .scaleX = 1.0 / request.downsampleX,
+                         .scaleY = 1.0 / request.downsampleY,
+                         .originX = static_cast<double>(like.originX + request.preEffectOriginX),
+                         .originY = static_cast<double>(like.originY + request.preEffectOriginY),
+                         .exact = renderer.parameters.at(kFastTransparency).Value() == 0});
+}
+
+}  // namespace support
