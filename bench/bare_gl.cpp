@@ -1,0 +1,177 @@
+#include "bench/bare_gl.h"
+
+#include <cmath>
+#include <stdexcept>
+#include <string>
+
+namespace bench {
+namespace {
+
+constexpr GLint kFourComponents = 4;
+constexpr GLfloat kGreatestPass = 0.0F;
+constexpr GLfloat kOverPass = 1.0F;
+// One unit of the plane of the pieces is one pixel, seen from this far.
+constexpr double kEyeDistance = 3000.0;
+constexpr double kNearPlane = 10.0;
+constexpr double kFarPlane = 30000.0;
+
+const char* const kVertexSource =
+    "void main() {"
+    "  gl_Position = gl_ModelViewProjectionMatrix * gl_Vertex;"
+    "  gl_FrontColor = gl_Color;"
+    "  gl_TexCoord[0] = gl_MultiTexCoord0;"
+    "}";
+
+const char* const kFragmentSource =
+    "#extension GL_ARB_texture_rectangle : enable\n"
+    "uniform sampler2DRect image;"
+    "uniform float pass;"
+    "void main() {"
+    "  vec4 colour = texture2DRect(image, gl_TexCoord[0].st);"
+    "  if (pass == 1.0 && colour.a == 0.0) discard;"
+    "  colour *= gl_Color;"
+    "  colour.rgb *= colour.a;"
+    "  gl_FragColor = colour;"
+    "}";
+
+template <class Pointer>
+void Load(Pointer& entryPoint, const char* name) {
+  entryPoint = reinterpret_cast<Pointer>(reinterpret_cast<void (*)()>(wglGetProcAddress(name)));
+  if (entryPoint == nullptr) throw std::runtime_error(std::string("OpenGL has no ") + name);
+}
+
+void Define(GLuint texture, int width, int height, const void* pixels) {
+  glBindTexture(GL_TEXTURE_RECTANGLE_ARB, texture);
+  glTexImage2D(GL_TEXTURE_RECTANGLE_ARB, 0, kFourComponents, width, height, 0, GL_RGBA,
+               GL_UNSIGNED_BYTE, pixels);
+  glTexParameteri(GL_TEXTURE_RECTANGLE_ARB, GL_TEXTURE_MIN_FILTER, GL_LINEAR);
+  glTexParameteri(GL_TEXTURE_RECTANGLE_ARB, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
+}
+
+GLuint NewTexture() {
+  GLuint texture = 0;
+  glGenTextures(1, &texture);
+  return texture;
+}
+
+void UseVertices(const Drawing& drawing) {
+  const Vertex& first = drawing.vertices.front();
+  glEnableClientState(GL_VERTEX_ARRAY);
+  glEnableClientState(GL_TEXTURE_COORD_ARRAY);
+  glEnableClientState(GL_COLOR_ARRAY);
+  glVertexPointer(2, GL_FLOAT, sizeof(Vertex), first.place.data());
+  glTexCoordPointer(2, GL_FLOAT, sizeof(Vertex), first.texCoord.data());
+  glColorPointer(4, GL_FLOAT, sizeof(Vertex), first.colour.data());
+}
+
+}  // namespace
+
+BareGl::EntryPoints::EntryPoints() {
+  Load(createShader, "glCreateShader");
+  Load(shaderSource, "glShaderSource");
+  Load(compileShader, "glCompileShader");
+  Load(createProgram, "glCreateProgram");
+  Load(attachShader, "glAttachShader");
+  Load(linkProgram, "glLinkProgram");
+  Load(getProgram, "glGetProgramiv");
+  Load(useProgram, "glUseProgram");
+  Load(getUniformLocation, "glGetUniformLocation");
+  Load(uniform1f, "glUniform1f");
+  Load(blendEquation, "glBlendEquation");
+  Load(genFramebuffers, "glGenFramebuffers");
+  Load(bindFramebuffer, "glBindFramebuffer");
+  Load(framebufferTexture2D, "glFramebufferTexture2D");
+  Load(checkFramebufferStatus, "glCheckFramebufferStatus");
+}
+
+BareGl::BareGl(const Canvas& canvas)
+    : canvas_(canvas),
+      pixels_(static_cast<std::size_t>(canvas.width) * static_cast<std::size_t>(canvas.height) *
+              4) {
+  const Scope current(context_);
+  const EntryPoints gl;
+  uniform1f_ = gl.uniform1f;
+  blendEquation_ = gl.blendEquation;
+  MakeProgram(gl);
+  MakeTarget(gl);
+  AimCamera();
+  glEnable(GL_BLEND);
+}
+
+void BareGl::MakeProgram(const EntryPoints& gl) {
+  const GLuint program = gl.createProgram();
+  const auto attach = [&](GLenum type, const char* source) {
+    const GLuint shader = gl.createShader(type);
+    gl.shaderSource(shader, 1, &source, nullptr);
+    gl.compileShader(shader);
+    gl.attachShader(program, shader);
+  };
+  attach(GL_VERTEX_SHADER, kVertexSource);
+  attach(GL_FRAGMENT_SHADER, kFragmentSource);
+  gl.linkProgram(program);
+  GLint linked = GL_FALSE;
+  gl.getProgram(program, GL_LINK_STATUS, &linked);
+  if (linked == GL_FALSE) throw std::runtime_error("the bare program's shaders do not link");
+  gl.useProgram(program);
+  passLocation_ = gl.getUniformLocation(program, "pass");
+}
+
+void BareGl::MakeTarget(const EntryPoints& gl) {
+  GLuint framebuffer = 0;
+  gl.genFramebuffers(1, &framebuffer);
+  gl.bindFramebuffer(GL_FRAMEBUFFER, framebuffer);
+  const GLuint target = NewTexture();
+  Define(target, canvas_.width, canvas_.height, nullptr);
+  gl.framebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_RECTANGLE_ARB, target,
+                          0);
+  if (gl.checkFramebufferStatus(GL_FRAMEBUFFER) != GL_FRAMEBUFFER_COMPLETE) {
+    throw std::runtime_error("the bare program's target is not complete");
+  }
+}
+
+/// The camera of the real thing, so that every fragment falls on the same pixel.
+void BareGl::AimCamera() const {
+  const double width = canvas_.width;
+  const double height = canvas_.height;
+  constexpr double kDegreesPerRadian = 57.295779513082;
+  glMatrixMode(GL_PROJECTION);
+  gluPerspective(2.0 * kDegreesPerRadian * std::atan(height / (2.0 * kEyeDistance)), width / height,
+                 kNearPlane, kFarPlane);
+  glMatrixMode(GL_MODELVIEW);
+  gluLookAt(0.5 * width, 0.5 * height, kEyeDistance, 0.5 * width, 0.5 * height, 0.0, 0.0, 1.0, 0.0);
+  glTranslatef(static_cast<float>(canvas_.originX), static_cast<float>(canvas_.originY), 0.0F);
+}
+
+void BareGl::AddImage(const standin::Picture& picture) {
+  const Scope current(context_);
+  textures_.push_back(NewTexture());
+  Define(textures_.back(), picture.width, picture.height, picture.Bytes());
+}
+
+const std::vector<std::uint8_t>& BareGl::Draw(const Drawing& drawing) {
+  const Scope current(context_);
+  glViewport(0, 0, canvas_.width, canvas_.height);
+  glClearColor(0.0F, 0.0F, 0.0F, 0.0F);
+  glClear(GL_COLOR_BUFFER_BIT);
+  if (!drawing.vertices.empty()) {
+    UseVertices(drawing);
+    DrawPass(drawing, kGreatestPass, GL_MAX, GL_ONE);
+    DrawPass(drawing, kOverPass, GL_FUNC_ADD, GL_ONE_MINUS_SRC_ALPHA);
+  }
+  // The target's pixels in the host's order: alpha, red, green, blue, as one number, low byte last.
+  glReadPixels(0, 0, canvas_.width, canvas_.height, GL_BGRA, GL_UNSIGNED_INT_8_8_8_8,
+               pixels_.data());
+  return pixels_;
+}
+
+void BareGl::DrawPass(const Drawing& drawing, GLfloat pass, GLenum equation, GLenum factor) const {
+  uniform1f_(passLocation_, pass);
+  blendEquation_(equation);
+  glBlendFunc(GL_ONE, factor);
+  for (const Run& run : drawing.runs) {
+    glBindTexture(GL_TEXTURE_RECTANGLE_ARB, textures_[run.image]);
+    glDrawArrays(GL_QUADS, run.first, run.count);
+  }
+}
+
+}  // namespace bench
