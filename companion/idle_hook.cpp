@@ -2,6 +2,7 @@
 
 #include <array>
 
+#include "host/effect_walk.h"
 #include "host/host_reference.h"
 #include "host/match_name.h"
 #include "host/parameters.h"
@@ -88,15 +89,6 @@ AEGP_CompH ActiveComposition(HostCalls& host) {
   return composition;
 }
 
-/// True iff the effect is an instance of this effect, switched on or off; chained.
-bool IsOurs(HostCalls& host, AEGP_EffectRefH effect) {
-  AEGP_InstalledEffectKey key = 0;
-  MatchName name;
-  host.Run(&AEGP_EffectSuite2::AEGP_GetInstalledKeyFromLayerEffect, effect, &key);
-  host.Run(&AEGP_EffectSuite2::AEGP_GetEffectMatchName, key, name.Buffer());
-  return host.Ok() && name.Is(kOwnMatchName);
-}
-
 void SwitchHiddenOn(HostCalls& host, AEGP_EffectRefH effect) {
   StreamReference stream(host);
   stream.Obtain(&AEGP_StreamSuite4::AEGP_GetNewEffectStreamByIndex, gPluginId, effect,
@@ -108,10 +100,10 @@ void SwitchHiddenOn(HostCalls& host, AEGP_EffectRefH effect) {
   hidden.Write();
 }
 
-/// Visits all effects of a layer. Not the walk over companions, because the host operations differ:
-/// that one starts from the calling instance, of which there is none here, it asks for flags, which
-/// do not matter here, and it takes and gives back its references through the effect suite's
-/// version 2, where this one uses version 3.
+/// Visits every instance of this effect on a layer, switched on or off. Not the walk over
+/// companions, because the host operations differ: that one starts from the calling instance, of
+/// which there is none here, it asks for flags, which do not matter here, and it takes and gives
+/// back its references through the effect suite's version 2, where this one uses version 3.
 void SwitchHiddenOnInLayer(HostCalls& host, AEGP_CompH composition, A_long layerIndex) {
   AEGP_LayerH layer = nullptr;
   A_long effects = 0;
@@ -120,7 +112,8 @@ void SwitchHiddenOnInLayer(HostCalls& host, AEGP_CompH composition, A_long layer
   for (A_long position = 0; position < effects && host.Ok(); ++position) {
     HostReference<&AEGP_EffectSuite3::AEGP_DisposeEffect> effect(host);
     effect.Obtain(&AEGP_EffectSuite3::AEGP_GetLayerEffectByIndex, gPluginId, layer, position);
-    if (effect && IsOurs(host, effect.Get())) SwitchHiddenOn(host, effect.Get());
+    if (effect && HasMatchName(host, effect.Get(), kOwnMatchName))
+      SwitchHiddenOn(host, effect.Get());
   }
 }
 

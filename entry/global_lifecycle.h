@@ -6,7 +6,8 @@ namespace tarvo {
 
 /// The effect's global data, in a host handle of exactly this size.
 struct GlobalData {
-  /// Source of the instances' numbers.
+  /// Source of the instances' numbers, which tell a store in a debugger and nothing else. Goes down
+  /// with each instance, so that numbers may repeat.
   A_long instanceCounter;
 };
 SDK_SIZE(GlobalData, 4);
@@ -15,9 +16,10 @@ SDK_SIZE(GlobalData, 4);
 /// starts the framework and its program, and makes the global data. A failure does not keep the
 /// later steps from being tried.
 ///
-/// Returns PF_Err_OUT_OF_MEMORY if there is no global data; else PF_Err_INTERNAL_STRUCT_DAMAGED,
-/// with a message, if the framework failed; else the code of the first host call that failed.
-/// Throws PF_Err_BAD_CALLBACK_PARAM without the utility or the handle suite.
+/// Returns PF_Err_OUT_OF_MEMORY if the host has no memory for the global data (a lock that it
+/// refuses is no error); else PF_Err_INTERNAL_STRUCT_DAMAGED, with a message, if the framework
+/// failed; else the code of the first host call that failed. Throws PF_Err_BAD_CALLBACK_PARAM
+/// without the utility or the handle suite.
 PF_Err GlobalSetup(PF_InData& in, PF_OutData& out);
 
 /// Answers global set-down: releases the scenes that are left, stops the framework and gives the

@@ -4,10 +4,11 @@
 
 namespace tarvo {
 
-/// Answers the making of an instance: gives it an empty scene store with a number of its own,
-/// prepares the render target and arms the idle hook. [framework's context current]
+/// Answers the making of an instance: gives it an empty scene store with a number, prepares the
+/// render target and arms the idle hook. [framework's context current]
 ///
-/// Returns PF_Err_OUT_OF_MEMORY, nothing else being done, if there is no store;
+/// Returns PF_Err_OUT_OF_MEMORY, nothing else being done, if the host has no memory for a store (a
+/// lock that it refuses leaves the instance without one, and is no error);
 /// PF_Err_INTERNAL_STRUCT_DAMAGED, with a message for the user, if there is no render target.
 /// Throws PF_Err_BAD_CALLBACK_PARAM without the handle suite, as do the other two.
 PF_Err SequenceSetup(PF_InData& in, PF_OutData& out);

@@ -99,6 +99,8 @@ void DestroyHiddenWindow(AESDK_OpenGL_State& state) {
 AESDK_OpenGL_Err AESDK_OpenGL_StartUp(AESDK_OpenGL_State& state,
                                       const AESDK_OpenGL_LookUp& lookUp) {
   if (IsRunning(state)) return AESDK_OpenGL_Err_None;
+  // A start-up that failed has left a window, which this one would put out of reach.
+  if (state.window != nullptr) AESDK_OpenGL_ShutDown(state);
   const AESDK_OpenGL_Err result = ResultOf([&] {
     RegisterWindowClass(state);
     CreateHiddenWindow(state);

@@ -3,7 +3,7 @@
 // The offscreen OpenGL framework: a hidden window, a rendering context, one render target and one
 // shader program, all process-wide. Nothing here is ever drawn in a context of the host's.
 //
-// Every operation returns its failures; no exception leaves one. Where a tag stands at the end of a
+// Every operation returns its failures; no fault leaves one. Where a tag stands at the end of a
 // comment, it says when the operation may be called:
 //   [context current]  the framework's own context is current on the calling thread
 //   [started]          that, and start-up has succeeded
@@ -166,7 +166,7 @@ AESDK_OpenGL_Err AESDK_OpenGL_PrepareRenderTarget(AESDK_OpenGL_State& state, std
 AESDK_OpenGL_Err AESDK_OpenGL_DeleteRenderTarget(AESDK_OpenGL_State& state);
 
 /// Directs all drawing to the render target. Returns `AESDK_OpenGL_Err_ResourceLoad` if it is not
-/// complete or the framework is not started.
+/// complete or the framework is not started. [target prepared]
 AESDK_OpenGL_Err AESDK_OpenGL_BindRenderTarget(const AESDK_OpenGL_State& state);
 
 /// Sets the blend equations; `GL_ADD` means `GL_FUNC_ADD`. Always returns `AESDK_OpenGL_Err_None`.

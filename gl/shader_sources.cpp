@@ -2,7 +2,7 @@
 
 namespace AESDK_OpenGL {
 
-// The strings below run together into one line each, after the definitions.
+// Each source is one line, but for the definitions at the head of the second one.
 
 const char* const kVertexSource =
     "uniform vec4 dataFromAE; "
@@ -14,8 +14,10 @@ const char* const kVertexSource =
     "gl_TexCoord[0] = gl_MultiTexCoord0; "
     "}";
 
-// `normal` is, for each piece: x, y the size of its image in texels; z which coordinate the
-// coordinate pass writes. The tolerance of the ownership test is 1/524288 of an image's side.
+// `dataFromAE`: x 1 for the colour pass, else the coordinate pass; y 1 to drop transparent texels
+// and, while z is 0, fragments that do not own their pixel. `normal` is, for each piece: x, y the
+// size of its image in texels; z which coordinate the coordinate pass writes. The tolerance of the
+// ownership test is 1/524288 of an image's side.
 const char* const kFragmentSource =
     "#define FXAA_REDUCE_MIN (1.0/128.0)\n"
     "#define FXAA_REDUCE_MUL (1.0/8.0)\n"

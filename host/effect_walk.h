@@ -25,15 +25,22 @@ inline EffectStack GetEffectStack(HostCalls& host, PF_ProgPtr effectRef) {
   return stack;
 }
 
-/// True iff the effect is a companion that is switched on; chained, false after a failure.
-inline bool IsActiveCompanion(HostCalls& host, AEGP_EffectRefH effect) {
+/// True iff the effect's match name is exactly `wanted`; chained, false after a failure.
+inline bool HasMatchName(HostCalls& host, AEGP_EffectRefH effect, const char* wanted) {
   AEGP_InstalledEffectKey key = 0;
   MatchName name;
-  AEGP_EffectFlags flags = AEGP_EffectFlags_NONE;
   host.Run(&AEGP_EffectSuite2::AEGP_GetInstalledKeyFromLayerEffect, effect, &key);
   host.Run(&AEGP_EffectSuite2::AEGP_GetEffectMatchName, key, name.Buffer());
+  return host.Ok() && name.Is(wanted);
+}
+
+/// True iff the effect is a companion that is switched on; chained, false after a failure. The
+/// flags are asked for of every effect, also of those that are no companions.
+inline bool IsActiveCompanion(HostCalls& host, AEGP_EffectRefH effect) {
+  const bool isCompanion = HasMatchName(host, effect, kCompanionMatchName);
+  AEGP_EffectFlags flags = AEGP_EffectFlags_NONE;
   host.Run(&AEGP_EffectSuite2::AEGP_GetEffectFlags, effect, &flags);
-  return host.Ok() && name.Is(kCompanionMatchName) && (flags & AEGP_EffectFlags_ACTIVE) != 0;
+  return host.Ok() && isCompanion && (flags & AEGP_EffectFlags_ACTIVE) != 0;
 }
 
 /// The one walk over a layer's effects: calls `visit(position, effect)` for every companion that is

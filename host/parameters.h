@@ -7,8 +7,12 @@ namespace tarvo {
 /// Bones that have a pair of depth sliders.
 inline constexpr A_long kBoneCount = 25;
 
-/// Positions in the host's parameter array; each parameter's ID equals its position. Between the
-/// input layer and "Hidden" lie the sliders, a start Z and an end Z for each bone.
+/// Positions in the host's parameter array. "Hidden" is a mark on an instance that has been set up:
+/// the idle hook switches it on, and no user sees it. "Updater:" is a button in a popup's clothes:
+/// its choice "Update" makes the companions send again, and it springs back.
+///
+/// Each parameter's ID equals its position. Between the input layer and "Hidden" lie the sliders, a
+/// start Z and an end Z for each bone.
 enum ParameterIndex : PF_ParamIndex {
   PARAM_INPUT = 0,
   PARAM_HIDDEN = 2 * kBoneCount + 1,

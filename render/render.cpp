@@ -7,6 +7,7 @@
 #include "render/frame.h"
 #include "render/ownership_maps.h"
 #include "render/piece_upload.h"
+#include "scene/output_extent.h"
 #include "scene/scene_store.h"
 
 namespace tarvo {
@@ -20,9 +21,8 @@ using AESDK_OpenGL::gState;
 
 namespace {
 
-/// Sides of a frame that the host copies, in pixels.
-constexpr A_long kLeastSide = 4;
-constexpr A_long kGreatestSide = 30'000;
+/// The smallest side of a frame that is copied into the output, in pixels.
+constexpr A_long kSmallestSide = 4;
 
 /// Null stands for all fields of the fill, and for transparent black.
 void ClearOutput(HostCalls& host, PF_InData& in, PF_EffectWorld& output) {
@@ -67,7 +67,7 @@ void RequireCompleteFramebuffer(Frame& frame) {
 }
 
 bool IsCopied(const PF_Rect& area) {
-  const auto fits = [](A_long side) { return side >= kLeastSide && side <= kGreatestSide; };
+  const auto fits = [](A_long side) { return side >= kSmallestSide && side <= kLargestSide; };
   return fits(area.right - area.left) && fits(area.bottom - area.top);
 }
 

@@ -10,7 +10,6 @@ namespace tarvo {
 namespace {
 
 constexpr float kFarthest = std::numeric_limits<float>::max();
-constexpr A_long kLargestSide = 30'000;
 constexpr double kMargin = 0.05;
 
 /// Bounds along one axis. Single and double precision are part of the result: they decide on which

@@ -5,6 +5,9 @@
 
 namespace tarvo {
 
+/// The largest side, in pixels, of an output that the host accepts.
+inline constexpr A_long kLargestSide = 30'000;
+
 /// The host's side of a frame: layer size in pixels at the current resolution, denominators of the
 /// resolution, and the origin of what lies before this effect.
 struct LayerFrame {

@@ -7,7 +7,7 @@ packages=(
   g++ cmake ninja-build
   libegl-dev libgl-dev libglu1-mesa-dev libegl-mesa0 libgl1-mesa-dri  # OpenGL without a screen
   nlohmann-json3-dev libcli11-dev libstb-dev                         # the stand-in host
-  libgtest-dev googletest libbenchmark-dev python3 python3-jsonschema # tests and benchmarks
+  libgtest-dev googletest python3 python3-jsonschema                 # tests
   clang-format clang-tidy binutils
 )
 

@@ -38,7 +38,6 @@ inline constexpr AEGP_DynStreamFlags AEGP_DynStreamFlag_HIDDEN = 2;
 
 using AEGP_ItemType = A_short;
 inline constexpr AEGP_ItemType AEGP_ItemType_NONE = 0;
-inline constexpr AEGP_ItemType AEGP_ItemType_FOLDER = 1;
 inline constexpr AEGP_ItemType AEGP_ItemType_COMP = 2;
 inline constexpr AEGP_ItemType AEGP_ItemType_FOOTAGE = 4;
 

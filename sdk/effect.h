@@ -55,7 +55,6 @@ inline constexpr PF_NewWorldFlags PF_NewWorldFlag_NONE = 0;
 inline constexpr PF_NewWorldFlags PF_NewWorldFlag_CLEAR_PIXELS = 1;
 inline constexpr PF_NewWorldFlags PF_NewWorldFlag_DEEP_PIXELS = 2;
 
-inline constexpr A_long PF_WorldFlag_DEEP = 1;
 inline constexpr A_long PF_WorldFlag_WRITEABLE = 2;
 
 /// The file of the plug-in itself, for get_platform_data. The host writes a zero-terminated path,

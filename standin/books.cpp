@@ -54,7 +54,6 @@ void Books::Enter(Kind kind, const void* name, std::string label, void* subject)
 
 void Books::Open(Kind kind, const void* name, std::string label, void* subject) {
   entries_[name] = Entry{kind, true, next_++, std::move(label), subject};
-  ++issued_[Index(kind)];
   ++alive_[Index(kind)];
 }
 
@@ -126,8 +125,6 @@ std::string Books::Describe(const Entry& entry) {
 }
 
 std::size_t Books::Count(Kind kind) const { return alive_[Index(kind)]; }
-
-std::uint64_t Books::Issued(Kind kind) const { return issued_[Index(kind)]; }
 
 std::vector<const Books::Entry*> Books::Living() const {
   std::vector<const Entry*> living;

@@ -37,8 +37,8 @@ std::string_view Name(Kind kind);
 
 /// The host's accounts: everything handed out is entered with its kind and taken out when it is
 /// given back. What was given back is remembered, so that a second disposal and a use after the end
-/// are told apart from a value that never was ours. The first misuse is kept, and so are all
-/// others.
+/// are told apart from a value that never was ours. Misuses are kept in their order, up to a limit
+/// that a plug-in in a loop would reach.
 class Books {
  public:
   /// Enters an object and gives back its name, an opaque value that is never used twice.
@@ -56,13 +56,11 @@ class Books {
   }
   /// True iff the object is handed out and not yet given back.
   [[nodiscard]] bool Alive(Kind kind, const void* name) const;
-  /// "effect reference 'QEZ_Tarvo' 12", or the value itself when it is none of ours.
+  /// "effect reference 'QEZ_Tarvo' #12", or the value itself when it is none of ours.
   [[nodiscard]] std::string Describe(const void* name) const;
 
   /// Objects of this kind that are out at the moment.
   [[nodiscard]] std::size_t Count(Kind kind) const;
-  /// Objects of this kind ever handed out.
-  [[nodiscard]] std::uint64_t Issued(Kind kind) const;
   /// What is out at the moment, described; in the order in which it was handed out.
   [[nodiscard]] std::vector<std::string> Outstanding(Kind kind) const;
   /// What is out and should not be once a command or an idle call is over: suites, effect
@@ -104,7 +102,6 @@ class Books {
 
   std::unordered_map<const void*, Entry> entries_;
   std::deque<std::pair<const void*, std::uint64_t>> dead_;
-  std::array<std::uint64_t, kKinds> issued_{};
   std::array<std::size_t, kKinds> alive_{};
   std::uint64_t next_ = 1;
   std::vector<std::string> misuses_;

@@ -15,8 +15,6 @@ namespace {
 
 constexpr A_long kFramesPerSecond = 25;
 constexpr A_long kLongestSleep = 60;
-// The code of the host program, and of what else a record holds that no plug-in of ours reads.
-constexpr A_long kHostProgram = 0x46585443;
 
 ByteRange RangeOfHandle(std::size_t offset) { return {offset, sizeof(PF_Handle)}; }
 
@@ -121,7 +119,6 @@ PF_InData MakeInput(Core& core, const RendererInstance* renderer) {
   in.effect_ref = renderer != nullptr ? renderer->programRef : core.pluginRef;
   in.quality = 1;
   in.version = {core.options.versionMajor, core.options.versionMinor};
-  in.appl_id = kHostProgram;
   in.num_params = static_cast<A_long>(core.declared.size());
   in.time_step = 1;
   in.local_time_step = 1;

@@ -8,7 +8,7 @@ namespace {
 
 Core* gActiveCore = nullptr;
 
-// Keys and plug-in numbers that nobody mistakes for an index.
+// Keys that nobody mistakes for an index.
 constexpr AEGP_InstalledEffectKey kFirstKey = 5000;
 
 }  // namespace
@@ -23,6 +23,8 @@ Parameter* StreamSubject::Of() const {
 
 Core::Core(PF_EntryPoint plugin, HostOptions hostOptions)
     : entryPoint(plugin), options(std::move(hostOptions)) {
+  memory.FillNew(options.inspectPixels);
+  worlds.FillNew(options.inspectPixels);
   if (options.ownContext) {
     context = std::make_unique<GlContext>();
   }

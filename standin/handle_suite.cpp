@@ -11,6 +11,8 @@ void* LockHandle(Core& core, PF_Handle handle) {
 }
 
 void UnlockHandle(Core& core, PF_Handle handle) {
+  // Whoever answers each lock with an unlock does so for one that this host refused on purpose,
+  // too.
   core.memory.AllowStrayUnlocks(core.gate.Injected("host_lock_handle"));
   core.memory.Unlock(handle, "host_unlock_handle");
 }

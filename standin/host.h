@@ -31,8 +31,8 @@ struct HostOptions {
   std::map<std::pair<std::string, std::string>, A_long> preferences;
   /// False: no OpenGL context is current when the plug-in is called.
   bool ownContext = true;
-  /// False skips the checks that read whole pictures (unwritten pixels, the input layer's pixels),
-  /// for timings.
+  /// False skips what touches whole pictures for checking's sake (the patterns in new memory and
+  /// new worlds, unwritten pixels, the input layer's pixels), for timings.
   bool inspectPixels = true;
 };
 
@@ -230,7 +230,7 @@ class Host {
   [[nodiscard]] bool ContextIsCurrent() const;
 };
 
-/// "setting up", "render", …: a command by name, for messages.
+/// "PF_Cmd_RENDER", …: a command by the name that the host's interface gives it.
 std::string CommandName(A_long command);
 
 }  // namespace standin

@@ -48,7 +48,9 @@ PF_Handle HostMemory::New(A_HandleSize bytes) {
   if (!block->memory) {
     return nullptr;
   }
-  std::memset(block->memory.get(), kFresh, block->size);
+  if (fillsNew_) {
+    std::memset(block->memory.get(), kFresh, block->size);
+  }
   block->master = block->memory.get();
   PF_Handle handle = &block->master;
   books_.Enter(Kind::kHandle, handle, std::to_string(bytes) + " bytes", block.get());

@@ -22,7 +22,9 @@ class HostMemory {
   HostMemory& operator=(const HostMemory&) = delete;
   ~HostMemory();
 
-  /// A new unlocked handle of that many bytes, filled with a pattern; null when there is no memory.
+  /// Whether new memory is filled with a pattern (it is), or left as the system gives it.
+  void FillNew(bool fill) { fillsNew_ = fill; }
+  /// A new unlocked handle of that many bytes; null when there is no memory.
   PF_Handle New(A_HandleSize bytes);
   /// A new handle that holds a copy of these bytes.
   PF_Handle NewFrom(const std::vector<std::uint8_t>& bytes);
@@ -62,6 +64,7 @@ class HostMemory {
   Books& books_;
   std::unordered_map<const void*, std::unique_ptr<Block>> blocks_;
   std::deque<std::unique_ptr<Block>> graveyard_;
+  bool fillsNew_ = true;
   std::uint64_t refusedLocks_ = 0;
   std::uint64_t strayUnlocks_ = 0;
 };

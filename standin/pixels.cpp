@@ -21,6 +21,19 @@ A_u_char Scaled(int value, int numerator, int denominator) {
       std::min(255, (value * numerator * 2 + denominator) / (denominator * 2)));
 }
 
+/// Opaque and empty pixels are the same in either form; most pixels of a picture are one of the
+/// two.
+template <typename Map>
+void MapPixels(PF_EffectWorld& world, Map map) {
+  for (A_long y = 0; y < world.height; ++y) {
+    PF_Pixel* row = RowOf(world, y);
+    std::transform(row, row + world.width, row, [map](PF_Pixel pixel) {
+      const bool empty = pixel.alpha == 0 && pixel.red == 0 && pixel.green == 0 && pixel.blue == 0;
+      return empty || pixel.alpha == 255 ? pixel : map(pixel);
+    });
+  }
+}
+
 }  // namespace
 
 PF_Pixel* RowOf(const PF_EffectWorld& world, A_long row) {
@@ -31,9 +44,7 @@ PF_Pixel* RowOf(const PF_EffectWorld& world, A_long row) {
 void FillPixels(PF_EffectWorld& world, const PF_Rect* area, PF_Pixel colour) {
   const PF_Rect inside = Clipped(world, area);
   for (A_long y = inside.top; y < inside.bottom; ++y) {
-    for (A_long x = inside.left; x < inside.right; ++x) {
-      RowOf(world, y)[x] = colour;
-    }
+    std::fill_n(RowOf(world, y) + inside.left, std::max(0, inside.right - inside.left), colour);
   }
 }
 
@@ -66,11 +77,8 @@ PF_Pixel Straightened(PF_Pixel pixel) {
           Scaled(pixel.blue, 255, pixel.alpha)};
 }
 
-void MapPixels(PF_EffectWorld& world, PF_Pixel (*map)(PF_Pixel)) {
-  for (A_long y = 0; y < world.height; ++y) {
-    PF_Pixel* row = RowOf(world, y);
-    std::transform(row, row + world.width, row, map);
-  }
-}
+void PremultiplyPixels(PF_EffectWorld& world) { MapPixels(world, Premultiplied); }
+
+void StraightenPixels(PF_EffectWorld& world) { MapPixels(world, Straightened); }
 
 }  // namespace standin

@@ -19,8 +19,10 @@ PF_Pixel Premultiplied(PF_Pixel pixel);
 /// unknown and stays as it is.
 PF_Pixel Straightened(PF_Pixel pixel);
 
-/// Applies one of the two to every pixel.
-void MapPixels(PF_EffectWorld& world, PF_Pixel (*map)(PF_Pixel));
+/// Premultiplied, for every pixel of a world.
+void PremultiplyPixels(PF_EffectWorld& world);
+/// Straightened, for every pixel of a world.
+void StraightenPixels(PF_EffectWorld& world);
 
 /// The first pixel of a row.
 PF_Pixel* RowOf(const PF_EffectWorld& world, A_long row);

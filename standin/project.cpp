@@ -97,12 +97,6 @@ Effect& Layer::Insert(std::unique_ptr<Effect> effect, int position) {
   return **effects.insert(effects.begin() + place, std::move(effect));
 }
 
-void Layer::Move(Effect& effect, int position) {
-  if (std::unique_ptr<Effect> taken = Take(effect)) {
-    Insert(std::move(taken), position);
-  }
-}
-
 std::unique_ptr<Effect> Layer::Take(const Effect& effect) {
   const int position = PositionOf(effect);
   if (position < 0) {

@@ -73,8 +73,6 @@ class Layer {
   [[nodiscard]] int PositionOf(const Effect& effect) const;
   /// Puts an effect into the stack; a position below 0 or past the end means the end.
   Effect& Insert(std::unique_ptr<Effect> effect, int position);
-  /// Moves an effect to another place.
-  void Move(Effect& effect, int position);
   /// Takes an effect out of the stack; null when it is not on this layer.
   std::unique_ptr<Effect> Take(const Effect& effect);
 

@@ -1,6 +1,7 @@
 #include "standin/snapshot.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace standin {
 
@@ -13,6 +14,9 @@ Snapshot::Snapshot(const void* record, std::size_t size) {
 
 std::optional<std::size_t> Snapshot::FirstChange(const void* record,
                                                  std::initializer_list<ByteRange> mayChange) const {
+  if (bytes_.empty() || std::memcmp(bytes_.data(), record, bytes_.size()) == 0) {
+    return std::nullopt;
+  }
   const auto* now = static_cast<const unsigned char*>(record);
   for (std::size_t offset = 0; offset < bytes_.size(); ++offset) {
     const bool excepted =

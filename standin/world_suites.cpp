@@ -35,7 +35,11 @@ PF_Err Premultiply(Core& core, PF_ProgPtr effect, A_long forward, PF_EffectWorld
   if (core.Instance(effect, "premultiply") == nullptr || !core.worlds.Check(world, "premultiply")) {
     return PF_Err_BAD_CALLBACK_PARAM;
   }
-  MapPixels(*world, forward != 0 ? Premultiplied : Straightened);
+  if (forward != 0) {
+    PremultiplyPixels(*world);
+  } else {
+    StraightenPixels(*world);
+  }
   return PF_Err_NONE;
 }
 

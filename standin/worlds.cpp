@@ -36,7 +36,17 @@ struct Worlds::World {
     return memory.get() + RowBytes() * (row + 1);
   }
 
-  std::string label;
+  [[nodiscard]] std::uint8_t* Padding(std::size_t row) const { return Row(row) + PixelBytes(); }
+  [[nodiscard]] std::size_t PaddingBytes() const { return RowBytes() - PixelBytes(); }
+
+  void SetGuards() const {
+    std::memset(memory.get(), kGuard, RowBytes());
+    std::memset(Row(Rows()), kGuard, RowBytes());
+    for (std::size_t row = 0; row < Rows(); ++row) {
+      std::memset(Padding(row), kGuard, PaddingBytes());
+    }
+  }
+
   std::unique_ptr<std::uint8_t[]> memory;
   PF_EffectWorld record{};
 };
@@ -59,8 +69,6 @@ PF_Err Worlds::New(A_long width, A_long height, PF_NewWorldFlags flags, const st
   if (!world->memory) {
     return PF_Err_OUT_OF_MEMORY;
   }
-  std::memset(world->memory.get(), kGuard, bytes);
-  world->label = label;
   world->record.world_flags = PF_WorldFlag_WRITEABLE;
   world->record.rowbytes = static_cast<A_long>(rowBytes);
   world->record.width = width;
@@ -71,8 +79,12 @@ PF_Err Worlds::New(A_long width, A_long height, PF_NewWorldFlags flags, const st
   const std::string described = label + " " + std::to_string(width) + "x" + std::to_string(height);
   const void* name = books_.Issue(Kind::kWorld, described, world.get());
   world->record.reserved0 = const_cast<void*>(name);
-  const bool clear = (flags & PF_NewWorldFlag_CLEAR_PIXELS) != 0;
-  FillPixels(world->record, nullptr, clear ? PF_Pixel{} : kUnwritten);
+  if ((flags & PF_NewWorldFlag_CLEAR_PIXELS) != 0) {
+    FillPixels(world->record, nullptr, {});
+  } else if (fillsNew_) {
+    FillPixels(world->record, nullptr, kUnwritten);
+  }
+  world->SetGuards();
   *record = world->record;
   worlds_[name] = std::move(world);
   return PF_Err_NONE;
@@ -94,22 +106,23 @@ PF_EffectWorld Worlds::From(const Picture& picture, const std::string& label) {
   if (New(picture.width, picture.height, PF_NewWorldFlag_NONE, label, &record) != PF_Err_NONE) {
     throw std::bad_alloc();
   }
-  for (A_long y = 0; y < record.height; ++y) {
-    for (A_long x = 0; x < record.width; ++x) {
-      const Rgba pixel = picture.At(x, y);
-      RowOf(record, y)[x] = {pixel.alpha, pixel.red, pixel.green, pixel.blue};
-    }
+  auto pixels = picture.pixels.begin();
+  for (A_long y = 0; y < record.height; ++y, pixels += picture.width) {
+    std::transform(pixels, pixels + picture.width, RowOf(record, y), [](Rgba pixel) {
+      return PF_Pixel{pixel.alpha, pixel.red, pixel.green, pixel.blue};
+    });
   }
   return record;
 }
 
 Picture Worlds::ToPicture(const PF_EffectWorld& record) {
   Picture picture(record.width, record.height);
-  for (A_long y = 0; y < record.height; ++y) {
-    for (A_long x = 0; x < record.width; ++x) {
-      const PF_Pixel pixel = RowOf(record, y)[x];
-      picture.At(x, y) = {pixel.red, pixel.green, pixel.blue, pixel.alpha};
-    }
+  auto pixels = picture.pixels.begin();
+  for (A_long y = 0; y < record.height; ++y, pixels += record.width) {
+    const PF_Pixel* row = RowOf(record, y);
+    std::transform(row, row + record.width, pixels, [](PF_Pixel pixel) {
+      return Rgba{pixel.red, pixel.green, pixel.blue, pixel.alpha};
+    });
   }
   return picture;
 }
@@ -141,21 +154,24 @@ void Worlds::CheckGuards(std::string_view command) {
 }
 
 void Worlds::CheckGuards(World& world, std::string_view who) {
-  const std::string where = std::string(who) + ": " + books_.Describe(world.record.reserved0);
-  const std::size_t padding = world.RowBytes() - world.PixelBytes();
-  const auto mend = [&](std::uint8_t* bytes, std::size_t count, const std::string& place) {
-    if (!AllGuard(bytes, count)) {
-      books_.Misuse(where + " was written " + place);
-      std::memset(bytes, kGuard, count);
-    }
+  const auto report = [&](const std::string& place) {
+    books_.Misuse(std::string(who) + ": " + books_.Describe(world.record.reserved0) +
+                  " was written " + place);
   };
-  mend(world.memory.get(), world.RowBytes(), "above its first row");
-  mend(world.Row(world.Rows()), world.RowBytes(), "below its last row");
+  const std::size_t misuses = books_.Misuses().size();
+  if (!AllGuard(world.memory.get(), world.RowBytes())) {
+    report("above its first row");
+  }
+  if (!AllGuard(world.Row(world.Rows()), world.RowBytes())) {
+    report("below its last row");
+  }
   for (std::size_t row = 0; row < world.Rows(); ++row) {
-    if (!AllGuard(world.Row(row) + world.PixelBytes(), padding)) {
-      mend(world.Row(row) + world.PixelBytes(), padding,
-           "past the end of row " + std::to_string(row));
+    if (!AllGuard(world.Padding(row), world.PaddingBytes())) {
+      report("past the end of row " + std::to_string(row));
     }
+  }
+  if (books_.Misuses().size() != misuses) {
+    world.SetGuards();
   }
 }
 

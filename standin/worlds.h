@@ -23,6 +23,9 @@ class Worlds {
   Worlds& operator=(const Worlds&) = delete;
   ~Worlds();
 
+  /// Whether the pixels of a new world start with the pattern (they do), or as the system gives
+  /// them.
+  void FillNew(bool fill) { fillsNew_ = fill; }
   /// Makes a world and fills `record` in. A negative size gives PF_Err_BAD_CALLBACK_PARAM, deep
   /// pixels too; more than kWorldLimit bytes give PF_Err_OUT_OF_MEMORY. `label` is for messages.
   PF_Err New(A_long width, A_long height, PF_NewWorldFlags flags, const std::string& label,
@@ -54,6 +57,7 @@ class Worlds {
   void CheckGuards(World& world, std::string_view who);
 
   Books& books_;
+  bool fillsNew_ = true;
   std::unordered_map<const void*, std::unique_ptr<World>> worlds_;
 };
 

@@ -29,7 +29,10 @@ std::vector<EGLConfig> MatchingConfigs(const std::vector<EGLint>& attributes) {
   EGLint count = 0;
   if (eglChooseConfig(Display(), attributes.data(), nullptr, 0, &count) != EGL_TRUE) return {};
   std::vector<EGLConfig> configs(static_cast<std::size_t>(count));
-  eglChooseConfig(Display(), attributes.data(), configs.data(), count, &count);
+  if (eglChooseConfig(Display(), attributes.data(), configs.data(), count, &count) != EGL_TRUE) {
+    return {};
+  }
+  configs.resize(static_cast<std::size_t>(count));
   return configs;
 }
 

@@ -169,9 +169,11 @@ void AddRender(CLI::App& program, Work& chosen) {
   command
       ->add_option("--set", options->settings,
                    "Move the slider of this label; can be given several times")
-      ->type_name("LABEL=VALUE")
+      ->type_name("LABEL=NUMBER")
       ->allow_extra_args(false);
-  command->add_option("--scale", options->scale, "Resolution, as the host lowers it")
+  command
+      ->add_option("--scale", options->scale,
+                   "Resolution, as the host lowers it: 1/1 (all of it) to 1/99")
       ->type_name("1/N");
   command->add_flag("--layer", options->layer,
                     "Crop to the layer's frame instead of all that was drawn");

@@ -17,7 +17,8 @@ constexpr const char* kFooter = R"(Examples:
   tarvo render examples/wave/wave.json -o wave.png
 
 Exit codes: 0 made; 2 a file, a scene or an option is wrong; 3 the plug-in returned an error or
-broke a rule of its host; 4 the plug-in cannot be loaded, or there is no OpenGL to run it with.
+broke a rule of its host; 4 the plug-in cannot be loaded, or this machine cannot run it
+(no OpenGL, no memory).
 No output file is made unless the exit code is 0.)";
 
 int Fail(const Console& console, ExitCode code, const std::vector<std::string>& lines) {

@@ -47,17 +47,6 @@ class AWindow : public testing::Test {
   HGLRC context_ = nullptr;
 };
 
-TEST_F(AWindow, IsOfAClassThatIsRegisteredOnceAndStays) {
-  EXPECT_EQ(Register("Room"), 0);
-  EXPECT_EQ(Register("rOOM"), 0) << "names differ in more than case";
-  EXPECT_EQ(Register(nullptr), 0);
-  EXPECT_EQ(Register(""), 0);
-  EXPECT_EQ(Register("Hall", 72), 0);
-  EXPECT_EQ(NewWindow("Hall"), nullptr);
-  EXPECT_FALSE(UnregisterClassA("Hall", nullptr));
-  EXPECT_FALSE(UnregisterClassA("Room", nullptr)) << "it has a window";
-}
-
 TEST_F(AWindow, TakesItsHandlesWithIt) {
   MakeContextCurrent();
   std::thread([this] { EXPECT_FALSE(DestroyWindow(window_)) << "made on another thread"; }).join();
@@ -68,19 +57,6 @@ TEST_F(AWindow, TakesItsHandlesWithIt) {
   EXPECT_EQ(ReleaseDC(window_, deviceContext_), 0);
   EXPECT_EQ(wglCreateContext(deviceContext_), nullptr);
   EXPECT_FALSE(wglMakeCurrent(deviceContext_, context_));
-}
-
-TEST_F(AWindow, HasOnePixelFormatForGood) {
-  const int format = ChoosePixelFormat(deviceContext_, &descriptor_);
-  EXPECT_EQ(wglCreateContext(deviceContext_), nullptr) << "it has none yet";
-  EXPECT_FALSE(SetPixelFormat(deviceContext_, 0, &descriptor_));
-  EXPECT_FALSE(SetPixelFormat(nullptr, format, &descriptor_));
-  EXPECT_TRUE(SetPixelFormat(deviceContext_, format, &descriptor_));
-  EXPECT_TRUE(SetPixelFormat(deviceContext_, format, &descriptor_));
-  EXPECT_FALSE(SetPixelFormat(deviceContext_, format + 1, &descriptor_));
-  EXPECT_EQ(ReleaseDC(window_, deviceContext_), 1);
-  EXPECT_EQ(ReleaseDC(window_, deviceContext_), 0);
-  EXPECT_EQ(ChoosePixelFormat(deviceContext_, &descriptor_), 0) << "a stale handle";
 }
 
 TEST_F(AWindow, IsDrawnToAndLeftWithoutAContextByAFailure) {

@@ -120,17 +120,6 @@ TEST(SoftwareRenderer, PlacesByScaleAndOriginAndDoubtsOnlyEdges) {
   EXPECT_TRUE(drawn.decided.at(2 * 20 + 9));
 }
 
-TEST(SoftwareRenderer, LeavesOutPiecesWithoutAPictureAndRefusesEqualDepths) {
-  ReferenceBone bone = Bone({.red = 9, .green = 9, .blue = 9, .alpha = 255}, kSquare);
-  bone.pieces.push_back(bone.pieces.front());
-  EXPECT_THROW(DrawInSoftware({bone}, {.width = 4, .height = 4}), std::invalid_argument);
-  bone.pieces.pop_back();
-  for (const std::uint32_t select : {TARVO_IMAGE_B, std::uint32_t{7}}) {
-    bone.pieces.front().imageSelect = select;
-    EXPECT_EQ(CentreOf({bone}), Rgba{});
-  }
-}
-
 TEST(Comparison, CountsAndFindsTheLargestDifferenceWhereItLooks) {
   Picture one(3, 1, {.red = 100, .green = 0, .blue = 0, .alpha = 255});
   Picture other = one;

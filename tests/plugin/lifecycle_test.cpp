@@ -227,15 +227,6 @@ TEST_F(LifecycleTest, ResetupThatCannotReplaceTheStoreKeepsTheOldOne) {
   }
 }
 
-TEST_F(LifecycleTest, SetdownWithoutSequenceDataStillCountsDown) {
-  Host& host = StartHost();
-  PF_InData in = host.InputRecord(nullptr);
-  PF_OutData out{};
-  EXPECT_EQ(host.CallWith(PF_Cmd_SEQUENCE_SETDOWN, in, out, nullptr, nullptr, nullptr).code,
-            PF_Err_NONE);
-  EXPECT_EQ(CounterOf(host), 0);
-}
-
 /// Images that no frame uploaded, and textures that frames did, go with their instance.
 TEST_F(LifecycleTest, AnInstanceGivesBackWhatItHolds) {
   Host& host = StartHost();

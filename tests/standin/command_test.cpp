@@ -171,13 +171,6 @@ TEST_F(Command, CropsScalesAndPaintsBehind) {
   EXPECT_NE(checker.At(30, 40), checker.At(34, 40));  // seen through the veil
 }
 
-TEST_F(Command, FastAndExactOverrideTheScene) {
-  const int fast = Render("veil.json", "--fast").At(40, 40).alpha;
-  const int exact = Render("veil.json", "--exact").At(40, 40).alpha;
-  EXPECT_GT(fast, exact + 20);  // doubled, or the front piece alone
-  EXPECT_EQ(Render("veil.json").At(40, 40).alpha, fast);
-}
-
 TEST_F(Command, TracesTheWholeLifeWithTheCompanionsAnswers) {
   const std::string trace =
       Run("render " + Quoted(File("scene.json")) + " --trace -o " + Quoted(File("out.png"))).err;

@@ -33,17 +33,6 @@ TEST(Pixels, PremultipliedColourIsMultipliedByAlphaAndRounded) {
   EXPECT_TRUE(Is(standin::Premultiplied({0, 200, 255, 1}), 0, 0, 0, 0));
 }
 
-TEST(Pixels, StraighteningUndoesPremultiplying) {
-  for (int alpha = 1; alpha <= 255; ++alpha) {
-    for (int colour = 0; colour <= alpha; ++colour) {
-      const auto value = static_cast<A_u_char>(colour);
-      const PF_Pixel straight = standin::Straightened({static_cast<A_u_char>(alpha), value, 0, 0});
-      ASSERT_TRUE(Is(standin::Premultiplied(straight), alpha, colour, 0, 0))
-          << "alpha " << alpha << " colour " << colour;
-    }
-  }
-}
-
 class WorldPixels : public testing::Test {
  protected:
   PF_EffectWorld New(int width, int height, PF_NewWorldFlags flags = PF_NewWorldFlag_NONE) {
@@ -73,15 +62,6 @@ TEST_F(WorldPixels, CopyPutsCornersOnEachOtherAndStaysInside) {
   EXPECT_EQ(copied.At(2, 2), Rgba{});
   worlds.CheckGuards("copy");
   EXPECT_EQ(books.FirstMisuse(), "");
-}
-
-TEST_F(WorldPixels, NewPixelsAreUnwrittenUnlessCleared) {
-  EXPECT_EQ(Worlds::Unwritten(New(5, 4)), 20U);
-  EXPECT_EQ(Worlds::Unwritten(New(5, 4, PF_NewWorldFlag_CLEAR_PIXELS)), 0U);
-  PF_EffectWorld filled = New(5, 4);
-  const PF_Rect area{-3, 1, 2, 99};
-  standin::FillPixels(filled, &area, {});
-  EXPECT_EQ(Worlds::Unwritten(filled), 14U) << "2 columns of 3 rows were filled";
 }
 
 TEST_F(WorldPixels, ImpossibleWorldsAreRefused) {

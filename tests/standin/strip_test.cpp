@@ -119,13 +119,4 @@ TEST(Strip, PlacesEachPieceAtItsMiddleAlongTheBone) {
   }
 }
 
-TEST(Strip, TapersEvenlyAlongItsLength) {
-  const std::vector<Piece> pieces = CutStrip({kRest, {StraightCurve({0, 0}, {0, 90}), 30, 0}, 3});
-  for (const auto& [index, width] : {std::pair{0, 30.0}, {1, 20.0}, {2, 10.0}}) {
-    const auto& corners = pieces[static_cast<std::size_t>(index)].corners;
-    EXPECT_NEAR(Distance(corners[0], corners[3]), width, 1e-9);
-  }
-  EXPECT_EQ(pieces[2].corners[1], pieces[2].corners[2]);
-}
-
 }  // namespace
