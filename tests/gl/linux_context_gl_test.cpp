@@ -119,21 +119,5 @@ TEST_F(ForeignContext, ComesBackAfterAStartUpThatLeftAWindowWithoutAFormat) {
   EXPECT_EQ(eglGetCurrentContext(), context_);
 }
 
-TEST_F(ForeignContext, HasOneDeviceContextForOnePairOfSurfaces) {
-  EGLSurface one = NewSurface();
-  EGLSurface other = NewSurface();
-  HDC first = CurrentFor(one, one);
-  HDC second = CurrentFor(one, other);
-  EXPECT_NE(second, first);
-  // Ever new surfaces push out those that were not asked for in between.
-  HGLRC context = wglGetCurrentContext();
-  for (int round = 0; round < 400; ++round) {
-    EGLSurface surface = NewSurface();
-    EXPECT_TRUE(wglMakeCurrent(CurrentFor(surface, surface), context));
-    EXPECT_EQ(CurrentFor(one, other), second);
-  }
-  EXPECT_FALSE(wglMakeCurrent(first, context));
-}
-
 }  // namespace
 }  // namespace AESDK_OpenGL

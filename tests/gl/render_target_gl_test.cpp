@@ -63,21 +63,6 @@ TEST_F(RenderTarget, HasTheDefaultSizeWhateverWasStored) {
   ExpectSize(side, side);
 }
 
-TEST_F(RenderTarget, GrowsToWhatIsAskedFor) {
-  AESDK_OpenGL_PrepareRenderTarget(gState, 20, 10);
-  ExpectSize(20, 10);
-  const GLuint framebuffer = gState.framebuffer;
-  AESDK_OpenGL_PrepareRenderTarget(gState, 8, 30);
-  ExpectSize(20, 30);
-  AESDK_OpenGL_PrepareRenderTarget(gState, 4, 4);
-  ExpectSize(20, 30);
-  EXPECT_EQ(gState.framebuffer, framebuffer);
-  // A texture that is smaller than the state says is found out.
-  gState.targetHeight = 40;
-  AESDK_OpenGL_PrepareRenderTarget(gState, 4, 40);
-  ExpectSize(20, 40);
-}
-
 TEST_F(RenderTarget, IsClampedToWhatTheImplementationAllows) {
   gState.targetWidth = 65'535;  // As global set-up leaves it.
   AESDK_OpenGL_PrepareRenderTarget(gState, 1, 1);

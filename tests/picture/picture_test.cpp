@@ -268,39 +268,6 @@ TEST_F(PictureTest, ImageWaitsForPieces) {
   ExpectExpected(rig.Render().picture);
 }
 
-TEST_F(PictureTest, SwitchedOffCompanionShiftsTheOthersUp) {
-  OverlappingImages(rig);
-  rig.SetDepth(1, 3, 3);
-  rig.SetDepth(2, 5, 5);
-  rig.SetDepth(3, 4, 4);
-  rig.Send();
-  ExpectExpected(rig.Render().picture);
-  rig.ActiveCompanions().front()->active = false;
-  rig.Send();
-  // The second and third now take the pairs 3 and 5: their order is the other way round.
-  ExpectExpected(rig.Render().picture);
-}
-
-TEST_F(PictureTest, RendererInTheMiddleOfOtherEffects) {
-  rig.host.AddEffect(rig.layer, "QEZ_tarvo", 0);  // not a companion: case counts
-  rig.AddBone(Pattern(64, 48, 3, 200), WarpedPieces(41, 4, kLayerArea, 64, 48), 1);
-  rig.host.AddEffect(rig.layer, "Glow");
-  rig.AddBone(Pattern(64, 48, 4, 200), WarpedPieces(42, 4, kLayerArea, 64, 48));
-  rig.SetDepth(1, 2, -3);
-  rig.SetDepth(2, -2, 1);
-  rig.Send();
-  ExpectExpected(rig.Render().picture);
-}
-
-TEST_F(PictureTest, OriginsOfTheOutputShiftThePicture) {
-  WarpedPiecesSeed13(rig);
-  rig.Send();
-  const FrameExtent extent{
-      .command = {}, .width = 260, .height = 230, .originX = 33, .originY = 41};
-  const FrameRequest request{.preEffectOriginX = 9, .preEffectOriginY = 5};
-  ExpectExpected(rig.host.RenderInto(rig.renderer, extent, request).picture, request);
-}
-
 TEST_F(PictureTest, EmptySceneAndTinyOutputsStayTransparent) {
   const Picture empty = rig.Render().picture;
   EXPECT_EQ(empty, Picture(200, 160));

@@ -87,21 +87,6 @@ TEST(SoftwareRenderer, PiecesOfOneImageShowThroughOnlyInFastMode) {
   EXPECT_EQ(CentreOf({bone}, true), CentreOf({bone}, false));
 }
 
-TEST(SoftwareRenderer, SamplesBetweenTexelCentresAndClampsAtTheBorder) {
-  ReferenceBone bone;
-  bone.imageA = Picture(2, 1, {.red = 0, .green = 0, .blue = 0, .alpha = 255});
-  bone.imageA.At(1, 0).red = 255;
-  // Pixel centres of the four columns sample u = 0.25, 0.75, 1.25, 1.75.
-  bone.pieces = {Piece({.left = 0, .top = 0, .width = 4, .height = 2},
-                       {.left = 0, .top = 0, .width = 2, .height = 1}, 0)};
-  const Picture picture = DrawInSoftware({bone}, {.width = 4, .height = 2}).picture;
-  // A quarter and three quarters between the two centres: 63.75 and 191.25.
-  const std::vector<int> expected{0, 64, 191, 255};
-  for (int x = 0; x < 4; ++x) {
-    EXPECT_EQ(picture.At(x, 1).red, expected.at(static_cast<std::size_t>(x)));
-  }
-}
-
 TEST(SoftwareRenderer, PlacesByScaleAndOriginAndDoubtsOnlyEdges) {
   const Rgba green{.red = 0, .green = 90, .blue = 0, .alpha = 255};
   const ReferenceFrame frame{

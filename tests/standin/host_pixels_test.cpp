@@ -64,13 +64,4 @@ TEST_F(WorldPixels, CopyPutsCornersOnEachOtherAndStaysInside) {
   EXPECT_EQ(books.FirstMisuse(), "");
 }
 
-TEST_F(WorldPixels, ImpossibleWorldsAreRefused) {
-  PF_EffectWorld world{};
-  EXPECT_EQ(worlds.New(-1, 4, 0, "", &world), PF_Err_BAD_CALLBACK_PARAM);
-  EXPECT_EQ(worlds.New(4, 4, PF_NewWorldFlag_DEEP_PIXELS, "", &world), PF_Err_BAD_CALLBACK_PARAM);
-  EXPECT_EQ(worlds.New(1 << 20, 1 << 20, 0, "", &world), PF_Err_OUT_OF_MEMORY);
-  EXPECT_EQ(worlds.New(0, 0, 0, "", &world), PF_Err_NONE) << "an empty picture is one";
-  EXPECT_EQ(books.Count(standin::Kind::kWorld), 1U);
-}
-
 }  // namespace

@@ -158,9 +158,6 @@ std::vector<Misuse> Misuses() {
       {"suite left",
        Doing([](const Command& c) { c.Acquire<PF_HandleSuite1>(kHandles, 2); }),
        {"left suite 'PF Handle Suite 2'"}},
-      {"suite given back twice",
-       Doing([](const Command& c) { c.Release(kHandles, 2); }),
-       {"ReleaseSuite was given \"PF Handle Suite\" version 2", "not held"}},
       {"unknown suite",
        Doing([](const Command& c) { c.Acquire<PF_HandleSuite1>(kHandles, 3); }),
        {"\"PF Handle Suite\" version 3, which this host does not have"}},
@@ -202,14 +199,6 @@ std::vector<Misuse> Misuses() {
          s->host_dispose_handle(handle);
        }),
        {"was written while it was not locked"}},
-      {"handle disposed of twice",
-       Doing([](const Command& c) {
-         const auto s = HandlesOf(c);
-         const PF_Handle handle = s->host_new_handle(8);
-         s->host_dispose_handle(handle);
-         s->host_dispose_handle(handle);
-       }),
-       {"host_dispose_handle was given handle", "given back before"}},
       {"written past a row",
        Doing([](const Command& c) {
          PF_EffectWorld world = NewWorld(c, 5, 4);
@@ -217,20 +206,6 @@ std::vector<Misuse> Misuses() {
          DisposeOf(c, world);
        }),
        {"dispose_world: world 'made by new_world 5x4'", "past the end of row 2"}},
-      {"written above a world",
-       Doing([](const Command& c) {
-         PF_EffectWorld world = NewWorld(c, 5, 4);
-         reinterpret_cast<char*>(world.data)[-1] = 0;
-         DisposeOf(c, world);
-       }),
-       {"above its first row"}},
-      {"written below a world",
-       Doing([](const Command& c) {
-         PF_EffectWorld world = NewWorld(c, 5, 4);
-         reinterpret_cast<char*>(world.data)[4 * world.rowbytes] = 0;
-         DisposeOf(c, world);
-       }),
-       {"below its last row"}},
       {"world disposed of through a changed record",
        Doing([](const Command& c) {
          PF_EffectWorld world = NewWorld(c, 5, 4);
@@ -243,15 +218,6 @@ std::vector<Misuse> Misuses() {
       {"undo group left",
        Doing([](const Command& c) { UndoOf(c)->AEGP_StartUndoGroup("Do"); }),
        {"left undo group 'Do'"}},
-      {"undo group ended twice",
-       Doing([](const Command& c) { UndoOf(c)->AEGP_EndUndoGroup(); }),
-       {"no undo group open"}},
-      {"quiet section left",
-       Doing([](const Command& c) {
-         AEGP_ErrReportState state{};
-         QuietOf(c)->AEGP_StartQuietErrors(&state);
-       }),
-       {"left quiet section"}},
       {"stream value left",
        Doing([](const Command& c) {
          const AEGP_EffectRefH effect = OwnReference(c);
@@ -305,9 +271,6 @@ std::vector<Misuse> Misuses() {
       {"exception let out",
        [](const Command&) -> PF_Err { throw std::runtime_error("oops"); },
        {"an exception (oops) left the plug-in"}},
-      {"int let out",
-       [](const Command&) -> PF_Err { throw 516; },
-       {"the int 516 left the plug-in"}},
   };
 }
 
@@ -422,49 +385,6 @@ TEST_F(HostTest, LogAndTraceTellWhatWasCalled) {
   EXPECT_EQ(made.command, "PF_Cmd_COMPLETELY_GENERAL");
   EXPECT_EQ(trace.find("> PF_Cmd_COMPLETELY_GENERAL\n  sprintf("), 0U) << trace;
   EXPECT_NE(trace.find("\n< PF_Cmd_COMPLETELY_GENERAL = 0\n"), std::string::npos) << trace;
-}
-
-TEST_F(HostTest, StreamsAreTheParametersOfTheInstance) {
-  Host& host = Start();
-  Do([](const Command& c) {
-    const AEGP_EffectRefH effect = OwnReference(c);
-    const AEGP_StreamRefH popup = StreamOf(c, effect, 3);
-    AEGP_StreamValue2 value{};
-    value.val.one_d = 2;
-    UndoOf(c)->AEGP_StartUndoGroup("Outer");
-    StreamsOf(c)->AEGP_SetStreamValue(probe::PluginId(), popup, &value);
-    UndoOf(c)->AEGP_EndUndoGroup();
-    Held<AEGP_DynamicStreamSuite4>(c, "AEGP Dynamic Stream Suite", 5)
-        ->AEGP_SetDynamicStreamFlag(popup, AEGP_DynStreamFlag_HIDDEN, 0, 1);
-    DisposeOf(c, popup);
-    DisposeOf(c, effect);
-    return PF_Err_NONE;
-  });
-  EXPECT_EQ(Renderer().parameters[3].Value(), 2);
-  EXPECT_TRUE(Renderer().parameters[3].Hidden());
-  EXPECT_FALSE(Renderer().parameters[1].Hidden());
-  ASSERT_EQ(host.Changes().size(), 1U);
-  EXPECT_EQ(host.Changes()[0].what, "QEZ_Tarvo_renderer parameter 3 = 2");
-  EXPECT_TRUE(host.Changes()[0].inUndoGroup);
-  EXPECT_EQ(host.UndoGroups(), std::vector<std::string>{"Outer"});
-  EXPECT_EQ(host.books.FirstMisuse(), "");
-}
-
-TEST_F(HostTest, InstancesKeepTheirOwnDataThroughDuplicationAndReopening) {
-  Host& host = Start();
-  RendererInstance& copy = host.Duplicate(Renderer());
-  EXPECT_EQ(copy.Position(), Renderer().Position() + 1);
-  EXPECT_NE(copy.sequenceData, Renderer().sequenceData);
-  EXPECT_EQ(host.memory.Bytes(Renderer().sequenceData)[0], 0);
-  EXPECT_EQ(host.memory.Bytes(copy.sequenceData)[0], 1) << "its copied bytes, then one resetup";
-  const PF_Handle before = copy.sequenceData;
-  host.SaveAndReopen();
-  EXPECT_NE(copy.sequenceData, before);
-  EXPECT_EQ(host.memory.Bytes(Renderer().sequenceData)[0], 1);
-  EXPECT_EQ(host.memory.Bytes(copy.sequenceData)[0], 2);
-  host.Remove(copy);
-  EXPECT_EQ(host.books.Count(Kind::kHandle), 1U);
-  EXPECT_EQ(host.books.FirstMisuse(), "");
 }
 
 // The receiver's four ways with an image, and what the host says to each.

@@ -46,12 +46,6 @@ TEST_F(ImageFile, LeavesTheFolderAsItWasWhenAPictureCannotBeWritten) {
   EXPECT_EQ(FilesInFolder(), 1U);
 }
 
-TEST_F(ImageFile, ReplacesAnOlderPictureAsAWhole) {
-  standin::WritePng(folder_ / "a.png", Picture(40, 40, Rgba{1, 2, 3, 255}));
-  standin::WritePng(folder_ / "a.png", Picture(1, 1));
-  EXPECT_EQ(standin::ReadPng(folder_ / "a.png"), Picture(1, 1));
-}
-
 TEST_F(ImageFile, RefusesEveryShorterPartOfAFile) {
   standin::WritePng(folder_ / "a.png", Picture(5, 5, Rgba{200, 100, 50, 255}));
   const std::string bytes = standin::ReadWholeFile(folder_ / "a.png");

@@ -95,13 +95,6 @@ TEST(SceneFile, FillsTheStackWithBonesAroundWhatHasAPlace) {
                                                               {Kind::kOther, 1}}));
 }
 
-TEST(SceneFile, LeavesUnsaidWhatAnEmptySceneDoesNotSay) {
-  const Scene scene = Read(R"({"size": [1, 30000], "bones": []})");
-  EXPECT_FALSE(scene.fast.has_value());
-  ASSERT_EQ(scene.stack.size(), 1U);
-  EXPECT_EQ(scene.stack[0].kind, Kind::kRenderer);
-}
-
 TEST(SceneFile, AStripIsAsWideAsItsRestAndHasEightPiecesUnlessSaid) {
   const Scene scene = Read(R"({"size": [9, 9], "images": {"tile": "tile.png"}, "bones": [
       {"name": "A", "image": "tile", "strip": {"rest": [[2, 16], [30, 16]], "width": 10,
@@ -125,17 +118,6 @@ TEST(SceneFile, NamesTheNearestOfWhatThereIs) {
             "scene.json: sice: unknown key, the nearest is \"size\"\n");
   EXPECT_EQ(Faults(R"({"size": [9, 9], "bones": [{"name": "A", "image": "b", "pieces": []}]})"),
             "scene.json: bones[0].image: no image is called \"b\"\n");
-}
-
-TEST(SceneFile, SaysThatAFileIsMissing) {
-  try {
-    standin::ReadScene(kBroken / "none.json");
-    FAIL();
-  } catch (const InputError& error) {
-    ASSERT_EQ(error.Lines().size(), 1U);
-    EXPECT_EQ(error.Lines()[0],
-              (kBroken / "none.json").string() + ": cannot be opened: No such file or directory");
-  }
 }
 
 TEST(SceneFile, RefusesDeepNestingWithoutRunningOutOfStack) {
