@@ -112,8 +112,9 @@ void SwitchHiddenOnInLayer(HostCalls& host, AEGP_CompH composition, A_long layer
   for (A_long position = 0; position < effects && host.Ok(); ++position) {
     HostReference<&AEGP_EffectSuite3::AEGP_DisposeEffect> effect(host);
     effect.Obtain(&AEGP_EffectSuite3::AEGP_GetLayerEffectByIndex, gPluginId, layer, position);
-    if (effect && HasMatchName(host, effect.Get(), kOwnMatchName))
+    if (effect && HasMatchName(host, effect.Get(), kOwnMatchName)) {
       SwitchHiddenOn(host, effect.Get());
+    }
   }
 }
 
