@@ -50,7 +50,7 @@ int Sprintf(A_char* buffer, const A_char* format, ...) {
           return 0;
         }
         std::array<A_char, kLongestText> text{};
-        // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized): va_start stands outside this function.
+        // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized): it was started outside.
         std::vsnprintf(text.data(), text.size(), format, arguments);
         return PutText(core, buffer, text.data(), "sprintf");
       },
