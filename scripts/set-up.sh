@@ -4,8 +4,8 @@
 cd "$(dirname "${BASH_SOURCE[0]}")/.." || exit 1
 
 packages=(
-  g++ cmake ninja-build
-  libegl-dev libgl-dev libglu1-mesa-dev libegl-mesa0 libgl1-mesa-dri  # OpenGL without a screen
+  g++ cmake ninja-build git
+  libegl-dev libgl-dev libopengl-dev libglu1-mesa-dev libegl-mesa0 libgl1-mesa-dri  # no screen needed
   nlohmann-json3-dev libcli11-dev libstb-dev                         # the stand-in host
   libgtest-dev googletest python3 python3-jsonschema                 # tests
   clang-format clang-tidy binutils
