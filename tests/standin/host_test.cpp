@@ -78,7 +78,6 @@ Interface InterfaceOf(const Command& c) { return {c, "AEGP PF Interface Suite", 
 Streams StreamsOf(const Command& c) { return {c, "AEGP Stream Suite", 9}; }
 Held<PF_HandleSuite1> HandlesOf(const Command& c) { return {c, kHandles, 2}; }
 Held<PF_WorldSuite1> WorldsOf(const Command& c) { return {c, kWorlds, 1}; }
-Held<AEGP_UtilitySuite5> QuietOf(const Command& c) { return {c, "AEGP Utility Suite", 11}; }
 Held<AEGP_UtilitySuite6> UndoOf(const Command& c) { return {c, "AEGP Utility Suite", 13}; }
 
 AEGP_EffectRefH OwnReference(const Command& c) {
