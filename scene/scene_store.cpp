@@ -63,12 +63,9 @@ Scene* SceneRegistry::Reach(PF_Handle sequenceData) {
     auto scene = std::make_unique<Scene>();
     store.scene = (scenes_[sequenceData] = std::move(scene)).get();
   }
-  return Knows(store.scene) ? store.scene : nullptr;
-}
-
-bool SceneRegistry::Knows(const Scene* scene) const {
-  return std::any_of(scenes_.begin(), scenes_.end(),
-                     [&](const auto& entry) { return entry.second.get() == scene; });
+  const auto own = scenes_.find(sequenceData);
+  const bool isOwn = own != scenes_.end() && own->second.get() == store.scene;
+  return isOwn ? store.scene : nullptr;
 }
 
 void SceneRegistry::Release(PF_Handle owner, SuiteHandler& suites, PF_ProgPtr effectRef) {

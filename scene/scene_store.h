@@ -19,12 +19,13 @@ struct SceneStore {
 /// The live scenes of the process, each with the handle whose store made it.
 ///
 /// Bytes from a saved project or from a duplicated instance name scenes that are gone or somebody
-/// else's: only what is entered here is ever followed, and a scene is released through the handle
-/// that owns it, never through the bytes in one.
+/// else's: a pointer is followed only in the handle whose scene it is, and a scene is released
+/// through the handle that owns it, never through the bytes in one.
 class SceneRegistry {
  public:
   /// The scene of the store in `sequenceData`, made and entered now if the store has none yet. Null
-  /// if there is no handle or no store in it, or if the store names a scene that is not ours.
+  /// if there is no handle or no store in it, or if the store names a scene that is not this
+  /// handle's.
   Scene* Reach(PF_Handle sequenceData);
 
   /// Releases the scene that `owner` made, if there is one: its taken worlds go back to the host
@@ -36,8 +37,6 @@ class SceneRegistry {
   void ReleaseAll(SuiteHandler& suites, PF_ProgPtr effectRef);
 
  private:
-  [[nodiscard]] bool Knows(const Scene* scene) const;
-
   std::unordered_map<PF_Handle, std::unique_ptr<Scene>> scenes_;
   std::vector<std::unique_ptr<Scene>> leftOver_;  ///< nobody's, but they still hold worlds
 };

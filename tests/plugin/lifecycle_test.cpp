@@ -175,6 +175,19 @@ TEST_F(LifecycleTest, SavedAndCopiedBytesAreNeverFollowed) {
   EXPECT_EQ(host.FrameSetup(original).width, 200);
 }
 
+/// A copy that could not be given a store of its own keeps the original's bytes: they lead nowhere.
+TEST_F(LifecycleTest, ACopyWithoutAStoreOfItsOwnDoesNotReachTheOriginals) {
+  Host& host = StartHost();
+  auto& original = host.AddRenderer(TheLayer());
+  SendOnePiece(host, original);
+  host.gate.FailOperation("host_new_handle");
+  auto& copy = host.Duplicate(original);
+  EXPECT_EQ(host.gate.Injected(), 1U);
+  CompanionSlot record{};
+  EXPECT_EQ(host.SendRecord(copy, &record).code, PF_Err_NONE);
+  EXPECT_EQ(StoreOf(original).scene->slots[0].quads.size(), 1U);
+}
+
 /// Bytes that look like a store of ours, in a handle that no resetup has seen.
 TEST_F(LifecycleTest, AStoreThatNamesAForeignSceneIsAsGoodAsNone) {
   Host& host = StartHost();

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <cstring>
 #include <random>
 
 namespace support {
@@ -23,12 +24,13 @@ class Dice {
   std::mt19937 generator_;
 };
 
-void SetRectangle(double (&points)[4][2], const Box& box) {
+/// Four points of a piece, which is packed: they are copied, not referred to.
+void SetRectangle(void* points, const Box& box) {
   const double right = box.left + box.width;
   const double bottom = box.top + box.height;
   const double corners[4][2] = {
       {box.left, box.top}, {right, box.top}, {right, bottom}, {box.left, bottom}};
-  std::copy(&corners[0][0], &corners[0][0] + 8, &points[0][0]);
+  std::memcpy(points, corners, sizeof corners);
 }
 
 /// A part of the image, one pixel off its border at least.
@@ -64,8 +66,8 @@ std::uint8_t Wave(double phase) {
 
 PieceQuad Piece(const Box& place, const Box& cut, double boneT, std::uint32_t imageSelect) {
   PieceQuad piece{};
-  SetRectangle(piece.corners, place);
-  SetRectangle(piece.texCoords, cut);
+  SetRectangle(&piece.corners, place);
+  SetRectangle(&piece.texCoords, cut);
   piece.boneT = boneT;
   piece.imageSelect = imageSelect;
   return piece;
