@@ -7,8 +7,10 @@ target_compile_options(tarvo_options INTERFACE
   -Wall -Wextra -Wpedantic -Werror -Wshadow -Wconversion -Wsign-conversion -Wold-style-cast
   -Wnon-virtual-dtor -Woverloaded-virtual -Wimplicit-fallthrough
   -Wno-missing-field-initializers)  # a designated initializer names what differs from the default
-# No path of the building machine in a binary.
-target_compile_options(tarvo_options INTERFACE -ffile-prefix-map=${PROJECT_SOURCE_DIR}/=)
+# No path of the building machine in a binary. The build folder may lie in the source folder, and the
+# last map that fits is the one that counts.
+target_compile_options(tarvo_options INTERFACE
+  -ffile-prefix-map=${PROJECT_SOURCE_DIR}/= -ffile-prefix-map=${PROJECT_BINARY_DIR}=.)
 # The bytes of a picture must not depend on the processor: no fused multiply-add behind our back.
 target_compile_options(tarvo_options INTERFACE -ffp-contract=off)
 

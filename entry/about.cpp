@@ -6,7 +6,8 @@
 namespace tarvo {
 namespace {
 
-/// The version that users know; hosts go by another one.
+/// The text's own number, fixed: users of the rigging tool tell by it which renderer they have.
+/// Hosts go by another one (registration.h), and releases are counted by a third (CMakeLists.txt).
 constexpr int kMajor = 1;
 constexpr int kMinor = 0;
 constexpr int kThird = 3;

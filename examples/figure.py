@@ -27,7 +27,20 @@ def card(name, image, z, size, pivot, at, scale=1, turn=0, mirrored=False):
     return {"name": name, "image": image, "z": z, "pieces": [piece]}
 
 
-def write_scene(name, size, images, bones, **others):
+def one_a_line(items, brackets, indent):
+    """JSON items, a line each, between brackets."""
+    space = " " * indent
+    return brackets[0] + f"\n{space}  " + f",\n{space}  ".join(items) + f"\n{space}" + brackets[1]
+
+
+def frames_text(frames):
+    """The frames of an animation with the keys of one bone to a line."""
+    members = [f"{json.dumps(key)}: {json.dumps(value)}" for key, value in frames.items() if key != "bones"]
+    keys = [f"{json.dumps(bone)}: {json.dumps(tracks)}" for bone, tracks in frames["bones"].items()]
+    return one_a_line(members + ['"bones": ' + one_a_line(keys, "{}", 4)], "{}", 2)
+
+
+def write_scene(name, size, images, bones, frames=None, **others):
     """Writes NAME/NAME.json beside this file; each image's file is named as the image.
 
     One bone stands to a line, so that a change to one bone is a change to one line.
@@ -35,7 +48,9 @@ def write_scene(name, size, images, bones, **others):
     files = {image: f"{image}.png" for image in images}
     lines = [f'  "size": {json.dumps(size)}', f'  "images": {json.dumps(files)}']
     lines += [f"  {json.dumps(key)}: {json.dumps(value)}" for key, value in others.items()]
-    lines.append('  "bones": [\n    ' + ",\n    ".join(json.dumps(b) for b in bones) + "\n  ]")
+    lines.append('  "bones": ' + one_a_line([json.dumps(b) for b in bones], "[]", 2))
+    if frames:
+        lines.append('  "frames": ' + frames_text(frames))
     path = pathlib.Path(__file__).with_name(name) / f"{name}.json"
     path.write_text("{\n" + ",\n".join(lines) + "\n}\n")
     print(f"{path.name}: {len(bones)} bones")

@@ -9,6 +9,8 @@ packages=(
   nlohmann-json3-dev libcli11-dev libstb-dev                         # the stand-in host
   libgtest-dev googletest python3 python3-jsonschema                 # tests
   clang-format clang-tidy binutils
+  g++-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64 zip           # the Windows build, archives
+  wine wine64 xvfb xauth                                             # its tests
 )
 
 have() { dpkg-query -W -f '${Status}' "$1" 2>/dev/null | grep -q ' installed$'; }

@@ -87,7 +87,10 @@ struct AEGP_EffectSuite {
                                                AEGP_InstalledEffectKey* installed_keyP);
   void* reserved_3;
   A_Err (*AEGP_GetEffectFlags)(AEGP_EffectRefH effect_refH, AEGP_EffectFlags* effect_flagsP);
-  void* reserved_5_7[3];
+  void* reserved_5_6[2];
+  /// Has an effect answer a command; to be had from version 3, which brought the command in.
+  A_Err (*AEGP_EffectCallGeneric)(AEGP_PluginID aegp_plugin_id, AEGP_EffectRefH effect_refH,
+                                  const A_Time* timePT, PF_Cmd effect_cmd, void* effect_extraPV);
   A_Err (*AEGP_DisposeEffect)(AEGP_EffectRefH effect_refH);
   void* reserved_9_13[5];
   A_Err (*AEGP_GetEffectMatchName)(AEGP_InstalledEffectKey installed_key, A_char* utf_match_nameZ);
@@ -101,6 +104,7 @@ SDK_SLOT(AEGP_EffectSuite2, AEGP_GetLayerNumEffects, 0);
 SDK_SLOT(AEGP_EffectSuite2, AEGP_GetLayerEffectByIndex, 1);
 SDK_SLOT(AEGP_EffectSuite2, AEGP_GetInstalledKeyFromLayerEffect, 2);
 SDK_SLOT(AEGP_EffectSuite2, AEGP_GetEffectFlags, 4);
+SDK_SLOT(AEGP_EffectSuite3, AEGP_EffectCallGeneric, 7);
 SDK_SLOT(AEGP_EffectSuite2, AEGP_DisposeEffect, 8);
 SDK_SLOT(AEGP_EffectSuite2, AEGP_GetEffectMatchName, 14);
 

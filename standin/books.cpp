@@ -166,25 +166,28 @@ std::vector<std::string> Books::OutstandingAfterCall() const {
   return described;
 }
 
-void Books::CloseCall(std::string_view command) {
+void Books::CloseCall(std::string_view command, std::uint64_t since) {
   if (!Balanced()) {
-    WriteOff(command, IsTemporary);
+    WriteOff(command, since, IsTemporary);
   }
 }
 
 void Books::CloseLife(std::string_view command) {
-  WriteOff(command, [](Kind kind) { return kind == Kind::kHandle || kind == Kind::kWorld; });
+  WriteOff(command, 0, [](Kind kind) { return kind == Kind::kHandle || kind == Kind::kWorld; });
 }
 
-void Books::WriteOff(std::string_view command, bool (*concerns)(Kind)) {
+void Books::WriteOff(std::string_view command, std::uint64_t since, bool (*concerns)(Kind)) {
+  const auto isDue = [&](const Entry& entry) {
+    return entry.alive && entry.number >= since && concerns(entry.kind);
+  };
   for (const Entry* entry : Living()) {
-    if (concerns(entry->kind)) {
+    if (isDue(*entry)) {
       Misuse(std::string(command) + " left " + Describe(*entry) +
              " outstanding; it should have been given back");
     }
   }
   for (auto& [name, entry] : entries_) {
-    if (entry.alive && concerns(entry.kind)) {
+    if (isDue(entry)) {
       Bury(name, entry);
     }
   }

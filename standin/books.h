@@ -67,8 +67,11 @@ class Books {
   /// references, streams, stream values, undo groups, quiet sections, locks.
   [[nodiscard]] std::vector<std::string> OutstandingAfterCall() const;
   [[nodiscard]] bool Balanced() const;
-  /// Notes each of OutstandingAfterCall as a misuse and writes it off, so that it is told once.
-  void CloseCall(std::string_view command);
+  /// The number that the next entry will have; later entries have higher ones.
+  [[nodiscard]] std::uint64_t NextNumber() const { return next_; }
+  /// Notes each of OutstandingAfterCall that was entered since as a misuse and writes it off, so
+  /// that it is told once.
+  void CloseCall(std::string_view command, std::uint64_t since);
 
   /// Notes every handle and world that is out as a misuse and writes it off: the plug-in is gone.
   void CloseLife(std::string_view command);
@@ -95,7 +98,7 @@ class Books {
 
   Entry* Check(Kind kind, const void* name, std::string_view who);
   void Open(Kind kind, const void* name, std::string label, void* subject);
-  void WriteOff(std::string_view command, bool (*concerns)(Kind));
+  void WriteOff(std::string_view command, std::uint64_t since, bool (*concerns)(Kind));
   void Bury(const void* name, Entry& entry);
   [[nodiscard]] std::vector<const Entry*> Living() const;
   [[nodiscard]] static std::string Describe(const Entry& entry);

@@ -9,7 +9,7 @@
 namespace standin {
 
 /// The index of the companion's parameter that goes up whenever the renderer asks it to send again.
-inline constexpr int kNudgeParameter = 89;
+inline constexpr int kNudgeParameter = TARVO_NUDGE_PARAMETER;
 
 /// One image of a companion, and whether the renderer has yet to be given it.
 struct CompanionImage {

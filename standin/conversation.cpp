@@ -21,7 +21,9 @@ ByteRange RangeOfHandle(std::size_t offset) { return {offset, sizeof(PF_Handle)}
 /// The host's side of one call: its context is current before and, if all went well, after.
 class Turn {
  public:
-  Turn(Core& core, std::string name) : core_(core), name_(std::move(name)) {
+  Turn(Core& core, std::string name)
+      : core_(core), name_(std::move(name)), since_(core.books.NextNumber()) {
+    SetActiveCore(&core_);
     core_.underWay = name_;
     core_.gate.SetCommand(name_);
     core_.gate.Note("> " + name_);
@@ -34,6 +36,7 @@ class Turn {
   Turn(const Turn&) = delete;
   Turn& operator=(const Turn&) = delete;
   ~Turn() {
+    SetActiveCore(previous_);
     core_.underWay.clear();
     core_.gate.SetCommand("");
   }
@@ -58,7 +61,7 @@ class Turn {
   void Finish(PF_Err code) {
     core_.gate.Note("< " + name_ + " = " + std::to_string(code));
     CheckContext();
-    core_.WriteOff(name_);
+    core_.WriteOff(name_, since_);
     core_.worlds.CheckGuards(name_);
   }
 
@@ -84,7 +87,9 @@ class Turn {
   }
 
   Core& core_;
+  Core* const previous_ = ActiveCore();  ///< several hosts may live; callbacks are for one of them
   std::string name_;
+  std::uint64_t since_;  ///< what is entered in the books from here on is the call's own
 };
 
 std::string MessageOf(Core& core, const PF_OutData& out) {

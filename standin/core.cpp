@@ -41,12 +41,12 @@ Core::Core(PF_EntryPoint plugin, HostOptions hostOptions)
   AddUtilitySuites(*this);
 }
 
-RendererInstance* Core::Instance(PF_ProgPtr reference, std::string_view who) {
+Effect* Core::Instance(PF_ProgPtr reference, std::string_view who) {
   if (reference == pluginRef) {
     Refuse(who, "the effect_ref of no instance");
     return nullptr;
   }
-  return books.Find<RendererInstance>(Kind::kProgramRef, reference, who);
+  return books.Find<Effect>(Kind::kProgramRef, reference, who);
 }
 
 std::vector<RendererInstance*> Core::Instances() {
@@ -75,12 +75,15 @@ AEGP_EffectRefH Core::NewEffectRef(Effect& effect) {
 }
 
 bool Core::IsPluginId(AEGP_PluginID id, std::string_view who) {
-  if (id == pluginId && id != 0) {
-    return true;
+  std::string given;
+  for (const auto& [name, number] : pluginIds) {
+    if (id == number) {
+      return true;
+    }
+    given += (given.empty() ? "" : " and ") + std::to_string(number);
   }
-  Refuse(who,
-         "plug-in number " + std::to_string(id) + "; " +
-             (pluginId == 0 ? "none was given out" : std::to_string(pluginId) + " was given out"));
+  Refuse(who, "plug-in number " + std::to_string(id) + "; " + (given.empty() ? "none" : given) +
+                  " was given out");
   return false;
 }
 
@@ -107,13 +110,19 @@ void Core::NoteChange(std::string what) {
                      openUndoGroups.empty() ? "" : openUndoGroups.front().name});
 }
 
-void Core::WriteOff(const std::string& command) {
-  books.CloseCall(command);
+void Core::WriteOff(const std::string& command, std::uint64_t since) {
+  books.CloseCall(command, since);
   memory.ForgetLocks();
-  heldSuites.clear();
-  streams.clear();
-  quietSections.clear();
-  openUndoGroups.clear();
+  for (auto& [suite, held] : heldSuites) {
+    std::erase_if(held, [&](const void* name) { return !books.Alive(Kind::kSuite, name); });
+  }
+  std::erase_if(streams,
+                [&](const auto& stream) { return !books.Alive(Kind::kStream, stream.first); });
+  std::erase_if(quietSections,
+                [&](const void* name) { return !books.Alive(Kind::kQuietSection, name); });
+  std::erase_if(openUndoGroups, [&](const OpenUndoGroup& group) {
+    return !books.Alive(Kind::kUndoGroup, group.token);
+  });
 }
 
 PF_Err Core::Refuse(std::string_view who, const std::string& what) {

@@ -41,13 +41,13 @@ struct Core {
   Core(PF_EntryPoint plugin, HostOptions hostOptions);
 
   /// The effect instance behind a program reference; null, with the misuse noted, for any other.
-  RendererInstance* Instance(PF_ProgPtr reference, std::string_view who);
+  Effect* Instance(PF_ProgPtr reference, std::string_view who);
   /// All instances of the plug-in in the project.
   std::vector<RendererInstance*> Instances();
   /// The effect behind an effect reference; null, with the misuse noted, for any other.
   Effect* EffectOf(AEGP_EffectRefH reference, std::string_view who);
   AEGP_EffectRefH NewEffectRef(Effect& effect);
-  /// True iff this is the number that the plug-in was given; otherwise notes the misuse.
+  /// True iff this is a number that a plug-in was given; otherwise notes the misuse.
   bool IsPluginId(AEGP_PluginID id, std::string_view who);
   /// The number under which an effect of this match name is installed.
   AEGP_InstalledEffectKey InstalledKey(const std::string& matchName);
@@ -56,8 +56,9 @@ struct Core {
   AEGP_LayerH LayerHandle(Layer& layer);
   /// Notes a change of the project.
   void NoteChange(std::string what);
-  /// Ends a call: what is still out and should not be is noted as a misuse, once, and forgotten.
-  void WriteOff(const std::string& command);
+  /// Ends a call: what was handed out since (an entry number of the books), is still out and should
+  /// not be is noted as a misuse, once, and forgotten.
+  void WriteOff(const std::string& command, std::uint64_t since);
   /// Notes a misuse; PF_Err_BAD_CALLBACK_PARAM.
   PF_Err Refuse(std::string_view who, const std::string& what);
   /// Stores the object's name, issued when it is first asked for.
@@ -100,7 +101,7 @@ struct Core {
   std::list<std::string> declaredTexts;      ///< of popups and checkboxes, kept alive
   std::optional<PF_EffectWorld> inputLayer;  ///< the pixels of parameter 0, made when first needed
 
-  AEGP_PluginID pluginId = 0;
+  std::map<std::string, AEGP_PluginID> pluginIds;  ///< by the name of who registered
   AEGP_GlobalRefcon globalRefcon = nullptr;
   std::vector<IdleHookEntry> idleHooks;
   std::vector<std::string> reports;

@@ -1,5 +1,6 @@
 #include "sdk/aegp_suites.h"
 #include "standin/callback.h"
+#include "standin/conversation.h"
 
 namespace standin {
 namespace {
@@ -16,7 +17,7 @@ Layer* LayerOf(Core& core, AEGP_LayerH layer, std::string_view who) {
 }
 
 A_Err GetEffectLayer(Core& core, PF_ProgPtr effect, AEGP_LayerH* layer) {
-  const RendererInstance* instance = core.Instance(effect, "AEGP_GetEffectLayer");
+  const Effect* instance = core.Instance(effect, "AEGP_GetEffectLayer");
   if (instance == nullptr || layer == nullptr) {
     return PF_Err_BAD_CALLBACK_PARAM;
   }
@@ -26,7 +27,7 @@ A_Err GetEffectLayer(Core& core, PF_ProgPtr effect, AEGP_LayerH* layer) {
 
 A_Err GetNewEffectForEffect(Core& core, AEGP_PluginID id, PF_ProgPtr effect,
                             AEGP_EffectRefH* reference) {
-  RendererInstance* instance = core.Instance(effect, "AEGP_GetNewEffectForEffect");
+  Effect* instance = core.Instance(effect, "AEGP_GetNewEffectForEffect");
   if (!core.IsPluginId(id, "AEGP_GetNewEffectForEffect") || instance == nullptr ||
       reference == nullptr) {
     return PF_Err_BAD_CALLBACK_PARAM;
@@ -76,6 +77,23 @@ A_Err GetEffectFlags(Core& core, AEGP_EffectRefH effect, AEGP_EffectFlags* flags
   return A_Err_NONE;
 }
 
+/// Of the effects on this host, the plug-in alone can be called, and is for what companions send.
+A_Err EffectCallGeneric(Core& core, AEGP_PluginID id, AEGP_EffectRefH effect, const A_Time* time,
+                        PF_Cmd command, void* extra) {
+  auto* renderer = dynamic_cast<RendererInstance*>(core.EffectOf(effect, "AEGP_EffectCallGeneric"));
+  if (!core.IsPluginId(id, "AEGP_EffectCallGeneric")) {
+    return PF_Err_BAD_CALLBACK_PARAM;
+  }
+  if (renderer == nullptr || time == nullptr || command != PF_Cmd_COMPLETELY_GENERAL) {
+    return core.Refuse("AEGP_EffectCallGeneric",
+                       "no time, another effect than the renderer, or another command than "
+                       "PF_Cmd_COMPLETELY_GENERAL");
+  }
+  Records records = MakeRecords(core, renderer);
+  records.extra = extra;
+  return Converse(core, command, records).code;
+}
+
 A_Err DisposeEffect(Core& core, AEGP_EffectRefH effect) {
   return core.books.Remove(Kind::kEffectRef, effect, "AEGP_DisposeEffect")
              ? A_Err_NONE
@@ -113,7 +131,9 @@ void AddEffectSuites(Core& core) {
   fromEffect.AEGP_GetNewEffectForEffect =
       Operation<"AEGP_GetNewEffectForEffect", GetNewEffectForEffect>::Call;
   Fill(core.suites.Add<AEGP_EffectSuite2>("AEGP Effect Suite", 2));
-  Fill(core.suites.Add<AEGP_EffectSuite3>("AEGP Effect Suite", 3));
+  auto& latest = core.suites.Add<AEGP_EffectSuite3>("AEGP Effect Suite", 3);
+  Fill(latest);
+  latest.AEGP_EffectCallGeneric = Operation<"AEGP_EffectCallGeneric", EffectCallGeneric>::Call;
 }
 
 }  // namespace standin

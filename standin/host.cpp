@@ -13,10 +13,6 @@ Core& MakeActive(std::unique_ptr<Core>& core, PF_EntryPoint entryPoint, HostOpti
   if (entryPoint == nullptr) {
     throw std::logic_error("a host needs the plug-in's entry point; it was given none");
   }
-  if (ActiveCore() != nullptr) {
-    throw std::logic_error(
-        "another host is active in this process; its callbacks can serve one at a time");
-  }
   core = std::make_unique<Core>(entryPoint, std::move(options));
   SetActiveCore(core.get());
   return *core;
@@ -38,7 +34,7 @@ void TakeOver(Core& core, const PF_OutData& out) {
 void ForgetPlugin(Core& core) {
   core.declared.clear();
   core.idleHooks.clear();
-  core.pluginId = 0;
+  core.pluginIds.clear();
   core.globalRefcon = nullptr;
 }
 
@@ -110,7 +106,9 @@ Host::~Host() {
   } catch (...) {
     core_->books.Misuse("the host could not be closed");
   }
-  SetActiveCore(nullptr);
+  if (ActiveCore() == core_.get()) {
+    SetActiveCore(nullptr);
+  }
 }
 
 CommandResult Host::GlobalSetup() {

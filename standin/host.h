@@ -92,14 +92,10 @@ struct SendResult {
 /// An instance of the plug-in on a layer.
 class RendererInstance : public Effect {
  public:
-  RendererInstance(Layer& layer, PF_ProgPtr reference)
-      : Effect(layer, kRendererMatchName), programRef(reference) {}
+  explicit RendererInstance(Layer& layer) : Effect(layer, kRendererMatchName) {}
 
   InstanceState state = InstanceState::kNew;
-  PF_ProgPtr programRef;  ///< the host's name for it
   PF_Handle sequenceData = nullptr;
-  /// False: asked for the instance's layer, the host succeeds with null.
-  bool layerIsKnown = true;
   CommandResult setup;  ///< of the last sequence setup or resetup
 };
 
@@ -113,7 +109,8 @@ struct Change {
 struct Core;
 
 /// The host: it owns a project and its own OpenGL context, sends the plug-in its commands and
-/// answers what the plug-in asks. One host is active in a process at a time.
+/// answers what the plug-in asks. Several hosts may live in a process;
+/// callbacks go to the one whose call is under way, and between calls to the one made last.
 ///
 ///   GlobalSetup ParamsSetup (AddRenderer (Send | SetParameter | UpdateParamsUi | FrameSetup |
 ///   Render | Idle | Duplicate | SaveAndReopen)* Remove)* GlobalSetdown
@@ -124,8 +121,7 @@ struct Core;
 /// A command that comes at the wrong time throws LifeCycleError.
 class Host {
  public:
-  /// Throws std::logic_error when another host is active, std::runtime_error when no OpenGL context
-  /// can be made.
+  /// Throws std::runtime_error when no OpenGL context can be made.
   explicit Host(PF_EntryPoint entryPoint, HostOptions options = {});
   Host(const Host&) = delete;
   Host& operator=(const Host&) = delete;

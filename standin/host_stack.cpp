@@ -10,13 +10,13 @@ namespace {
 
 constexpr int kPlainParameters = 4;
 
-PF_ProgPtr NewReference(Core& core, RendererInstance& instance) {
+PF_ProgPtr NewReference(Core& core, Effect& effect) {
   return Core::AsHandle<PF_ProgPtr>(
-      core.books.Issue(Kind::kProgramRef, instance.OnLayer().name, &instance));
+      core.books.Issue(Kind::kProgramRef, effect.OnLayer().name, &effect));
 }
 
 RendererInstance& Insert(Core& core, Layer& layer, int position) {
-  auto owned = std::make_unique<RendererInstance>(layer, nullptr);
+  auto owned = std::make_unique<RendererInstance>(layer);
   RendererInstance& instance = *owned;
   instance.programRef = NewReference(core, instance);
   instance.parameters = core.declared;
@@ -36,6 +36,7 @@ RendererInstance& Host::AddRenderer(Layer& layer, int position) {
 Companion& Host::AddCompanion(Layer& layer, const std::string& boneName, int position) {
   auto owned = std::make_unique<Companion>(layer, boneName);
   Companion& companion = *owned;
+  companion.programRef = NewReference(*core_, companion);
   layer.Insert(std::move(owned), position);
   return companion;
 }
@@ -55,7 +56,9 @@ CommandResult Host::Remove(Effect& effect) {
       ExpectInstance(*core_, "Remove", *instance);
       result = SetDown(*core_, *instance);
     }
-    core_->books.Remove(Kind::kProgramRef, instance->programRef, "the host");
+  }
+  if (effect.programRef != nullptr) {
+    core_->books.Remove(Kind::kProgramRef, effect.programRef, "the host");
   }
   effect.OnLayer().Take(effect);
   return result;

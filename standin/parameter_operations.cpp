@@ -73,7 +73,7 @@ PF_Err AddParameter(Core& core, PF_ProgPtr effect, PF_ParamIndex index, PF_Param
 
 PF_Err UpdateParamUi(Core& core, PF_ProgPtr effect, PF_ParamIndex index,
                      const PF_ParamDef* definition) {
-  RendererInstance* instance = core.Instance(effect, "PF_UpdateParamUI");
+  Effect* instance = core.Instance(effect, "PF_UpdateParamUI");
   if (instance == nullptr) {
     return PF_Err_BAD_CALLBACK_PARAM;
   }

@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <chrono>
-#include <cstdint>
+#include <cmath>
+#include <cstring>
+#include <map>
 #include <string_view>
 #include <utility>
 
@@ -47,6 +49,20 @@ PieceQuad ToQuad(const Piece& piece) {
   return quad;
 }
 
+/// What a bone shows: nothing while it is switched off.
+std::vector<PieceQuad> Quads(const Bone& bone) {
+  std::vector<PieceQuad> quads;
+  if (bone.active) {
+    std::ranges::transform(bone.pieces, std::back_inserter(quads), ToQuad);
+  }
+  return quads;
+}
+
+bool AreSame(const std::vector<PieceQuad>& a, const std::vector<PieceQuad>& b) {
+  return a.size() == b.size() &&
+         (a.empty() || std::memcmp(a.data(), b.data(), a.size() * sizeof a.front()) == 0);
+}
+
 /// What is to be said of a life that is over; nothing if all went well.
 std::vector<std::string> Findings(const Host& host, std::vector<std::string> complaints) {
   const auto& misuses = host.books.Misuses();
@@ -57,6 +73,34 @@ std::vector<std::string> Findings(const Host& host, std::vector<std::string> com
     }
   }
   return complaints;
+}
+
+/// The host's time at a frame, in frames of 1/25 second.
+int HostTime(const Animation& animation, int frame) {
+  return static_cast<int>(std::lround(frame * (25.0 / animation.rate)));
+}
+
+/// Everything but the end of the host.
+Traffic Run(Host& host, const Animation& animation, const std::vector<int>& frames,
+            const PlayOptions& options, const TakeFrame& take) {
+  Scene scene = animation.scene;
+  Performance performance(host, scene);
+  bool isOpen = false;
+  for (const int frame : frames) {
+    MoveTo(scene, animation, frame);
+    if (isOpen) {
+      performance.GoOn(options);
+    } else {
+      performance.Open();
+      performance.Change(options);
+      isOpen = true;
+    }
+    PlayedFrame played = performance.Render(options.downsample, HostTime(animation, frame));
+    if (!host.books.Misuses().empty() || !take(frame, std::move(played))) {
+      break;
+    }
+  }
+  return performance.Sent();
 }
 
 }  // namespace
@@ -75,8 +119,12 @@ void Performance::Open() {
   CommandResult idle;
   idle.code = host_.Idle();
   Expect("the idle hook", idle);
-  Expect("the update of labels", host_.UpdateParamsUi(*renderer_));
-  std::ranges::for_each(actors_, [this](Actor& actor) { Send(actor); });
+  UpdateLabels();
+  for (Actor& actor : actors_) {
+    if (actor.companion->active) {
+      Send(actor);
+    }
+  }
 }
 
 void Performance::BuildStack() {
@@ -86,7 +134,7 @@ void Performance::BuildStack() {
   for (const StackEntry& entry : scene_.stack) {
     switch (entry.kind) {
       case StackEntry::Kind::kBone:
-        AddBone(layer, scene_.bones[entry.index]);
+        AddBone(layer, entry.index);
         break;
       case StackEntry::Kind::kOther: {
         const OtherEffect& other = scene_.effects[entry.index];
@@ -102,36 +150,89 @@ void Performance::BuildStack() {
   }
 }
 
-void Performance::AddBone(Layer& layer, const Bone& bone) {
-  Companion& companion = host_.AddCompanion(layer, bone.name);
-  companion.active = bone.active;
-  companion.imageA.opacity = bone.opacity;
-  companion.imageA.Set(scene_.images[bone.image].picture);
-  if (bone.imageB) {
-    companion.imageB.opacity = bone.opacityB;
-    companion.imageB.Set(scene_.images[*bone.imageB].picture);
+void Performance::AddBone(Layer& layer, std::size_t bone) {
+  Companion& companion = host_.AddCompanion(layer, scene_.bones[bone].name);
+  companion.active = scene_.bones[bone].active;
+  actors_.push_back({.bone = bone, .companion = &companion, .answered = companion.NudgeCounter()});
+  Dress(actors_.back());
+}
+
+void Performance::Dress(Actor& actor) {
+  const Bone& bone = scene_.bones[actor.bone];
+  std::vector<PieceQuad> quads = Quads(bone);
+  if (!AreSame(quads, actor.companion->pieces)) {
+    actor.companion->pieces = std::move(quads);
+    actor.hasNews = true;
   }
-  std::ranges::transform(bone.pieces, std::back_inserter(companion.pieces), ToQuad);
-  if (bone.active) {
-    actors_.push_back({&companion, companion.NudgeCounter()});
+  if (bone.active) {  // one that is off keeps its images for its return
+    Show(actor.companion->imageA, actor.imageA, {bone.image, bone.opacity}, actor);
+    Show(actor.companion->imageB, actor.imageB, {bone.imageB, bone.opacityB}, actor);
   }
+}
+
+void Performance::Show(CompanionImage& image, Shown& shown, const Shown& wanted, Actor& actor) {
+  if (!wanted.image || wanted == shown) {
+    return;
+  }
+  image.Set(scene_.images[*wanted.image].picture);
+  image.opacity = wanted.opacity;
+  shown = wanted;
+  actor.hasNews = true;
 }
 
 void Performance::Send(Actor& actor) {
-  Expect("the message of " + actor.companion->groupName,
-         host_.Send(*actor.companion, *renderer_).command);
+  const SendResult result = host_.Send(*actor.companion, *renderer_);
+  Expect("the message of " + actor.companion->groupName, result.command);
   actor.answered = actor.companion->NudgeCounter();
+  actor.hasNews = false;
+  ++sent_.messages;
+  sent_.images += (result.tookA ? 1U : 0U) + (result.tookB ? 1U : 0U);
+}
+
+void Performance::UpdateLabels() {
+  Expect("the update of labels", host_.UpdateParamsUi(*renderer_));
 }
 
 void Performance::Change(const PlayOptions& options) {
+  MoveSliders(options);
+  for (Actor& actor : actors_) {
+    if (actor.hasNews || actor.companion->NudgeCounter() != actor.answered) {
+      Send(actor);
+    }
+  }
+}
+
+void Performance::GoOn(const PlayOptions& options) {
+  bool isSwitched = false;
+  for (Actor& actor : actors_) {
+    const bool active = scene_.bones[actor.bone].active;
+    if (actor.companion->active != active) {
+      actor.companion->active = active;
+      actor.hasNews = true;  // the others' numbers change too: one message tells the plug-in
+      isSwitched = true;
+    }
+    Dress(actor);
+  }
+  if (isSwitched) {
+    UpdateLabels();
+  }
+  Change(options);
+}
+
+void Performance::MoveSliders(const PlayOptions& options) {
+  std::map<int, double> wanted;
+  for (const int index : moved_) {
+    wanted[index] = host_.DeclaredParameters()[static_cast<std::size_t>(index)].Value();
+  }
   for (const ParameterChange& change : Changes(options)) {
     ExpectDeclared(change.index);
-    Expect("the change of " + renderer_->parameters[static_cast<std::size_t>(change.index)].Name(),
-           host_.SetParameter(*renderer_, change.index, change.value));
+    wanted[change.index] = change.value;
   }
-  for (Actor& actor : actors_) {
-    if (actor.companion->NudgeCounter() != actor.answered) {
-      Send(actor);
+  for (const auto& [index, value] : wanted) {
+    const Parameter& parameter = renderer_->parameters[static_cast<std::size_t>(index)];
+    if (parameter.Value() != value) {
+      moved_.insert(index);
+      Expect("the change of " + parameter.Name(), host_.SetParameter(*renderer_, index, value));
     }
   }
 }
@@ -167,9 +268,9 @@ std::vector<ParameterChange> Performance::Changes(const PlayOptions& options) co
   return changes;
 }
 
-PlayedFrame Performance::Render(int downsample) {
+PlayedFrame Performance::Render(int downsample, int time) {
   const auto denominator = static_cast<A_u_long>(downsample);
-  const FrameRequest request{.downsampleX = denominator, .downsampleY = denominator};
+  const FrameRequest request{.downsampleX = denominator, .downsampleY = denominator, .time = time};
   const auto start = std::chrono::steady_clock::now();
   RenderResult result = host_.Render(*renderer_, request);
   const std::chrono::duration<double, std::milli> spent = std::chrono::steady_clock::now() - start;
@@ -182,13 +283,22 @@ PlayedFrame Performance::Render(int downsample) {
 }
 
 PlayedFrame Play(Host& host, const Scene& scene, const PlayOptions& options) {
+  Animation still;
+  still.scene = scene;
   PlayedFrame frame;
+  PlayFrames(host, still, {0}, options, [&](int /*number*/, PlayedFrame played) {
+    frame = std::move(played);
+    return true;
+  });
+  return frame;
+}
+
+Traffic PlayFrames(Host& host, const Animation& animation, const std::vector<int>& frames,
+                   const PlayOptions& options, const TakeFrame& take) {
+  Traffic traffic;
   std::vector<std::string> complaints;
   try {
-    Performance performance(host, scene);
-    performance.Open();
-    performance.Change(options);
-    frame = performance.Render(options.downsample);
+    traffic = Run(host, animation, frames, options, take);
   } catch (const PluginError& error) {
     complaints = error.Lines();
   }
@@ -196,7 +306,7 @@ PlayedFrame Play(Host& host, const Scene& scene, const PlayOptions& options) {
   if (const auto lines = Findings(host, complaints); !lines.empty()) {
     throw PluginError(lines);
   }
-  return frame;
+  return traffic;
 }
 
 }  // namespace standin

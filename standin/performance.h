@@ -1,11 +1,14 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <optional>
+#include <set>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
+#include "standin/animation.h"
 #include "standin/host.h"
 #include "standin/performance_settings.h"
 #include "standin/picture.h"
@@ -13,11 +16,20 @@
 
 namespace standin {
 
+/// The host lowers its resolution to at most 1/99.
+inline constexpr int kCoarsestDownsample = 99;
+
 /// What is asked for over and above the scene itself.
 struct PlayOptions {
   std::optional<bool> fast;       ///< over the scene's own
   std::vector<Setting> settings;  ///< after the scene's own
   int downsample = 1;             ///< 2 is half resolution, and so on
+};
+
+/// What went to the plug-in from the companions.
+struct Traffic {
+  std::size_t messages = 0;
+  std::size_t images = 0;  ///< taken over by the plug-in
 };
 
 /// A frame, and what is worth saying about it.
@@ -39,9 +51,9 @@ class PluginError : public std::runtime_error {
 };
 
 /// Plays a scene on a host as users and companions would: the plug-in starts, every effect of the
-/// scene comes onto a layer, sliders change, frames are asked for.
+/// scene comes onto a layer, sliders change, frames are asked for, and the scene moves on.
 ///
-///   Open (Change | Render)* ; the host's Close ends it
+///   Open (Change | GoOn | Render)* ; the host's Close ends it
 ///
 /// Every step throws PluginError as soon as a command is answered with an error.
 class Performance {
@@ -52,35 +64,72 @@ class Performance {
   /// Global set-up, parameters, the effect stack with the renderer's sequence set-up, idle time,
   /// the update of labels, and the first message of every active companion.
   void Open();
-  /// Moves sliders as a user would: the bones' z, fast, then the scene's settings and those given.
-  /// The companions that were nudged send again. Throws InputError, with nothing moved, when a
-  /// setting fits no visible slider.
+  /// Moves the sliders that do not stand yet as the scene and the options ask, as a user would: the
+  /// bones' z, fast, then the scene's settings and those given; a slider that nothing asks for any
+  /// more goes back to its default. The companions that were nudged send again. Throws InputError,
+  /// with nothing moved, when a setting fits no visible slider.
   void Change(const PlayOptions& options);
-  /// Frame set-up and render.
-  PlayedFrame Render(int downsample);
+  /// Follows the scene, which was moved: effects are switched on and off, sliders change, and the
+  /// companions with another look or that were nudged send, each once. An image goes along if
+  /// it is another one or its opacity is: the plug-in takes opacities over with images alone.
+  /// REQUIRES: the scene has the same bones, images and stack as at the start.
+  void GoOn(const PlayOptions& options);
+  /// Frame set-up and render. `time` is the host's, in frames of 1/25 second.
+  PlayedFrame Render(int downsample, int time = 0);
+
+  /// Of all messages so far.
+  [[nodiscard]] Traffic Sent() const { return sent_; }
 
  private:
-  /// A companion, and its counter when it last sent.
+  /// What a companion shows as one of its images.
+  struct Shown {
+    std::optional<std::size_t> image;  ///< index into Scene::images
+    double opacity = 1.0;
+
+    bool operator==(const Shown&) const = default;
+  };
+
+  /// The companion of a bone, and where it stands.
   struct Actor {
+    std::size_t bone = 0;  ///< index into Scene::bones
     Companion* companion = nullptr;
-    double answered = 0.0;
+    double answered = 0.0;  ///< its counter when it last sent
+    Shown imageA;
+    Shown imageB;
+    bool hasNews = false;  ///< it looks different from what it last sent
   };
 
   void BuildStack();
-  void AddBone(Layer& layer, const Bone& bone);
+  void AddBone(Layer& layer, std::size_t bone);
+  /// Makes the companion look as its bone does in the scene.
+  void Dress(Actor& actor);
+  void Show(CompanionImage& image, Shown& shown, const Shown& wanted, Actor& actor);
   void Send(Actor& actor);
+  void UpdateLabels();
+  void MoveSliders(const PlayOptions& options);
   void ExpectDeclared(int index) const;
   [[nodiscard]] std::vector<ParameterChange> Changes(const PlayOptions& options) const;
 
   Host& host_;
   const Scene& scene_;
   RendererInstance* renderer_ = nullptr;
-  std::vector<Actor> actors_;  ///< those switched on, from the top
+  std::vector<Actor> actors_;  ///< from the top
+  std::set<int> moved_;        ///< parameters that were ever moved
+  Traffic sent_;
 };
 
 /// Plays a whole life for one frame: Open, Change, Render and the host's Close. Throws InputError
 /// for a setting that fits no slider, and PluginError for an error answered and for every rule that
 /// the host found broken until the end, leaks among them.
 PlayedFrame Play(Host& host, const Scene& scene, const PlayOptions& options);
+
+/// Takes a frame that was made; false ends the play after it.
+using TakeFrame = std::function<bool(int number, PlayedFrame frame)>;
+
+/// Plays a whole life for these frames of an animation, in their order; what was made is handed on
+/// at once. Throws as Play does; a broken rule ends the play before its frame is handed on.
+/// REQUIRES: every frame is one of the animation's.
+Traffic PlayFrames(Host& host, const Animation& animation, const std::vector<int>& frames,
+                   const PlayOptions& options, const TakeFrame& take);
 
 }  // namespace standin

@@ -1,23 +1,15 @@
 #include "standin/performance_settings.h"
 
-#include <array>
-#include <charconv>
 #include <cmath>
 #include <cstddef>
 #include <optional>
 #include <string>
 
 #include "standin/scene_faults.h"
+#include "standin/text_table.h"
 
 namespace standin {
 namespace {
-
-/// A number in as few digits as tell it from every other.
-std::string Shortest(double number) {
-  std::array<char, 32> text{};
-  const auto end = std::to_chars(text.data(), text.data() + text.size(), number).ptr;
-  return {text.data(), end};
-}
 
 /// The values that a parameter takes; none when a user cannot set it.
 struct Values {

@@ -3,6 +3,7 @@
 
 #include <window_system.h>
 
+#include "standin/file_path.h"
 #include "standin/plugin_library.h"
 
 namespace standin {
@@ -22,7 +23,7 @@ struct PluginLibrary::Module {
 };
 
 PluginLibrary::PluginLibrary(const std::string& path) {
-  const std::filesystem::path whole = std::filesystem::absolute(path);
+  const std::filesystem::path whole = std::filesystem::absolute(FilePath(path).Get());
   path_ = whole.string();
   module_ = std::make_unique<Module>(whole);
   const FARPROC address = GetProcAddress(module_->handle, "EntryPointFunc");

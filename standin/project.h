@@ -57,6 +57,10 @@ class Effect {
   bool active = true;
   /// The host has the effect but no reference to give: asked for one, it succeeds with null.
   bool withoutReference = false;
+  /// False: asked for the effect's layer, the host succeeds with null.
+  bool layerIsKnown = true;
+  /// The host's name for an effect that makes calls of its own; null for the others.
+  PF_ProgPtr programRef = nullptr;
   /// Index 0 is the input layer.
   std::vector<Parameter> parameters;
 

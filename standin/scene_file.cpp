@@ -4,23 +4,24 @@
 #include <cstddef>
 #include <iterator>
 #include <optional>
+#include <set>
 #include <utility>
 #include <vector>
 
 #include "standin/image_file.h"
 #include "standin/project.h"
 #include "standin/scene_json.h"
+#include "standin/scene_keys.h"
 #include "standin/scene_node.h"
 #include "standin/scene_pieces.h"
 #include "standin/scene_stack.h"
+#include "standin/scene_values.h"
 
 namespace standin {
 namespace {
 
 constexpr int kLongestLayerSide = 30'000;
 constexpr std::size_t kLongestName = 31;  // bytes of a name in the host
-constexpr Range kOpacities{.least = 0.0, .most = 1.0};
-constexpr Range kDepths{.least = -1e9, .most = 1e9};  // what a slider accepts when typed
 
 std::string ReadName(const SceneNode& owner) {
   const auto name = owner.Need("name", "text");
@@ -33,7 +34,7 @@ Picture ReadImage(const SceneNode& node, const std::filesystem::path& folder) {
     return {};
   }
   try {
-    return ReadPng(folder / std::filesystem::path(std::u8string(file.begin(), file.end())));
+    return ReadPng(folder / FilePath(file).Get());
   } catch (const FileError& error) {
     node.Fault(file + ": " + error.what());
     return {};
@@ -54,14 +55,30 @@ OtherEffect ReadEffect(const SceneNode& node) {
   return effect;
 }
 
+const BoneKeys* KeysOf(const Animation& animation, std::size_t bone) {
+  const auto found = std::ranges::find(animation.bones, bone, &BoneKeys::bone);
+  return found == animation.bones.end() ? nullptr : &*found;
+}
+
+bool IsActive(const Animation& animation, std::size_t bone, int frame) {
+  const BoneKeys* keys = KeysOf(animation, bone);
+  return keys == nullptr || keys->active.empty() ? animation.scene.bones[bone].active
+                                                 : SegmentAt(keys->active, frame).from->value;
+}
+
+bool HasDepth(const Animation& animation, std::size_t bone) {
+  const BoneKeys* keys = KeysOf(animation, bone);
+  return animation.scene.bones[bone].z || (keys != nullptr && !keys->z.empty());
+}
+
 /// Reads a scene from its root to its leaves, keeping faults as it goes.
 class SceneReader {
  public:
   SceneReader(std::filesystem::path folder, std::string fileName)
       : folder_(std::move(folder)), fileName_(std::move(fileName)) {}
 
-  Scene Read(const SceneNode& root) {
-    root.AllowKeys({"size", "images", "fast", "set", "effects", "renderer", "bones"});
+  Animation Read(const SceneNode& root) {
+    root.AllowKeys({"size", "images", "fast", "set", "effects", "renderer", "bones", "frames"});
     ReadSize(root);
     ReadImages(root);
     ReadControls(root);
@@ -70,7 +87,9 @@ class SceneReader {
     }
     ReadBones(root);
     scene_.stack = ReadStack(root, scene_);
-    return std::move(scene_);
+    ReadFrames(root, strips_, fileName_, animation_);
+    ExpectSliders(root);
+    return std::move(animation_);
   }
 
  private:
@@ -120,69 +139,80 @@ class SceneReader {
     bone.name = ReadName(node);
     bone.active = node.FlagOr("active", true);
     if (const auto image = node.Need("image", "name of an image")) {
-      bone.image = ImageIndex(*image);
+      bone.image = ReadImageName(*image, scene_.images);
     }
     if (const auto image = node.Find("imageB")) {
-      bone.imageB = ImageIndex(*image);
+      bone.imageB = ReadImageName(*image, scene_.images);
     }
     bone.opacity = node.NumberOr("opacity", kOpacities, 1.0);
     bone.opacityB = node.NumberOr("opacityB", kOpacities, 1.0);
     if (const auto z = node.Find("z")) {
-      bone.z = ReadZ(*z, bone.active);
+      bone.z = ReadEnds(*z, kDepths);
     }
-    bone.pieces = ReadPieces(node);
+    BonePieces read = ReadPieces(node);
+    bone.pieces = std::move(read.pieces);
+    strips_.push_back(read.strip);
     return bone;
   }
 
-  /// REQUIRES: the bones above are in the scene.
-  [[nodiscard]] ZPair ReadZ(const SceneNode& node, bool active) const {
-    if (active && std::ranges::count(scene_.bones, true, &Bone::active) >= kBonesWithSliders) {
-      node.Fault("only the first " + std::to_string(kBonesWithSliders) +
-                 " active bones have sliders");
+  /// A bone with a depth needs sliders for it in every frame in which it is switched on.
+  void ExpectSliders(const SceneNode& root) const {
+    if (scene_.bones.size() <= kBonesWithSliders) {
+      return;
     }
-    const auto [start, end] = ReadEnds(node, kDepths);
-    return {start, end};
-  }
-
-  [[nodiscard]] std::size_t ImageIndex(const SceneNode& node) const {
-    const std::string name = node.Text();
-    const auto found = std::ranges::find(scene_.images, name, &NamedImage::name);
-    if (found == scene_.images.end() && !name.empty()) {
-      std::vector<std::string> names;
-      std::ranges::transform(scene_.images, std::back_inserter(names), &NamedImage::name);
-      node.Fault("no image is called \"" + name + "\"" + NearestHint(name, names));
+    std::set<std::size_t> faulty;
+    for (int frame = 0; frame < animation_.count; ++frame) {
+      int active = 0;
+      for (std::size_t bone = 0; bone < scene_.bones.size(); ++bone) {
+        if (!IsActive(animation_, bone, frame) || ++active <= kBonesWithSliders) {
+          continue;
+        }
+        if (HasDepth(animation_, bone) && faulty.insert(bone).second) {
+          root.Fault(PathTo(PathTo("bones", bone), "z") + ": only the first " +
+                     std::to_string(kBonesWithSliders) + " active bones have sliders" +
+                     (frame == 0 ? "" : " (frame " + std::to_string(frame) + ")"));
+        }
+      }
     }
-    return static_cast<std::size_t>(std::distance(scene_.images.begin(), found));
   }
 
   std::filesystem::path folder_;
   std::string fileName_;
-  Scene scene_;
+  Animation animation_;
+  Scene& scene_ = animation_.scene;
+  std::vector<std::optional<Strip>> strips_;  // of each bone
 };
 
 }  // namespace
 
-Scene ReadScene(const std::string& text, const std::filesystem::path& folder,
-                const std::string& fileName) {
+Animation ReadAnimation(const std::string& text, const std::filesystem::path& folder,
+                        const std::string& fileName) {
   SceneFaults faults(fileName);
-  Scene scene;
+  Animation animation;
   if (const auto json = ParseJson(text, faults)) {
-    scene = SceneReader(folder, fileName).Read(SceneNode(*json, "", faults));
+    animation = SceneReader(folder, fileName).Read(SceneNode(*json, "", faults));
   }
   if (!faults.Empty()) {
     throw InputError(faults.Lines());
   }
-  return scene;
+  return animation;
 }
 
-Scene ReadScene(const std::filesystem::path& file) {
+Animation ReadAnimation(const FilePath& file) {
+  const std::string name = file.Get().string();
   std::string text;
   try {
     text = ReadWholeFile(file);
   } catch (const FileError& error) {
-    throw InputError({file.string() + ": " + error.what()});
+    throw InputError({name + ": " + error.what()});
   }
-  return ReadScene(text, file.parent_path(), file.string());
+  return ReadAnimation(text, file.Get().parent_path(), name);
+}
+
+Scene ReadScene(const FilePath& file) {
+  Animation animation = ReadAnimation(file);
+  MoveTo(animation.scene, animation, 0);
+  return std::move(animation.scene);
 }
 
 }  // namespace standin

@@ -3,7 +3,8 @@
 #include <filesystem>
 #include <string>
 
-#include "standin/scene.h"
+#include "standin/animation.h"
+#include "standin/file_path.h"
 #include "standin/scene_faults.h"
 
 namespace standin {
@@ -13,10 +14,13 @@ inline constexpr int kBonesWithSliders = 25;
 
 /// Reads a scene file (docs/scene-format.md) and everything it names. Throws InputError with all of
 /// its faults, each beginning with the file's name as given here.
-Scene ReadScene(const std::filesystem::path& file);
+Animation ReadAnimation(const FilePath& file);
 
 /// The same from text; images are looked for in `folder`, `fileName` stands in the faults.
-Scene ReadScene(const std::string& text, const std::filesystem::path& folder,
-                const std::string& fileName);
+Animation ReadAnimation(const std::string& text, const std::filesystem::path& folder,
+                        const std::string& fileName);
+
+/// The scene at frame 0, which is all there is of a still one.
+Scene ReadScene(const FilePath& file);
 
 }  // namespace standin

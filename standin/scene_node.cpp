@@ -7,16 +7,16 @@ namespace standin {
 namespace {
 
 /// A limit as a person writes it.
-std::string Words(double limit) { return std::to_string(std::llround(limit)); }
+std::string Described(double limit) { return std::to_string(std::llround(limit)); }
 
-std::string Words(std::string_view kind, Range range) {
+std::string Described(std::string_view kind, Range range) {
   const bool hasLeast = range.least > Range{}.least;
   const bool hasMost = range.most < Range{}.most;
   std::string words(kind);
   if (hasLeast && hasMost) {
-    return words + " from " + Words(range.least) + " to " + Words(range.most);
+    return words + " from " + Described(range.least) + " to " + Described(range.most);
   }
-  return hasLeast ? words + " of at least " + Words(range.least) : words;
+  return hasLeast ? words + " of at least " + Described(range.least) : words;
 }
 
 std::string Shortened(std::string text) {
@@ -50,12 +50,12 @@ void SceneNode::Expected(std::string_view what) const {
 
 std::optional<double> SceneNode::NumberOf(std::string_view kind, Range range) const {
   if (!value_->is_number()) {
-    Expected(Words(kind, range));
+    Expected(Described(kind, range));
     return std::nullopt;
   }
   const auto number = value_->get<double>();
   if (number < range.least || number > range.most) {
-    Fault(Words(kind, range) + " expected, " + value_->dump() + " given");
+    Fault(Described(kind, range) + " expected, " + value_->dump() + " given");
     return std::nullopt;
   }
   return number;
@@ -76,7 +76,7 @@ std::optional<int> SceneNode::Whole(int least, int most) const {
   const Range range{static_cast<double>(least), static_cast<double>(most)};
   const auto number = NumberOf("whole number", range);
   if (number && *number != std::floor(*number)) {
-    Fault(Words("whole number", range) + " expected, " + value_->dump() + " given");
+    Fault(Described("whole number", range) + " expected, " + value_->dump() + " given");
     return std::nullopt;
   }
   return number ? std::optional(static_cast<int>(*number)) : std::nullopt;

@@ -29,6 +29,7 @@ class SceneNode {
       : value_(&value), path_(std::move(path)), faults_(&faults) {}
 
   [[nodiscard]] bool IsNumber() const { return value_->is_number(); }
+  [[nodiscard]] bool IsText() const { return value_->is_string(); }
   [[nodiscard]] bool IsList() const { return value_->is_array(); }
   [[nodiscard]] bool IsObject() const { return value_->is_object(); }
 

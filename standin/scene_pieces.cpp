@@ -5,10 +5,9 @@
 #include <cstddef>
 #include <iterator>
 #include <string>
-#include <string_view>
-#include <tuple>
+#include <utility>
 
-#include "standin/strip.h"
+#include "standin/scene_values.h"
 
 namespace standin {
 namespace {
@@ -16,20 +15,6 @@ namespace {
 constexpr std::size_t kMostPieces = 1'000'000;  // what a renderer takes from one companion
 constexpr int kMostStripPieces = 1'000;
 constexpr int kUsualStripPieces = 8;
-constexpr Range kPoseWidths{.least = 0.0};
-
-Point ReadPoint(const SceneNode& node) {
-  const auto items = node.Items(2, "[x, y]");
-  return items.empty() ? Point{} : Point{items[0].Number(), items[1].Number()};
-}
-
-template <std::size_t kCount>
-std::array<Point, kCount> ReadPoints(const SceneNode& node) {
-  std::array<Point, kCount> points{};
-  std::ranges::transform(node.Items(kCount, std::to_string(kCount) + " points"), points.begin(),
-                         ReadPoint);
-  return points;
-}
 
 template <std::size_t kCount>
 std::array<Point, kCount> NeedPoints(const SceneNode& owner, const std::string& key) {
@@ -74,10 +59,14 @@ std::vector<Piece> ReadRawPieces(const SceneNode& node, bool hasImageB) {
   return pieces;
 }
 
-void ExpectLength(const Curve& curve, const SceneNode& node) {
-  if (CurveLength(curve) == 0.0) {
+/// The curve, which must lead somewhere; a fault of its own says that it does not.
+Curve WithLength(const SceneNode& node, Curve (*read)(const SceneNode&)) {
+  const std::size_t faultsBefore = node.FaultCount();
+  const Curve curve = read(node);
+  if (node.FaultCount() == faultsBefore && CurveLength(curve) == 0.0) {
     node.Fault("points apart from one another expected, all at one place given");
   }
+  return curve;
 }
 
 Curve ReadSegment(const SceneNode& node) {
@@ -85,8 +74,7 @@ Curve ReadSegment(const SceneNode& node) {
   return StraightCurve(start, end);
 }
 
-/// Two points are a segment, four a cubic Bézier curve.
-Curve ReadPose(const SceneNode& node) {
+Curve ReadSegmentOrCurve(const SceneNode& node) {
   const std::size_t count = node.IsList() ? node.Items().size() : 0;
   if (count == 2) {
     return ReadSegment(node);
@@ -98,56 +86,35 @@ Curve ReadPose(const SceneNode& node) {
   return {};
 }
 
-/// The curve of a strip's member, which must be there and lead somewhere.
-Curve NeedCurve(const SceneNode& strip, const std::string& key, std::string_view what,
-                Curve (*read)(const SceneNode&)) {
-  const auto node = strip.Need(key, what);
-  if (!node) {
-    return {};
-  }
-  const std::size_t faultsBefore = node->FaultCount();
-  const Curve curve = read(*node);
-  if (node->FaultCount() == faultsBefore) {
-    ExpectLength(curve, *node);
-  }
-  return curve;
-}
-
-std::vector<Piece> ReadStrip(const SceneNode& node, bool hasImageB) {
+Strip ReadStrip(const SceneNode& node, bool hasImageB) {
   node.AllowKeys({"rest", "width", "pose", "poseWidth", "pieces", "from"});
   Strip strip;
-  strip.rest.middle = NeedCurve(node, "rest", "2 points", ReadSegment);
+  if (const auto rest = node.Need("rest", "2 points")) {
+    strip.rest.middle = WithLength(*rest, ReadSegment);
+  }
   if (const auto width = node.Need("width", "number")) {
     strip.rest.startWidth = strip.rest.endWidth = width->PositiveNumber();
   }
-  strip.pose.middle = NeedCurve(node, "pose", "2 or 4 points", ReadPose);
+  if (const auto pose = node.Need("pose", "2 or 4 points")) {
+    strip.pose.middle = ReadPose(*pose);
+  }
   strip.pose.startWidth = strip.pose.endWidth = strip.rest.startWidth;
   if (const auto width = node.Find("poseWidth")) {
-    std::tie(strip.pose.startWidth, strip.pose.endWidth) = ReadEnds(*width, kPoseWidths);
+    const ZPair ends = ReadEnds(*width, kWidths);
+    strip.pose.startWidth = ends.start;
+    strip.pose.endWidth = ends.end;
   }
   const auto pieces = node.Find("pieces");
   strip.pieces = pieces ? pieces->Whole(1, kMostStripPieces).value_or(1) : kUsualStripPieces;
   strip.from = ReadFrom(node, hasImageB);
-  return CutStrip(strip);
+  return strip;
 }
 
 }  // namespace
 
-std::pair<double, double> ReadEnds(const SceneNode& node, Range range) {
-  if (node.IsNumber()) {
-    const double both = node.Number(range);
-    return {both, both};
-  }
-  if (!node.IsList()) {
-    node.Expected("number or [start, end]");
-    return {};
-  }
-  const auto items = node.Items(2, "number or [start, end]");
-  return items.empty() ? std::pair(0.0, 0.0)
-                       : std::pair(items[0].Number(range), items[1].Number(range));
-}
+Curve ReadPose(const SceneNode& node) { return WithLength(node, ReadSegmentOrCurve); }
 
-std::vector<Piece> ReadPieces(const SceneNode& bone) {
+BonePieces ReadPieces(const SceneNode& bone) {
   if (!bone.IsObject()) {
     return {};  // a fault already
   }
@@ -159,10 +126,11 @@ std::vector<Piece> ReadPieces(const SceneNode& bone) {
     return {};
   }
   if (pieces) {
-    return ReadRawPieces(*pieces, hasImageB);
+    return {ReadRawPieces(*pieces, hasImageB), std::nullopt};
   }
   if (strip) {
-    return ReadStrip(*strip, hasImageB);
+    const Strip read = ReadStrip(*strip, hasImageB);
+    return {CutStrip(read), read};
   }
   bone.Fault("either pieces or strip expected, neither given");
   return {};

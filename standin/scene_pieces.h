@@ -1,18 +1,26 @@
 #pragma once
 
-#include <utility>
+#include <optional>
 #include <vector>
 
 #include "standin/scene.h"
 #include "standin/scene_node.h"
+#include "standin/strip.h"
 
 namespace standin {
 
-/// One number for both ends, or [start, end].
-std::pair<double, double> ReadEnds(const SceneNode& node, Range range);
+/// What a bone carries: pieces, and the strip that they were cut from if there is one.
+struct BonePieces {
+  std::vector<Piece> pieces;
+  std::optional<Strip> strip;
+};
 
 /// The pieces of a bone in either form: its "pieces" as they stand, or its "strip" cut and bent.
 /// Pieces that sample a second image are faults where the bone has none.
-std::vector<Piece> ReadPieces(const SceneNode& bone);
+BonePieces ReadPieces(const SceneNode& bone);
+
+/// The pose of a strip: two points are a segment, four a cubic Bézier curve. It must lead
+/// somewhere.
+Curve ReadPose(const SceneNode& node);
 
 }  // namespace standin

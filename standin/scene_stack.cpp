@@ -7,7 +7,7 @@
 namespace standin {
 namespace {
 
-using Kind = StackEntry::Kind;
+using EntryKind = StackEntry::Kind;
 
 /// The stack while it fills.
 class Places {
@@ -39,7 +39,7 @@ class Places {
       if (place) {
         stack.push_back(*place);
       } else if (nextBone < count) {
-        stack.push_back({Kind::kBone, nextBone++});
+        stack.push_back({EntryKind::kBone, nextBone++});
       }
     }
     return stack;
@@ -47,7 +47,7 @@ class Places {
 
  private:
   static std::string Holder(const StackEntry& entry) {
-    return entry.kind == Kind::kRenderer ? "the renderer" : PathTo("effects", entry.index);
+    return entry.kind == EntryKind::kRenderer ? "the renderer" : PathTo("effects", entry.index);
   }
 
   std::vector<std::optional<StackEntry>> places_;
@@ -58,15 +58,15 @@ class Places {
 std::vector<StackEntry> ReadStack(const SceneNode& root, const Scene& scene) {
   Places places(scene.bones.size() + scene.effects.size() + 1);
   if (const auto renderer = root.Find("renderer")) {
-    places.Take(*renderer, {Kind::kRenderer, 0});
+    places.Take(*renderer, {EntryKind::kRenderer, 0});
   } else {
-    places.TakeLast({Kind::kRenderer, 0});
+    places.TakeLast({EntryKind::kRenderer, 0});
   }
   if (const auto effects = root.Find("effects"); effects && effects->IsList()) {
     std::size_t index = 0;
     for (const SceneNode& effect : effects->Items()) {
       if (const auto at = effect.Need("at", "place in the stack")) {
-        places.Take(*at, {Kind::kOther, index});
+        places.Take(*at, {EntryKind::kOther, index});
       }
       ++index;
     }

@@ -67,7 +67,11 @@ class ArcLength {
   [[nodiscard]] double Total() const { return lengths_.back(); }
 
   /// The curve's parameter where `fraction` (0 to 1) of the length lies behind; exact at the ends.
+  /// On a curve without a length it is the fraction itself: everything lies at one place.
   [[nodiscard]] double ParameterAt(double fraction) const {
+    if (Total() == 0.0) {
+      return fraction;
+    }
     if (fraction <= 0.0 || fraction >= 1.0) {
       return fraction <= 0.0 ? 0.0 : 1.0;
     }

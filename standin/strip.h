@@ -39,7 +39,8 @@ struct Strip {
 /// the y axis pointing down; the left side of the rest lies on the left side of the pose.
 /// Neighbouring pieces hold bit-equal corners at the station they share, so that no gap shows.
 /// Piece i of n has t = (i + 0.5) / n.
-/// REQUIRES: pieces >= 1, both bands have a length above 0.
+/// A band without a length gives pieces without an area.
+/// REQUIRES: pieces >= 1.
 std::vector<Piece> CutStrip(const Strip& strip);
 
 }  // namespace standin

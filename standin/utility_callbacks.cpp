@@ -5,6 +5,7 @@
 
 #include "sdk/effect_suites.h"
 #include "standin/callback.h"
+#include "standin/file_path.h"
 
 namespace standin {
 namespace {
@@ -69,11 +70,8 @@ A_char* Strcpy(Core& core, A_char* to, const A_char* from) {
 }
 
 void PutWidePath(const std::string& path, void* data) {
-  std::array<A_u_short, kLongestPath> wide{};
-  std::transform(
-      path.begin(),
-      path.begin() + static_cast<std::ptrdiff_t>(std::min(path.size(), kLongestPath - 1)),
-      wide.begin(), [](char letter) { return static_cast<A_u_char>(letter); });
+  std::array<char16_t, kLongestPath> wide{};
+  FilePath(path).Get().u16string().copy(wide.data(), wide.size() - 1);
   std::memcpy(data, wide.data(), sizeof wide);
 }
 

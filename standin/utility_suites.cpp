@@ -8,7 +8,7 @@ namespace {
 
 A_Err ReportInfo(Core& core, AEGP_PluginID id, const A_char* text) {
   // A plug-in that never got a number may still report why.
-  const bool known = core.pluginId == 0 || core.IsPluginId(id, "AEGP_ReportInfo");
+  const bool known = core.pluginIds.empty() || core.IsPluginId(id, "AEGP_ReportInfo");
   if (!known || text == nullptr) {
     return PF_Err_BAD_CALLBACK_PARAM;
   }
@@ -23,8 +23,7 @@ A_Err RegisterWithAegp(Core& core, AEGP_GlobalRefcon refcon, const A_char* name,
     return core.Refuse("AEGP_RegisterWithAEGP", "null");
   }
   core.globalRefcon = refcon;
-  core.pluginId = ++lastId;
-  *id = core.pluginId;
+  core.pluginIds[name] = *id = ++lastId;
   return A_Err_NONE;
 }
 

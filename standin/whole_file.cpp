@@ -5,56 +5,21 @@
 #include <random>
 #include <sstream>
 #include <system_error>
+#include <utility>
 
 namespace standin {
 namespace {
 
 std::string LastSystemError() { return std::error_code(errno, std::generic_category()).message(); }
 
-/// A file under its temporary name: gone at the end of the scope unless renamed.
-class PartFile {
- public:
-  explicit PartFile(const std::filesystem::path& finalName)
-      : finalName_(finalName), partName_(finalName) {
-    partName_ += "." + std::to_string(std::random_device{}()) + ".part";
-  }
-  PartFile(const PartFile&) = delete;
-  PartFile& operator=(const PartFile&) = delete;
-  ~PartFile() {
-    std::error_code ignored;
-    std::filesystem::remove(partName_, ignored);
-  }
-
-  void Write(std::string_view bytes) const {
-    std::ofstream stream(partName_, std::ios::binary);
-    stream.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-    stream.close();
-    if (!stream) {
-      throw FileError("cannot be written: " + LastSystemError());
-    }
-  }
-
-  void Rename() const {
-    std::error_code failure;
-    std::filesystem::rename(partName_, finalName_, failure);
-    if (failure) {
-      throw FileError("cannot be written: " + failure.message());
-    }
-  }
-
- private:
-  std::filesystem::path finalName_;
-  std::filesystem::path partName_;
-};
-
 }  // namespace
 
-std::string ReadWholeFile(const std::filesystem::path& file) {
+std::string ReadWholeFile(const FilePath& file) {
   std::error_code ignored;
-  if (std::filesystem::is_directory(file, ignored)) {
+  if (std::filesystem::is_directory(file.Get(), ignored)) {
     throw FileError("file expected, folder given");
   }
-  const std::ifstream stream(file, std::ios::binary);
+  const std::ifstream stream(file.Get(), std::ios::binary);
   if (!stream) {
     throw FileError("cannot be opened: " + LastSystemError());
   }
@@ -66,18 +31,45 @@ std::string ReadWholeFile(const std::filesystem::path& file) {
   return std::move(bytes).str();
 }
 
-void ExpectWritable(const std::filesystem::path& file) {
+void ExpectWritable(const FilePath& file) {
   std::error_code ignored;
-  const std::filesystem::path folder = file.has_parent_path() ? file.parent_path() : ".";
+  const std::filesystem::path& path = file.Get();
+  const std::filesystem::path folder = path.has_parent_path() ? path.parent_path() : ".";
   if (!std::filesystem::is_directory(folder, ignored)) {
     throw FileError("the folder " + folder.string() + " does not exist");
   }
-  if (!file.has_filename() || std::filesystem::is_directory(file, ignored)) {
+  if (!path.has_filename() || std::filesystem::is_directory(path, ignored)) {
     throw FileError("file name expected, folder given");
   }
 }
 
-void WriteWholeFile(const std::filesystem::path& file, std::string_view bytes) {
+PartFile::PartFile(const FilePath& finalName) : finalName_(finalName.Get()), partName_(finalName_) {
+  partName_ += "." + std::to_string(std::random_device{}()) + ".part";
+}
+
+PartFile::~PartFile() {
+  std::error_code ignored;
+  std::filesystem::remove(partName_, ignored);
+}
+
+void PartFile::Write(std::string_view bytes) const {
+  std::ofstream stream(partName_, std::ios::binary);
+  stream.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+  stream.close();
+  if (!stream) {
+    throw FileError("cannot be written: " + LastSystemError());
+  }
+}
+
+void PartFile::Rename() const {
+  std::error_code failure;
+  std::filesystem::rename(partName_, finalName_, failure);
+  if (failure) {
+    throw FileError("cannot be written: " + failure.message());
+  }
+}
+
+void WriteWholeFile(const FilePath& file, std::string_view bytes) {
   ExpectWritable(file);
   const PartFile part(file);
   part.Write(bytes);

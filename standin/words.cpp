@@ -7,15 +7,15 @@
 namespace standin {
 namespace {
 
-constexpr std::size_t kLongestText = 120;
+constexpr std::size_t kLongestQuote = 120;
 
 std::string Quoted(const A_char* text) {
   if (text == nullptr) {
     return "null";
   }
   const std::string_view whole(text);
-  return '"' + std::string(whole.substr(0, kLongestText)) +
-         (whole.size() > kLongestText ? "…\"" : "\"");
+  return '"' + std::string(whole.substr(0, kLongestQuote)) +
+         (whole.size() > kLongestQuote ? "…\"" : "\"");
 }
 
 }  // namespace

@@ -16,7 +16,13 @@ function(collect_sources directory result)
   set(${result} ${sources} PARENT_SCOPE)
 endfunction()
 
+# The other system's tests are named, or lie in a folder named, after it.
+set(other_system windows)
+if(WIN32)
+  set(other_system linux)
+endif()
 file(GLOB_RECURSE test_files CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
+list(FILTER test_files EXCLUDE REGEX "[/_]${other_system}[/_.][^/]*$")
 set(built_files)
 collect_sources(${CMAKE_CURRENT_SOURCE_DIR} built_files)
 list(REMOVE_ITEM test_files ${built_files})

@@ -5,6 +5,9 @@
 The forearm starts in front of the chest and the scarf (start Z -8) and ends behind the head (end
 Z -4, the head is at -6): one bone, in front at one end and behind at the other. A lower Z is nearer
 to the viewer. All numbers are pixels.
+
+The 100 frames are a loop: four waves (the hand comes in behind the ear at first; from frame 37 to
+86 the ear lies behind it), a nod, two blinks and a sway of the tail.
 """
 
 import math
@@ -12,8 +15,8 @@ import math
 from figure import card, point, write_scene
 
 IMAGES = (
-    "head ear chest hips scarf upper_arm forearm forearm_short hand_open hand_hip thigh shin foot "
-    "tail shadow"
+    "head head_blink ear chest hips scarf upper_arm forearm forearm_short hand_open hand_hip thigh "
+    "shin foot tail shadow"
 ).split()
 
 
@@ -86,10 +89,23 @@ TAIL = dict(image="tail", joints=[(32, 70), (450, 70)], ends=(0, 0), width=136)
 TAIL_TIP = dict(image="tail", joints=[(450, 70), (876, 70)], ends=(0, 0), width=136)
 
 
-def waving_arm():
-    shoulder, elbow, wrist = (416, 514), (433, 692), (678, 316)
-    raised = [elbow, (482, 596), (556, 440), wrist]
-    hand = [wrist, (712, 295), (744, 256), (762, 206)]
+NECK = (512, 462)
+IN_AND_OUT = [0.42, 0, 0.58, 1]
+
+
+def turned(at, around, degrees):
+    """A point turned clockwise around another."""
+    cos, sin = math.cos(math.radians(degrees)), math.sin(math.radians(degrees))
+    x, y = at[0] - around[0], at[1] - around[1]
+    return (around[0] + x * cos - y * sin, around[1] + x * sin + y * cos)
+
+
+def waving_arm(swing=0, drag=0):
+    """swing turns the forearm around the elbow, drag the hand around the wrist; in degrees."""
+    shoulder, elbow, wrist = (416, 514), (433, 692), turned((678, 316), (433, 692), swing)
+    raised = [elbow, (482, 596), turned((556, 440), elbow, swing), wrist]
+    hand = [turned(turned(at, (433, 692), swing), wrist, drag * bend)
+            for at, bend in [((678, 316), 0), ((712, 295), 0), ((744, 256), 1), ((762, 206), 1)]]
     return [
         limb("Upper arm", z=-1, pose=[shoulder, elbow], **UPPER_ARM),
         limb("Forearm", z=[-8, -4], pose=raised, pieces=24, **FOREARM),
@@ -117,10 +133,10 @@ def leg(name, side):
     ]
 
 
-def tail():
-    root, middle, tip = (442, 776), (176, 706), (214, 316)
+def tail(sway=0):
+    root, middle, tip = (442, 776), (176, 706), (214 + sway, 316 + sway / 3)
     first = [root, (364, 892), (190, 880), middle]
-    second = [middle, (162, 532), (310, 440), tip]
+    second = [middle, (162, 532), (310 + 1.4 * sway, 440), tip]
     return [
         limb("Tail", z=7, pose=first, pieces=24, **TAIL),
         limb("Tail tip", z=6, pose=second, pieces=24, **TAIL_TIP),
@@ -133,17 +149,68 @@ def body():
         limb("Hips", z=2, pose=[(520, 664), (520, 814)], pieces=4, **HIPS),
         limb("Chest", z=0, pose=[(520, 704), (518, 446)], **CHEST),
         card("Neck", "scarf", -2, (260, 200), (130, 50), (520, 458), turn=-3),
-        card("Head", "head", -6, (440, 420), (220, 402), (512, 462), turn=-5),
+        card("Head", "head", -6, (440, 420), (220, 402), NECK, turn=-5),
         card("Left ear", at=(396, 178), turn=-30, **ear),
         card("Right ear", at=(598, 156), turn=22, mirrored=True, **ear),
         card("Shadow", "shadow", 9, (640, 120), (320, 60), (520, 1016)),
     ]
 
 
+def keys(*pairs, ease=None):
+    """Keys at frames; all but the last with handles, if there are any."""
+    made = [{"frame": frame, "value": value} for frame, value in pairs]
+    for key in made[:-1] if ease else []:
+        key["ease"] = ease
+    return made
+
+
+def wave_keys():
+    """Out and in again in 25 frames, four times over; the hand is dragged behind the arm."""
+    out = waving_arm(swing=9, drag=26)
+    into = waving_arm(swing=-5, drag=-14)
+    going, coming = waving_arm(swing=3, drag=-16), waving_arm(swing=2, drag=28)
+    leave, arrive = [0.5, 0, 0.8, 0.7], [0.2, 0.3, 0.5, 1]
+    frames = {}
+    for bone, name in (1, "Forearm"), (2, "Hand"):
+        poses = []
+        for start in range(0, 100, 25):
+            turning_point = into if start else waving_arm()
+            for frame, arm, ease in ((0, turning_point, leave), (6, going, arrive),
+                                     (12, out, leave), (18, coming, arrive)):
+                poses.append({"frame": start + frame, "value": arm[bone]["strip"]["pose"], "ease": ease})
+        poses.append({"frame": 100, "value": waving_arm()[bone]["strip"]["pose"]})
+        frames[name] = {"pose": poses}
+    frames["Forearm"]["z"] = keys((0, [-8, -4]), (50, [-8, -3]), (100, [-8, -4]))
+    frames["Right ear"] = {"z": [{"frame": 0, "value": -5, "ease": "hold"},
+                                 {"frame": 37, "value": -2, "ease": "hold"},
+                                 {"frame": 87, "value": -5}]}
+    return frames
+
+
+def add_nod_keys(bones, frames):
+    """The head and its ears turn around the neck; the eyes shut twice."""
+    for bone in bones:
+        if bone["name"] in ("Head", "Left ear", "Right ear"):
+            corners = bone["pieces"][0]["corners"]
+            nodded = [point(*turned(corner, NECK, 4), 2) for corner in corners]
+            nod = keys((0, [corners]), (50, [nodded]), (100, [corners]), ease=IN_AND_OUT)
+            frames.setdefault(bone["name"], {})["corners"] = nod
+    frames["Head"]["image"] = keys((0, "head"), (30, "head_blink"), (34, "head"), (78, "head_blink"),
+                                   (81, "head"))
+
+
+def animation(bones):
+    sway = [tail(sway)[1]["strip"]["pose"] for sway in (0, -46, 0)]
+    tip = {"Tail tip": {"pose": keys(*zip((0, 50, 100), sway), ease=IN_AND_OUT)}}
+    frames = wave_keys() | tip
+    add_nod_keys(bones, frames)
+    return {"count": 100, "rate": 25, "bones": frames}
+
+
 def main():
     legs = leg("Left", -1) + leg("Right", 1)
     bones = tail() + body() + legs + waving_arm() + resting_arm()
-    write_scene("wave", [1000, 1080], IMAGES, bones)
+    write_scene("wave", [1000, 1080], IMAGES, bones, animation(bones))
 
 
 if __name__ == "__main__":

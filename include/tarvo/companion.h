@@ -1,9 +1,10 @@
 /*
  * What a companion effect sends: one CompanionSlot record per bone.
  *
- * A companion (match name "QEZ_Tarvo") stands for one bone of a rig. Whenever its pieces change it
- * hands this record, as the extra argument of the host's general command
- * (PF_Cmd_COMPLETELY_GENERAL), to the renderer (match name "QEZ_Tarvo_renderer") on the same layer:
+ * A companion stands for one bone of a rig. It hands this record to the renderer on the same layer
+ * as the extra argument of the host's general command (PF_Cmd_COMPLETELY_GENERAL, sent with
+ * AEGP_EffectCallGeneric): when its pieces change, and when the renderer asks for it, by counting
+ * up the companion's parameter TARVO_NUDGE_PARAMETER.
  *
  *     PieceQuad pieces[2] = { ... };
  *     CompanionSlot slot;
@@ -11,16 +12,30 @@
  *     slot.quads.first = pieces;
  *     slot.quads.last = pieces + 2;
  *     slot.quads.reservedEnd = pieces + 2;
- *     memcpy(slot.imageA, &world, sizeof slot.imageA);   a PF_EffectWorld from the host's new_world
- *     slot.newImageA = 1;
- *     slot.opacityA = 1.0;
- *     slot.effectIndex = 3;                              our own 0-based place in the effect stack
- *     ... send ...
- *     if (slot.newImageA) dispose_world(&world);         not taken: the world is still ours
+ *     slot.effectIndex = 3;                        our own 0-based place in the effect stack
+ *     slot.opacityA = 1.0;                         in each record: the next upload takes it
+ *     if (we have an image that the renderer was not given yet) {
+ *       new_world(effect_ref, width, height, flags, &world);
+ *       ... draw in it ...
+ *       memcpy(slot.imageA, &world, sizeof slot.imageA);
+ *       slot.newImageA = 1;
+ *     }
+ *     err = AEGP_EffectCallGeneric(plugin_id, renderer, &time, PF_Cmd_COMPLETELY_GENERAL, &slot);
+ *     if (slot.newImageA) {                        not taken: the world is still ours, and
+ *       dispose_world(effect_ref, &world);         the image goes with the next record
+ *     }
+ *
+ * The command's result is 0 or an error of the host's. PF_Err_BAD_CALLBACK_PARAM (516) also says
+ * that the record was refused: an effectIndex below 0 or above 65,535, or addresses of pieces that
+ * make no sense. The flag says whose a world is whatever the result, so look at it in every case.
+ *
+ * Each record replaces the pieces of the one before. Images stay until new ones come, but not
+ * beyond the end of a session: after a project was opened the renderer has none. Bones are numbered
+ * by the place of their companions in the stack; companions that are switched off are left out.
  *
  * Both plug-ins live in one process on a little-endian machine with 64-bit addresses. The layout is
- * a fixed byte format: packed, 296 bytes a record, 156 bytes a piece. The header is plain C and
- * needs nothing but the C library.
+ * a fixed byte format: packed, 296 bytes a record, 156 bytes a piece. The header is plain C (C11)
+ * or C++ and needs nothing but the C library. examples/companion/ holds a companion that uses it.
  */
 #ifndef TARVO_COMPANION_H
 #define TARVO_COMPANION_H
@@ -36,6 +51,13 @@ extern "C" {
 #else
 #define TARVO_LAYOUT(condition) _Static_assert(condition, #condition)
 #endif
+
+/* The match names of the two effects. */
+#define TARVO_COMPANION_MATCH_NAME "QEZ_Tarvo"
+#define TARVO_RENDERER_MATCH_NAME "QEZ_Tarvo_renderer"
+
+/* The index of the companion's parameter that the renderer counts up, modulo 1000. */
+#define TARVO_NUDGE_PARAMETER 89
 
 /* Bytes of the host's image record, PF_EffectWorld. */
 #define TARVO_WORLD_BYTES 120
@@ -86,6 +108,8 @@ TARVO_LAYOUT(offsetof(PieceQuad, opacity) == 136);
 TARVO_LAYOUT(offsetof(PieceQuad, imageSelect) == 144);
 TARVO_LAYOUT(offsetof(PieceQuad, reserved) == 148);
 TARVO_LAYOUT(sizeof(PieceQuadList) == 32);
+TARVO_LAYOUT(offsetof(PieceQuadList, last) == 8);
+TARVO_LAYOUT(offsetof(PieceQuadList, reservedEnd) == 16);
 TARVO_LAYOUT(sizeof(CompanionSlot) == 296);
 TARVO_LAYOUT(offsetof(CompanionSlot, imageA) == 32);
 TARVO_LAYOUT(offsetof(CompanionSlot, imageB) == 152);

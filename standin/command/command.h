@@ -2,6 +2,10 @@
 
 #include <functional>
 #include <iosfwd>
+#include <stdexcept>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include <CLI/CLI.hpp>
 
@@ -10,9 +14,28 @@ namespace standin {
 /// What the program ends with.
 enum ExitCode : int {
   kMade = 0,
+  kDifferent = 1,    ///< two pictures are not the same
   kWrongInput = 2,   ///< a file, a scene or an option is wrong
   kPluginFault = 3,  ///< the plug-in returned an error or broke a rule
-  kNotLoaded = 4,    ///< the library cannot be loaded, or there is no OpenGL to run it with
+  kNotLoaded = 4,    ///< the library cannot be loaded, or this machine cannot run it
+  kIncomplete = 5,   ///< a part of what was asked for is missing at the end
+  kInterrupted = 130,
+};
+
+/// The command ends before its work is done, with a code other than those of the errors.
+class Unfinished : public std::runtime_error {
+ public:
+  Unfinished(int exitCode, std::vector<std::string> lines)
+      : std::runtime_error(lines.empty() ? "" : lines.front()),
+        code_(exitCode),
+        lines_(std::move(lines)) {}
+
+  [[nodiscard]] int Code() const { return code_; }
+  [[nodiscard]] const std::vector<std::string>& Lines() const { return lines_; }
+
+ private:
+  int code_;
+  std::vector<std::string> lines_;
 };
 
 /// Where a command writes: what was made to `out`, everything else to `err`.
@@ -21,16 +44,25 @@ struct Console {
   std::ostream& err;
 };
 
-/// What a command does once its options are read. Throws InputError, PluginError or PluginLoadError
-/// having written nothing to `out` and left no file.
+/// What a command does once its options are read. Throws InputError, PluginError, PluginLoadError
+/// or Unfinished, having left no file that is not whole.
 using Work = std::function<void(const Console&)>;
 
 /// Adds a command with its options to the program; parsing a command line that names the command
 /// sets `chosen`.
 using AddCommand = void (*)(CLI::App& program, Work& chosen);
 
-/// `tarvo render`: a scene file into a picture.
+/// `tarvo render`: a scene file into a picture, or its animation into many or a movie.
 void AddRender(CLI::App& program, Work& chosen);
+
+/// `tarvo explain`: why the pieces of a frame lie as they do.
+void AddExplain(CLI::App& program, Work& chosen);
+/// `tarvo flips`: where bones change places in an animation.
+void AddFlips(CLI::App& program, Work& chosen);
+/// `tarvo diff`: two pictures compared.
+void AddDiff(CLI::App& program, Work& chosen);
+/// `tarvo sheet`: labelled pictures of a rig side by side.
+void AddSheet(CLI::App& program, Work& chosen);
 
 /// Runs the program and returns its exit code.
 int RunTarvo(int argc, const char* const* argv, const Console& console);

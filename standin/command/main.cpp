@@ -1,5 +1,16 @@
 #include <iostream>
+#include <string>
+#include <vector>
 
 #include "standin/command/command.h"
+#include "standin/command/system.h"
 
-int main(int argc, char** argv) { return standin::RunTarvo(argc, argv, {std::cout, std::cerr}); }
+int main(int argc, char** argv) {
+  const std::vector<std::string> words = standin::CommandLineWords(argc, argv);
+  std::vector<const char*> pointers;
+  for (const std::string& word : words) {
+    pointers.push_back(word.c_str());
+  }
+  return standin::RunTarvo(static_cast<int>(pointers.size()), pointers.data(),
+                           {std::cout, std::cerr});
+}

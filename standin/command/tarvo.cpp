@@ -11,17 +11,20 @@
 namespace standin {
 namespace {
 
-constexpr AddCommand kCommands[] = {AddRender};
+constexpr AddCommand kCommands[] = {AddRender, AddExplain, AddFlips, AddSheet, AddDiff};
 
 constexpr const char* kFooter = R"(Examples:
   tarvo render examples/wave/wave.json -o wave.png
+  tarvo explain examples/wave/wave.json --at 650,330
 
-Exit codes: 0 made; 2 a file, a scene or an option is wrong; 3 the plug-in returned an error or
-broke a rule of its host; 4 the plug-in cannot be loaded, or this machine cannot run it
-(no OpenGL, no memory).
-No output file is made unless the exit code is 0.)";
+Exit codes: 0 made; 1 two pictures differ; 2 a file, a scene or an option is wrong; 3 the plug-in
+returned an error or broke a rule of its host; 4 the plug-in cannot be loaded, or this machine
+cannot run it (no OpenGL, no memory, no ffmpeg for a movie); 5 frames are missing at the end;
+130 interrupted.
+No output file is made unless the exit code is 0 or 1, but for the frames of an animation: those
+that were made before are whole.)";
 
-int Fail(const Console& console, ExitCode code, const std::vector<std::string>& lines) {
+int Fail(const Console& console, int code, const std::vector<std::string>& lines) {
   for (const std::string& line : lines) {
     console.err << line << '\n';
   }
@@ -31,6 +34,7 @@ int Fail(const Console& console, ExitCode code, const std::vector<std::string>& 
 /// Reads the command line. Throws CLI::ParseError for a wrong one, and for --help and --version.
 Work ReadCommandLine(CLI::App& program, int argc, const char* const* argv) {
   Work chosen;
+  program.allow_windows_style_options(false);  // a file's name may begin with a slash
   program.set_version_flag("--version", "tarvo " TARVO_VERSION, "Print the version and exit");
   program.set_help_flag("-h,--help", "Print this help and exit");
   program.footer(kFooter);
@@ -58,6 +62,8 @@ int RunTarvo(int argc, const char* const* argv, const Console& console) {
     return Fail(console, kWrongInput, {"tarvo: " + std::string(error.what())});
   } catch (const InputError& error) {
     return Fail(console, kWrongInput, error.Lines());
+  } catch (const Unfinished& error) {
+    return Fail(console, error.Code(), error.Lines());
   } catch (const PluginError& error) {
     return Fail(console, kPluginFault, error.Lines());
   } catch (const std::exception& error) {

@@ -1,4 +1,4 @@
-// The plug-in's pictures against the software renderer, and against values worked out by hand.
+// The plug-in's pictures against the stand-in's own model, and against values worked out by hand.
 
 #include <iostream>
 #include <string>
@@ -7,7 +7,7 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/support/picture_compare.h"
+#include "standin/compare.h"
 #include "tests/support/pieces.h"
 #include "tests/support/rig.h"
 
@@ -147,7 +147,7 @@ const std::vector<Case> kCases{
 class PictureTable : public RigTest,
                      public ::testing::WithParamInterface<std::tuple<Case, bool>> {};
 
-TEST_P(PictureTable, IsWhatTheSoftwareRendererDraws) {
+TEST_P(PictureTable, IsWhatTheModelDraws) {
   const auto& [scene, exact] = GetParam();
   scene.build(rig);
   rig.SetFast(!exact);
@@ -155,7 +155,7 @@ TEST_P(PictureTable, IsWhatTheSoftwareRendererDraws) {
   const RenderResult result = rig.Render(scene.request);
   const auto expected = rig.Expected(result.picture, scene.request);
   const auto comparison =
-      support::Compare(result.picture, expected.picture, kTolerance, expected.decided);
+      standin::Compare(result.picture, expected.picture, kTolerance, expected.decided);
   std::cout << scene.name << (exact ? ", exact: " : ", fast: ") << comparison.Text() << " (of "
             << result.picture.pixels.size() << ")\n";
   // Most of the picture is held against the other, or the rig is no test.
@@ -174,11 +174,11 @@ INSTANTIATE_TEST_SUITE_P(Rigs, PictureTable,
 
 class PictureTest : public RigTest {
  protected:
-  /// Expects the picture to be the software renderer's.
+  /// Expects the picture to be the model's.
   void ExpectExpected(const Picture& picture, const FrameRequest& request = {}) {
     const auto expected = rig.Expected(picture, request);
     const auto comparison =
-        support::Compare(picture, expected.picture, kTolerance, expected.decided);
+        standin::Compare(picture, expected.picture, kTolerance, expected.decided);
     EXPECT_EQ(comparison.beyond, 0U) << comparison.Text();
   }
 };

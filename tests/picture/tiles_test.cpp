@@ -10,7 +10,7 @@
 
 #include "entry/entry_point.h"
 #include "gl/framework.h"
-#include "tests/support/picture_compare.h"
+#include "standin/compare.h"
 #include "tests/support/pieces.h"
 #include "tests/support/render_target.h"
 #include "tests/support/rig.h"
@@ -54,8 +54,8 @@ TEST_P(SmallTargets, DrawWhatOneLargeTargetDoes) {
   const Picture tiled = rig.Render().picture;
 
   const auto expected = rig.Expected(untiled);
-  const auto inside = support::Compare(tiled, untiled, 1, expected.decided);
-  const auto everywhere = support::Compare(tiled, untiled, 1);
+  const auto inside = standin::Compare(tiled, untiled, 1, expected.decided);
+  const auto everywhere = standin::Compare(tiled, untiled, 1);
   std::cout << "off the edges " << inside.Text() << "; everywhere " << everywhere.Text() << "\n";
   EXPECT_LE(inside.largest, 1);
   // What coverage decides at an edge may flip, but only here and there.
@@ -96,7 +96,7 @@ TEST_F(TilesTest, BannerIsWhatTheSoftwareRendererDraws) {
     ASSERT_GT(picture.width, 4096);
     ASSERT_LT(AESDK_OpenGL::gState.targetWidth, picture.width);
     const auto expected = rig.Expected(picture);
-    const auto comparison = support::Compare(picture, expected.picture, 2, expected.decided);
+    const auto comparison = standin::Compare(picture, expected.picture, 2, expected.decided);
     std::cout << (exact ? "exact: " : "fast: ") << comparison.Text() << "\n";
     EXPECT_LE(comparison.beyond, exact ? comparison.compared / 20'000 : 0);
   }

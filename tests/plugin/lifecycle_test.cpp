@@ -141,6 +141,19 @@ TEST_F(LifecycleTest, AMissingExtensionIsToldInWordsAndTheNextStartWorks) {
   }
 }
 
+TEST_F(LifecycleTest, ANameWithoutAnAddressIsAMissingExtension) {
+  const auto whole = AESDK_OpenGL::gLookUp;
+  AESDK_OpenGL::gLookUp.entryPoint = [](const char* name) -> PROC {
+    return std::string(name) == "glGetUniformLocationARB" ? nullptr : wglGetProcAddress(name);
+  };
+  const auto result = MakeHost().GlobalSetup();
+  AESDK_OpenGL::gLookUp = whole;
+  EXPECT_EQ(result.code, PF_Err_INTERNAL_STRUCT_DAMAGED);
+  EXPECT_EQ(result.message, "Appropriate OpenGL extensions not found!");
+  TearDown();
+  StartHost();
+}
+
 TEST_F(LifecycleTest, InstancesAreNumberedAndNumbersStartOver) {
   Host& host = StartHost();
   auto& first = host.AddRenderer(TheLayer());

@@ -1,13 +1,12 @@
 #include <algorithm>
-#include <cstdlib>
 #include <filesystem>
-#include <random>
 #include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
 
 #include "standin/image_file.h"
+#include "tests/standin/command_fixture.h"
 
 namespace {
 
@@ -43,44 +42,15 @@ constexpr const char* kVeil = R"({
       {"corners": [[10, 10], [90, 10], [90, 90], [10, 90]],
        "uv": [[31, 31], [1, 31], [1, 1], [31, 1]], "t": 0.7}]}]})";
 
-struct Outcome {
-  int code = 0;
-  std::string out;
-  std::string err;
-};
-
-std::string Quoted(const std::string& argument) { return "\"" + argument + "\""; }
-
-/// A folder with scenes and images, and the command to be run on them.
-class Command : public testing::Test {
+/// A folder with scenes and images.
+class RenderCommand : public CommandTest {
  protected:
-  Command() {
-    std::filesystem::create_directories(folder_);
+  RenderCommand() {
     standin::WritePng(folder_ / "red.png", Picture(32, 32, kRed));
     standin::WritePng(folder_ / "green.png", Picture(32, 32, kGreen));
     standin::WritePng(folder_ / "veil.png", Picture(32, 32, {100, 100, 100, 150}));
     standin::WriteWholeFile(folder_ / "scene.json", kScene);
     standin::WriteWholeFile(folder_ / "veil.json", kVeil);
-  }
-  ~Command() override { std::filesystem::remove_all(folder_); }
-
-  /// `arguments` as typed in a shell.
-  [[nodiscard]] Outcome Run(const std::string& arguments) const {
-    const std::filesystem::path out = folder_ / "stdout";
-    const std::filesystem::path err = folder_ / "stderr";
-    const std::string line = Quoted(TARVO_COMMAND) + " " + arguments + " >" + Quoted(out.string()) +
-                             " 2>" + Quoted(err.string());
-    const int status = std::system(line.c_str());  // NOLINT(cert-env33-c): the command is the test
-    // POSIX shells give the exit code in the second byte, others as it is.
-    const int code = status > 255 ? status / 256 : status;
-    Outcome outcome{code, ReadWholeFile(out), ReadWholeFile(err)};
-    std::filesystem::remove(out);
-    std::filesystem::remove(err);
-    return outcome;
-  }
-
-  [[nodiscard]] std::string File(const std::string& name) const {
-    return (folder_ / name).string();
   }
 
   /// Renders a scene of the folder, which must go well, and reads the picture.
@@ -90,27 +60,9 @@ class Command : public testing::Test {
     EXPECT_EQ(outcome.code, 0) << outcome.err;
     return outcome.code == 0 ? ReadPng(folder_ / "out.png") : Picture(200, 200);
   }
-
-  [[nodiscard]] std::size_t Files() const {
-    return static_cast<std::size_t>(
-        std::distance(std::filesystem::directory_iterator(folder_), {}));
-  }
-
-  /// A failure says why, prints nothing on standard output, and leaves the folder as it was.
-  void ExpectFailure(const std::string& arguments, int code, const std::string& words) const {
-    const std::size_t before = Files();
-    const Outcome outcome = Run(arguments);
-    EXPECT_EQ(outcome.code, code) << arguments << "\n" << outcome.err;
-    EXPECT_EQ(outcome.out, "") << arguments;
-    EXPECT_NE(outcome.err.find(words), std::string::npos) << arguments << "\n" << outcome.err;
-    EXPECT_EQ(Files(), before) << arguments;
-  }
-
-  const std::filesystem::path folder_ =
-      std::filesystem::path(testing::TempDir()) / std::to_string(std::random_device{}());
 };
 
-TEST_F(Command, SaysWhatItMadeInOneLine) {
+TEST_F(RenderCommand, SaysWhatItMadeInOneLine) {
   const Outcome outcome =
       Run("render " + Quoted(File("scene.json")) + " -o " + Quoted(File("out.png")));
   EXPECT_EQ(outcome.code, 0);
@@ -126,7 +78,26 @@ TEST_F(Command, SaysWhatItMadeInOneLine) {
   EXPECT_NE(Run("render --help").out.find("tarvo render examples/"), std::string::npos);
 }
 
-TEST_F(Command, MovesSlidersAsAUserWould) {
+/// The folder, the scene, its image, the plug-in and the picture: letters of several scripts.
+TEST_F(RenderCommand, FilesMayHaveAnyName) {
+  const standin::FilePath folder((folder_ / "").string() + "B\u00fchne \u6f22\u5b57 \u0416");
+  std::filesystem::create_directories(folder.Get());
+  const auto file = [&](const std::string& name) { return folder.Get().string() + "/" + name; };
+  std::string scene = kScene;
+  scene.replace(scene.find("red.png"), 7, "r\u00f6d.png");
+  standin::WriteWholeFile(file("s.json"), scene);
+  std::filesystem::copy(folder_ / "green.png", folder.Get() / "green.png");
+  std::filesystem::copy(folder_ / "red.png", standin::FilePath(file("r\u00f6d.png")).Get());
+  std::filesystem::copy_file(TARVO_PLUGIN, standin::FilePath(file("\u017c.aex")).Get());
+  const std::string picture = file("\u00e4.png");
+  const Outcome outcome = Run("render " + Quoted(file("s.json")) + " --plugin " +
+                              Quoted(file("\u017c.aex")) + " -o " + Quoted(picture));
+  EXPECT_EQ(outcome.code, 0) << outcome.err;
+  EXPECT_TRUE(outcome.out.starts_with(picture)) << outcome.out;
+  EXPECT_EQ(ReadPng(picture).width, 88);
+}
+
+TEST_F(RenderCommand, MovesSlidersAsAUserWould) {
   // Red's one piece lies half way between its two Z, at 2; Green's four are all at 4, and cover 20
   // pixels each from x = 10. Lower is in front.
   struct Case {
@@ -147,7 +118,7 @@ TEST_F(Command, MovesSlidersAsAUserWould) {
   }
 }
 
-TEST_F(Command, CropsScalesAndPaintsBehind) {
+TEST_F(RenderCommand, CropsScalesAndPaintsBehind) {
   const Picture whole = Render("scene.json");
   EXPECT_EQ(whole.At(0, 0), kClear);
   EXPECT_EQ(whole.At(5, 5), kRed);  // the layer's (10, 10) is at (4, 4)
@@ -170,7 +141,7 @@ TEST_F(Command, CropsScalesAndPaintsBehind) {
   EXPECT_NE(checker.At(30, 40), checker.At(34, 40));  // seen through the veil
 }
 
-TEST_F(Command, TracesTheWholeLifeWithTheCompanionsAnswers) {
+TEST_F(RenderCommand, TracesTheWholeLifeWithTheCompanionsAnswers) {
   const std::string trace =
       Run("render " + Quoted(File("scene.json")) + " --trace -o " + Quoted(File("out.png"))).err;
   const auto sent = [&](const std::string& command) {
@@ -188,7 +159,7 @@ TEST_F(Command, TracesTheWholeLifeWithTheCompanionsAnswers) {
   EXPECT_EQ(sent("PF_Cmd_GLOBAL_SETDOWN"), 1U);
 }
 
-TEST_F(Command, RefusesWrongInput) {
+TEST_F(RenderCommand, RefusesWrongInput) {
   const std::string scene = Quoted(File("scene.json"));
   const std::string render = "render " + scene + " -o " + Quoted(File("x.png")) + " ";
   ExpectFailure("", 2, "A command is required");
@@ -208,7 +179,7 @@ TEST_F(Command, RefusesWrongInput) {
   ExpectFailure("render none.json -o " + Quoted(File("x.png")), 2, "none.json: cannot be opened");
 }
 
-TEST_F(Command, TellsAFaultOfThePluginFromOneOfItsFile) {
+TEST_F(RenderCommand, TellsAFaultOfThePluginFromOneOfItsFile) {
   const std::string bare = R"({"size": [40, 30], "bones": []})";
   standin::WriteWholeFile(folder_ / "bare.json", bare);
   standin::WriteWholeFile(folder_ / "x.png", "an older picture");
@@ -223,7 +194,7 @@ TEST_F(Command, TellsAFaultOfThePluginFromOneOfItsFile) {
 }
 
 /// Every wrong scene says all that is wrong with it and nothing else.
-TEST_F(Command, RefusesEveryBrokenSampleInItsOwnWords) {
+TEST_F(RenderCommand, RefusesEveryBrokenSampleInItsOwnWords) {
   std::vector<std::filesystem::path> scenes;
   for (const auto& entry : std::filesystem::directory_iterator(kBroken)) {
     if (entry.path().extension() == ".json") {

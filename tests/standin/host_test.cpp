@@ -1,6 +1,7 @@
 #include "standin/host.h"
 
 #include <cstring>
+#include <filesystem>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -163,11 +164,11 @@ std::vector<Misuse> Misuses() {
       {"unused slot",
        [](const Command& c) {
          const auto* suite = c.Acquire<AEGP_EffectSuite2>("AEGP Effect Suite", 2);
-         const PF_Err result = reinterpret_cast<PF_Err (*)()>(suite->reserved_5_7[2])();
+         const PF_Err result = reinterpret_cast<PF_Err (*)()>(suite->reserved_5_6[1])();
          c.Release("AEGP Effect Suite", 2);
          return result == PF_Err_INVALID_CALLBACK ? PF_Err_NONE : result;
        },
-       {"slot 7 of AEGP Effect Suite 2 was called"}},
+       {"slot 6 of AEGP Effect Suite 2 was called"}},
       {"lock left",
        Doing([](const Command& c) {
          const auto s = HandlesOf(c);
@@ -494,7 +495,6 @@ TEST_F(HostTest, CommandsAtTheWrongTimeAreRefusedByState) {
   }
   host.Close();
   EXPECT_THROW(host.Render(Renderer()), standin::LifeCycleError);
-  EXPECT_THROW(Host(probe::EntryPoint), std::logic_error) << "one host at a time";
   EXPECT_TRUE(host.StartUp().Ok()) << "a plug-in can be set up again";
 }
 
@@ -504,7 +504,8 @@ TEST(PluginLibrary, SaysWhatIsWrongWithAFile) {
       const standin::PluginLibrary library(path);
       FAIL() << path << " was loaded";
     } catch (const standin::PluginLoadError& error) {
-      EXPECT_NE(std::string(error.what()).find(path), std::string::npos) << error.what();
+      const std::string name = std::filesystem::path(path).filename().string();
+      EXPECT_NE(std::string(error.what()).find(name), std::string::npos) << error.what();
     }
   }
 }

@@ -32,7 +32,9 @@ constexpr const char* kFull = R"({
      "strip": {"rest": [[2, 16], [30, 16]], "width": 10, "pose": [[0, 0], [0, 50]],
                "poseWidth": [12, 4], "pieces": 3}}]})";
 
-Scene Read(const std::string& text) { return standin::ReadScene(text, kBroken, "scene.json"); }
+Scene Read(const std::string& text) {
+  return standin::ReadAnimation(text, kBroken, "scene.json").scene;
+}
 
 std::string Faults(const std::string& text) {
   std::string lines;

@@ -1,7 +1,6 @@
 #include "tests/support/rig.h"
 
-#include <algorithm>
-
+#include "standin/overlap_bones.h"
 #include "standin/plugin_library.h"
 
 namespace support {
@@ -15,8 +14,6 @@ using standin::Picture;
 constexpr int kLayerWidth = 200;
 constexpr int kLayerHeight = 160;
 constexpr int kFastTransparency = 53;
-/// Bones beyond the last pair of sliders use the last pair.
-constexpr int kLastPair = 25;
 
 std::string Lines(const std::vector<std::string>& texts) {
   std::string lines;
@@ -100,27 +97,9 @@ standin::RenderResult Rig::Render(const FrameRequest& request) {
   return result;
 }
 
-ReferencePicture Rig::Expected(const Picture& like, const FrameRequest& request) const {
-  std::vector<ReferenceBone> bones;
-  for (const Companion* companion : ActiveCompanions()) {
-    const int pair = std::min(static_cast<int>(bones.size()) + 1, kLastPair);
-    const auto start = static_cast<std::size_t>(StartSlider(pair));
-    bones.push_back({.pieces = companion->pieces,
-                     .imageA = companion->imageA.picture,
-                     .imageB = companion->imageB.picture,
-                     .opacityA = companion->imageA.opacity,
-                     .opacityB = companion->imageB.opacity,
-                     .startZ = renderer.parameters.at(start).Value(),
-                     .endZ = renderer.parameters.at(start + 1).Value()});
-  }
-  return DrawInSoftware(bones,
-                        {.width = like.width,
-                         .height = like.height,
-                         .scaleX = 1.0 / request.downsampleX,
-                         .scaleY = 1.0 / request.downsampleY,
-                         .originX = static_cast<double>(like.originX + request.preEffectOriginX),
-                         .originY = static_cast<double>(like.originY + request.preEffectOriginY),
-                         .exact = renderer.parameters.at(kFastTransparency).Value() == 0});
+standin::OverlapPicture Rig::Expected(const Picture& like, const FrameRequest& request) const {
+  return standin::DrawOverlap(
+      {standin::BonesOn(layer, renderer), standin::ViewOf(like, renderer, request)});
 }
 
 }  // namespace support

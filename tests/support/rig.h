@@ -8,7 +8,7 @@
 
 #include "standin/companion.h"
 #include "standin/host.h"
-#include "tests/support/software_renderer.h"
+#include "standin/overlap_picture.h"
 
 namespace support {
 
@@ -47,11 +47,11 @@ class Rig {
   /// Renders, and expects success.
   standin::RenderResult Render(const standin::FrameRequest& request = {});
 
-  /// What the software renderer makes of the companions that are active now, in a frame of the
+  /// What the stand-in's own model makes of the companions that are active now, in a frame of the
   /// picture's size and origin. Images and opacities are those that the companions hold. Where an
   /// effect before this one has grown the layer, the request says by how much.
-  [[nodiscard]] ReferencePicture Expected(const standin::Picture& like,
-                                          const standin::FrameRequest& request = {}) const;
+  [[nodiscard]] standin::OverlapPicture Expected(const standin::Picture& like,
+                                                 const standin::FrameRequest& request = {}) const;
   /// The active companions, from the top of the stack.
   [[nodiscard]] std::vector<standin::Companion*> ActiveCompanions() const;
 

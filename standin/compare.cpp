@@ -1,14 +1,12 @@
-#include "tests/support/picture_compare.h"
+#include "standin/compare.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <stdexcept>
 
-namespace support {
+namespace standin {
 namespace {
-
-using standin::Rgba;
 
 int SeenDifference(std::uint8_t one, std::uint8_t oneAlpha, std::uint8_t other,
                    std::uint8_t otherAlpha) {
@@ -22,6 +20,24 @@ int Difference(Rgba one, Rgba other) {
                    SeenDifference(one.blue, one.alpha, other.blue, other.alpha)});
 }
 
+void Paste(const Picture& from, Picture& onto, int left) {
+  for (int y = 0; y < from.height; ++y) {
+    for (int x = 0; x < from.width; ++x) {
+      onto.At(left + x, y) = from.At(x, y);
+    }
+  }
+}
+
+Rgba DifferenceColour(int difference, int tolerance) {
+  constexpr Rgba kSame{0, 0, 0, 255};
+  constexpr Rgba kTolerated{40, 60, 110, 255};
+  if (difference <= tolerance) {
+    return difference == 0 ? kSame : kTolerated;
+  }
+  const auto bright = static_cast<std::uint8_t>(difference);
+  return {255, bright, bright, 255};
+}
+
 }  // namespace
 
 std::string Comparison::Text() const {
@@ -30,7 +46,7 @@ std::string Comparison::Text() const {
          std::to_string(beyond) + " beyond the tolerance";
 }
 
-Comparison Compare(const standin::Picture& one, const standin::Picture& other, int tolerance,
+Comparison Compare(const Picture& one, const Picture& other, int tolerance,
                    const std::vector<bool>& where) {
   if (one.width != other.width || one.height != other.height ||
       (!where.empty() && where.size() != one.pixels.size())) {
@@ -50,4 +66,22 @@ Comparison Compare(const standin::Picture& one, const standin::Picture& other, i
   return result;
 }
 
-}  // namespace support
+Picture SideBySide(const Picture& one, const Picture& other, int tolerance) {
+  constexpr int kGap = 8;
+  const bool sameSize = one.width == other.width && one.height == other.height;
+  const int second = one.width + kGap;
+  const int third = second + other.width + kGap;
+  Picture beside(sameSize ? third + one.width : third - kGap, std::max(one.height, other.height));
+  Paste(one, beside, 0);
+  Paste(other, beside, second);
+  if (sameSize) {
+    Picture difference(one.width, one.height);
+    std::ranges::transform(
+        one.pixels, other.pixels, difference.pixels.begin(),
+        [tolerance](Rgba a, Rgba b) { return DifferenceColour(Difference(a, b), tolerance); });
+    Paste(difference, beside, third);
+  }
+  return beside;
+}
+
+}  // namespace standin

@@ -1,42 +1,47 @@
-#include "tests/support/software_renderer.h"
+#include "standin/overlap.h"
 
-#include <stdexcept>
 #include <vector>
 
 #include <gtest/gtest.h>
 
-#include "tests/support/picture_compare.h"
+#include "standin/compare.h"
+#include "standin/overlap_picture.h"
 #include "tests/support/pieces.h"
 
 // The judge of the plug-in's pictures is itself judged by values worked out by hand.
 
 namespace {
 
+using standin::Overlap;
+using standin::OverlapBone;
+using standin::OverlapPicture;
+using standin::OverlapView;
 using standin::Picture;
 using standin::Rgba;
-using support::DrawInSoftware;
 using support::Piece;
-using support::ReferenceBone;
-using support::ReferenceFrame;
 
 constexpr support::Box kWholeCut{.left = 1, .top = 1, .width = 6, .height = 6};
 
-ReferenceBone Bone(Rgba colour, const support::Box& place, double opacity = 1) {
+OverlapPicture Draw(const std::vector<OverlapBone>& bones, const OverlapView& view) {
+  return DrawOverlap(Overlap(bones, view));
+}
+
+OverlapBone Bone(Rgba colour, const support::Box& place, double opacity = 1) {
   return {.pieces = {Piece(place, kWholeCut, 0.5)},
           .imageA = Picture(8, 8, colour),
           .imageB = {},
           .opacityA = opacity};
 }
 
-Rgba CentreOf(const std::vector<ReferenceBone>& bones, bool exact = false) {
-  return DrawInSoftware(bones, {.width = 10, .height = 10, .exact = exact}).picture.At(5, 5);
+Rgba CentreOf(const std::vector<OverlapBone>& bones, bool exact = false) {
+  return Draw(bones, {.width = 10, .height = 10, .exact = exact}).picture.At(5, 5);
 }
 
 constexpr support::Box kSquare{.left = 2, .top = 2, .width = 6, .height = 6};
 
-TEST(SoftwareRenderer, OpaquePieceCoversItsPixelsAndNoOthers) {
+TEST(Overlap, OpaquePieceCoversItsPixelsAndNoOthers) {
   const Rgba red{.red = 200, .green = 10, .blue = 20, .alpha = 255};
-  const Picture picture = DrawInSoftware({Bone(red, kSquare)}, {.width = 10, .height = 10}).picture;
+  const Picture picture = Draw({Bone(red, kSquare)}, {.width = 10, .height = 10}).picture;
   for (int y = 0; y < 10; ++y) {
     for (int x = 0; x < 10; ++x) {
       const bool inside = x >= 2 && x < 8 && y >= 2 && y < 8;
@@ -45,7 +50,7 @@ TEST(SoftwareRenderer, OpaquePieceCoversItsPixelsAndNoOthers) {
   }
 }
 
-TEST(SoftwareRenderer, OpacityIsStrengthenedByTheTwoPasses) {
+TEST(Overlap, OpacityIsStrengthenedByTheTwoPasses) {
   // Alpha 127.5 is kept as 128; 128 + 128 * 127/255 = 191.7. Colour 100 + 100 * 127/255 = 149.8,
   // and 150 * 255/192 = 199.2.
   const Rgba seen =
@@ -53,9 +58,9 @@ TEST(SoftwareRenderer, OpacityIsStrengthenedByTheTwoPasses) {
   EXPECT_EQ(seen, (Rgba{.red = 199, .green = 0, .blue = 0, .alpha = 192}));
 }
 
-TEST(SoftwareRenderer, LowerDepthIsOnTopAndHigherBonesWinTies) {
-  ReferenceBone red = Bone({.red = 255, .green = 0, .blue = 0, .alpha = 255}, kSquare);
-  ReferenceBone blue = Bone({.red = 0, .green = 0, .blue = 255, .alpha = 255}, kSquare);
+TEST(Overlap, LowerDepthIsOnTopAndHigherBonesWinTies) {
+  OverlapBone red = Bone({.red = 255, .green = 0, .blue = 0, .alpha = 255}, kSquare);
+  OverlapBone blue = Bone({.red = 0, .green = 0, .blue = 255, .alpha = 255}, kSquare);
   EXPECT_EQ(CentreOf({red, blue}).blue, 255);
   red.startZ = red.endZ = -1;
   EXPECT_EQ(CentreOf({red, blue}).red, 255);
@@ -65,10 +70,10 @@ TEST(SoftwareRenderer, LowerDepthIsOnTopAndHigherBonesWinTies) {
   EXPECT_EQ(CentreOf({red, blue}).blue, 255);
 }
 
-TEST(SoftwareRenderer, PiecesOfOneImageShowThroughOnlyInFastMode) {
+TEST(Overlap, PiecesOfOneImageShowThroughOnlyInFastMode) {
   // One image, its left half green and its right half red, both of alpha 153 (0.6): 200 is kept as
   // 120. Either way the first pass leaves (120, 120, 0, 153).
-  ReferenceBone bone = Bone({.red = 200, .green = 0, .blue = 0, .alpha = 153}, kSquare);
+  OverlapBone bone = Bone({.red = 200, .green = 0, .blue = 0, .alpha = 153}, kSquare);
   for (int y = 0; y < 8; ++y) {
     for (int x = 0; x < 4; ++x) {
       bone.imageA.At(x, y) = {.red = 0, .green = 200, .blue = 0, .alpha = 153};
@@ -87,12 +92,11 @@ TEST(SoftwareRenderer, PiecesOfOneImageShowThroughOnlyInFastMode) {
   EXPECT_EQ(CentreOf({bone}, true), CentreOf({bone}, false));
 }
 
-TEST(SoftwareRenderer, PlacesByScaleAndOriginAndDoubtsOnlyEdges) {
+TEST(Overlap, PlacesByScaleAndOriginAndDoubtsOnlyEdges) {
   const Rgba green{.red = 0, .green = 90, .blue = 0, .alpha = 255};
-  const ReferenceFrame frame{
+  const OverlapView frame{
       .width = 20, .height = 20, .scaleX = 0.5, .scaleY = 0.5, .originX = 3, .originY = -2};
-  const auto drawn =
-      DrawInSoftware({Bone(green, {.left = 8, .top = 12, .width = 16, .height = 20})}, frame);
+  const auto drawn = Draw({Bone(green, {.left = 8, .top = 12, .width = 16, .height = 20})}, frame);
   // Columns 4 + 3 = 7 to 15, rows 6 - 2 = 4 to 14.
   EXPECT_EQ(drawn.picture.At(7, 4), green);
   EXPECT_EQ(drawn.picture.At(14, 13), green);
@@ -110,16 +114,16 @@ TEST(Comparison, CountsAndFindsTheLargestDifferenceWhereItLooks) {
   Picture other = one;
   other.At(1, 0).red = 110;
   other.At(2, 0).alpha = 0;
-  const auto all = support::Compare(one, other, 10);
+  const auto all = standin::Compare(one, other, 10);
   EXPECT_EQ(all.compared, 3U);
   EXPECT_EQ(all.largest, 255);
   EXPECT_EQ(all.beyond, 1U);
   EXPECT_EQ(all.x, 2);
-  EXPECT_EQ(support::Compare(one, other, 10, {true, true, false}).largest, 10);
+  EXPECT_EQ(standin::Compare(one, other, 10, {true, true, false}).largest, 10);
   // A colour that is hardly seen hardly counts: 100 * 5/255 against 50 * 5/255.
   one = Picture(1, 1, {.red = 100, .green = 0, .blue = 0, .alpha = 5});
   other = Picture(1, 1, {.red = 50, .green = 0, .blue = 0, .alpha = 5});
-  EXPECT_EQ(support::Compare(one, other, 0).largest, 1);
+  EXPECT_EQ(standin::Compare(one, other, 0).largest, 1);
 }
 
 }  // namespace

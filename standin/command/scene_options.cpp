@@ -1,0 +1,118 @@
+#include "standin/command/scene_options.h"
+
+#include <cmath>
+#include <cstddef>
+#include <ostream>
+#include <utility>
+
+#include "standin/command/system.h"
+#include "standin/scene_faults.h"
+#include "standin/whole_file.h"
+
+namespace standin {
+namespace {
+
+std::optional<Setting> ReadSetting(const std::string& text) {
+  const std::size_t sign = text.rfind('=');
+  const auto value = sign == std::string::npos
+                         ? std::nullopt
+                         : ReadNumber<double>(std::string_view(text).substr(sign + 1));
+  if (!value || !std::isfinite(*value)) {
+    return std::nullopt;
+  }
+  return Setting{text.substr(0, sign), *value, "--set \"" + text + "\""};
+}
+
+/// The plug-in beside this program, whether it is there or not.
+std::string DefaultPlugin() { return (ThisProgram().parent_path() / kPluginFile).string(); }
+
+HostOptions OptionsFor(const PluginLibrary& library) {
+  HostOptions options;
+  options.pluginPath = library.Path();
+  return options;
+}
+
+}  // namespace
+
+void AddSceneOptions(CLI::App& command, SceneOptions& options) {
+  command.add_option("scene", options.scene, "The scene, a JSON file")
+      ->required()
+      ->type_name("SCENE.json");
+  command
+      .add_option("--plugin", options.plugin, "The plug-in; the one beside this program otherwise")
+      ->type_name("FILE");
+  CLI::Option* exact =
+      command.add_flag("--exact", options.exact, "Fast transparency off, whatever the scene says");
+  command.add_flag("--fast", options.fast, "Fast transparency on, whatever the scene says")
+      ->excludes(exact);
+  command
+      .add_option("--set", options.settings,
+                  "Move the slider of this label; can be given several times")
+      ->type_name("LABEL=NUMBER")
+      ->allow_extra_args(false);
+  command.add_flag("--trace", options.trace,
+                   "Write every command and host operation to standard error");
+}
+
+void OptionFaults::Expected(const std::string& option, const std::string& what,
+                            const std::string& given) {
+  Add(option + ": " + what + " expected, \"" + given + "\" given");
+}
+
+void OptionFaults::ExpectWritable(const std::string& file) {
+  try {
+    standin::ExpectWritable(file);
+  } catch (const FileError& error) {
+    Add(file + ": " + error.what());
+  }
+}
+
+void OptionFaults::ThrowIfAny() const {
+  if (!lines_.empty()) {
+    throw InputError(lines_);
+  }
+}
+
+PlayOptions ReadPlayOptions(const SceneOptions& options, OptionFaults& faults) {
+  PlayOptions play;
+  for (const std::string& text : options.settings) {
+    if (const auto setting = ReadSetting(text)) {
+      play.settings.push_back(*setting);
+    } else {
+      faults.Expected("--set", "LABEL=NUMBER", text);
+    }
+  }
+  if (options.exact || options.fast) {
+    play.fast = options.fast;
+  }
+  return play;
+}
+
+std::vector<std::string> CommandLine(const SceneOptions& options) {
+  std::vector<std::string> words = {options.scene};
+  if (!options.plugin.empty()) {
+    words.insert(words.end(), {"--plugin", options.plugin});
+  }
+  for (const auto& [isSet, flag] :
+       {std::pair(options.exact, "--exact"), std::pair(options.fast, "--fast"),
+        std::pair(options.trace, "--trace")}) {
+    if (isSet) {
+      words.emplace_back(flag);
+    }
+  }
+  for (const std::string& setting : options.settings) {
+    words.insert(words.end(), {"--set", setting});
+  }
+  return words;
+}
+
+HostedPlugin::HostedPlugin(const SceneOptions& options, const Console& console)
+    : library_(options.plugin.empty() ? DefaultPlugin() : options.plugin),
+      host_(library_.EntryPoint(), OptionsFor(library_)) {
+  host_.gate.KeepLog(false);
+  if (options.trace) {
+    host_.gate.TraceTo([&err = console.err](std::string_view line) { err << line << '\n'; });
+  }
+}
+
+}  // namespace standin

@@ -1,0 +1,78 @@
+#pragma once
+
+#include <charconv>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <system_error>
+#include <vector>
+
+#include <CLI/CLI.hpp>
+
+#include "standin/command/command.h"
+#include "standin/host.h"
+#include "standin/performance.h"
+#include "standin/plugin_library.h"
+
+namespace standin {
+
+/// What every command on a scene takes from its command line, as it was typed.
+struct SceneOptions {
+  std::string scene;
+  std::string plugin;  ///< empty: the one beside this program
+  bool exact = false;
+  bool fast = false;
+  std::vector<std::string> settings;
+  bool trace = false;
+};
+
+/// Adds them to a command. REQUIRES: `options` outlives the parsing.
+void AddSceneOptions(CLI::App& command, SceneOptions& options);
+
+/// The words of a command line that gives these options.
+std::vector<std::string> CommandLine(const SceneOptions& options);
+
+/// Options that cannot be used, a line each.
+class OptionFaults {
+ public:
+  void Add(const std::string& line) { lines_.push_back(line); }
+  /// "--scale: WHAT expected, "GIVEN" given"
+  void Expected(const std::string& option, const std::string& what, const std::string& given);
+  /// Keeps a line if no file of that name can be made.
+  void ExpectWritable(const std::string& file);
+  /// Throws InputError with all lines, if there are any.
+  void ThrowIfAny() const;
+
+ private:
+  std::vector<std::string> lines_;
+};
+
+/// The whole text as a number; none when it is something else.
+template <typename Number>
+std::optional<Number> ReadNumber(std::string_view text) {
+  Number number{};
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+  return error == std::errc() && end == text.data() + text.size() ? std::optional(number)
+                                                                  : std::nullopt;
+}
+
+/// --exact, --fast and --set as they are played; those of --set that are no LABEL=NUMBER are kept
+/// as faults.
+PlayOptions ReadPlayOptions(const SceneOptions& options, OptionFaults& faults);
+
+/// The plug-in that a command asks for, loaded, and a host for it; its trace goes to the console
+/// if that was asked for. Throws PluginLoadError, and std::runtime_error where no OpenGL context
+/// can be made.
+class HostedPlugin {
+ public:
+  /// REQUIRES: the console's streams outlive this object.
+  HostedPlugin(const SceneOptions& options, const Console& console);
+
+  [[nodiscard]] Host& TheHost() { return host_; }
+
+ private:
+  PluginLibrary library_;  // outlives the host, whose end calls the plug-in
+  Host host_;
+};
+
+}  // namespace standin

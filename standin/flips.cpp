@@ -1,0 +1,167 @@
+#include "standin/flips.h"
+
+#include <algorithm>
+#include <cmath>
+#include <iterator>
+#include <set>
+
+#include "standin/overlap_bones.h"
+
+namespace standin {
+namespace {
+
+/// Alpha from which a piece counts as having something to show.
+constexpr double kSeenAlpha = 0.02;
+
+std::size_t SharedPixels(const Overlap& overlap, const PlacedPiece& one, const PlacedPiece& other) {
+  const auto isSeen = [&](const PlacedPiece& piece, Point at) {
+    const auto colour = overlap.ColourAt(piece, at);
+    return colour && (*colour)[kAlpha] * overlap.OpacityOf(piece) >= kSeenAlpha;
+  };
+  const Bounds a = BoundsOf(one.corners);
+  const Bounds b = BoundsOf(other.corners);
+  const auto first = [](double place) { return static_cast<int>(std::floor(place)); };
+  std::size_t pixels = 0;
+  for (int y = first(std::max(a.top, b.top)); y < std::min(a.bottom, b.bottom); ++y) {
+    for (int x = first(std::max(a.left, b.left)); x < std::min(a.right, b.right); ++x) {
+      const Point centre{x + 0.5, y + 0.5};
+      pixels += isSeen(one, centre) && isSeen(other, centre) ? 1U : 0U;
+    }
+  }
+  return pixels;
+}
+
+bool AreSame(double one, double other) { return one == other; }
+
+bool AreSame(ZPair one, ZPair other) { return one.start == other.start && one.end == other.end; }
+
+double ValueAt(const Segment<double>& at) {
+  return std::lerp(at.from->value, at.to->value, at.share);
+}
+
+ZPair ValueAt(const Segment<ZPair>& at) {
+  return {std::lerp(at.from->value.start, at.to->value.start, at.share),
+          std::lerp(at.from->value.end, at.to->value.end, at.share)};
+}
+
+/// The keys of a track around a frame, if its value changed since the frame before.
+template <typename Value>
+void AddTrack(const Track<Value>& track, int frame, const std::string& what,
+              std::vector<FlipTrack>& tracks) {
+  if (track.empty()) {
+    return;
+  }
+  const Segment<Value> now = SegmentAt(track, frame);
+  if (!AreSame(ValueAt(SegmentAt(track, frame - 1)), ValueAt(now))) {
+    tracks.push_back({what, now.from->frame, now.to->frame, now.from->frame > frame - 1});
+  }
+}
+
+}  // namespace
+
+void FlipFinder::Follow(int frame, const Host& host) {
+  Moment now = Look(SceneAt(animation_, frame), host);
+  if (!last_.empty()) {
+    Compare(last_.front(), now, frame);
+    last_.clear();
+  }
+  last_.push_back(std::move(now));
+}
+
+FlipFinder::Moment FlipFinder::Look(const Scene& scene, const Host& host) {
+  const RendererInstance& renderer = PlayedRenderer(host);
+  const std::vector<std::size_t> bones = ActiveBones(scene);
+  Moment moment(Overlap(BonesOn(PlayedLayer(host), renderer), {}));
+  const auto& pieces = moment.overlap.Pieces();
+  for (std::size_t place = 0; place < pieces.size(); ++place) {
+    moment.places[{bones[pieces[place].bone], pieces[place].index}] = place;
+  }
+  for (std::size_t number = 0; number < bones.size(); ++number) {
+    const auto start = static_cast<std::size_t>(StartSliderOf(number));
+    moment.labels[bones[number]] = {renderer.parameters.at(start).Name(),
+                                    renderer.parameters.at(start + 1).Name()};
+  }
+  FindTouching(bones, moment);
+  return moment;
+}
+
+void FlipFinder::FindTouching(const std::vector<std::size_t>& bones, Moment& moment) {
+  std::vector<const PlacedPiece*> pieces;
+  std::ranges::transform(moment.overlap.Pieces(), std::back_inserter(pieces),
+                         [](const PlacedPiece& piece) { return &piece; });
+  const auto left = [](const PlacedPiece* piece) { return BoundsOf(piece->corners).left; };
+  std::ranges::sort(pieces, {}, left);
+  for (std::size_t i = 0; i < pieces.size(); ++i) {
+    const double right = BoundsOf(pieces[i]->corners).right;
+    for (std::size_t j = i + 1; j < pieces.size() && left(pieces[j]) < right; ++j) {
+      if (pieces[i]->bone != pieces[j]->bone && Overlaps(pieces[i]->corners, pieces[j]->corners)) {
+        const PieceName one{bones[pieces[i]->bone], pieces[i]->index};
+        const PieceName other{bones[pieces[j]->bone], pieces[j]->index};
+        moment.touching.emplace_back(std::min(one, other), std::max(one, other));
+      }
+    }
+  }
+  std::ranges::sort(moment.touching);
+}
+
+void FlipFinder::Compare(const Moment& before, const Moment& now, int frame) {
+  const auto bonesOf = [](const Moment& moment) {
+    std::set<std::pair<std::size_t, std::size_t>> bones;
+    for (const auto& [one, other] : moment.touching) {
+      bones.insert({one.first, other.first});
+    }
+    return bones;
+  };
+  const auto touchingBefore = bonesOf(before);
+  std::map<std::pair<std::size_t, std::size_t>, Flip> found;
+  for (const auto& [one, other] : now.touching) {
+    if (!touchingBefore.contains({one.first, other.first}) || !before.places.contains(one) ||
+        !before.places.contains(other)) {
+      continue;
+    }
+    const bool wasInFront = before.places.at(one) > before.places.at(other);
+    const bool isInFront = now.places.at(one) > now.places.at(other);
+    const auto& pieces = now.overlap.Pieces();
+    const std::size_t pixels =
+        wasInFront == isInFront
+            ? 0
+            : SharedPixels(now.overlap, pieces[now.places.at(one)], pieces[now.places.at(other)]);
+    if (pixels == 0) {
+      continue;
+    }
+    const auto front = isInFront ? one.first : other.first;
+    const auto behind = isInFront ? other.first : one.first;
+    Flip& flip = found[{front, behind}];
+    flip.frame = frame;
+    flip.front = front;
+    flip.behind = behind;
+    ++flip.pairs;
+    flip.pixels += pixels;
+  }
+  for (auto& [bones, flip] : found) {
+    Explain(flip, now);
+    flips_.push_back(std::move(flip));
+  }
+}
+
+void FlipFinder::Explain(Flip& flip, const Moment& now) const {
+  for (const std::size_t bone : {flip.front, flip.behind}) {
+    for (const BoneKeys& keys : animation_.bones) {
+      if (keys.bone == bone) {
+        AddTrack(keys.z, flip.frame, "z of " + animation_.scene.bones[bone].name, flip.tracks);
+      }
+    }
+    for (const SettingKeys& keys : animation_.settings) {
+      if (std::ranges::count(now.labels.at(bone), keys.label) > 0) {
+        AddTrack(keys.value, flip.frame, "slider " + keys.label, flip.tracks);
+      }
+    }
+  }
+  if (!flip.tracks.empty()) {
+    flip.cause = std::ranges::any_of(flip.tracks, &FlipTrack::keyIsHere)
+                     ? Flip::Cause::kKey
+                     : Flip::Cause::kInterpolation;
+  }
+}
+
+}  // namespace standin

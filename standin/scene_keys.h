@@ -1,0 +1,20 @@
+#pragma once
+
+#include <optional>
+#include <vector>
+
+#include "standin/animation.h"
+#include "standin/scene_node.h"
+#include "standin/strip.h"
+
+namespace standin {
+
+/// Most frames that an animation has.
+inline constexpr int kMostFrames = 100'000;
+
+/// Reads the "frames" of a scene, if it has any, into an animation whose scene is read already.
+/// `strips` holds the strip of each bone that has one. `fileName` stands in the places of settings.
+void ReadFrames(const SceneNode& root, const std::vector<std::optional<Strip>>& strips,
+                const std::string& fileName, Animation& animation);
+
+}  // namespace standin

@@ -1,0 +1,51 @@
+#include "standin/scene_values.h"
+
+#include <algorithm>
+#include <iterator>
+
+namespace standin {
+namespace {
+
+Point ReadPoint(const SceneNode& node) {
+  const auto items = node.Items(2, "[x, y]");
+  return items.empty() ? Point{} : Point{items[0].Number(), items[1].Number()};
+}
+
+}  // namespace
+
+ZPair ReadEnds(const SceneNode& node, Range range) {
+  if (node.IsNumber()) {
+    const double both = node.Number(range);
+    return {both, both};
+  }
+  if (!node.IsList()) {
+    node.Expected("number or [start, end]");
+    return {};
+  }
+  const auto items = node.Items(2, "number or [start, end]");
+  return items.empty() ? ZPair{} : ZPair{items[0].Number(range), items[1].Number(range)};
+}
+
+template <std::size_t kCount>
+std::array<Point, kCount> ReadPoints(const SceneNode& node) {
+  std::array<Point, kCount> points{};
+  std::ranges::transform(node.Items(kCount, std::to_string(kCount) + " points"), points.begin(),
+                         ReadPoint);
+  return points;
+}
+
+template std::array<Point, 2> ReadPoints(const SceneNode& node);
+template std::array<Point, 4> ReadPoints(const SceneNode& node);
+
+std::size_t ReadImageName(const SceneNode& node, const std::vector<NamedImage>& images) {
+  const std::string name = node.Text();
+  const auto found = std::ranges::find(images, name, &NamedImage::name);
+  if (found == images.end() && !name.empty()) {
+    std::vector<std::string> names;
+    std::ranges::transform(images, std::back_inserter(names), &NamedImage::name);
+    node.Fault("no image is called \"" + name + "\"" + NearestHint(name, names));
+  }
+  return static_cast<std::size_t>(std::distance(images.begin(), found));
+}
+
+}  // namespace standin

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace standin {
+
+/// A number with so many digits after the point.
+std::string Fixed(double number, int digits);
+/// A number in as few digits as tell it from every other.
+std::string Shortest(double number);
+
+/// Rows of text whose columns stand under one another.
+class TextTable {
+ public:
+  /// A letter for each column: 'l' for text to the left, 'r' for text to the right.
+  explicit TextTable(std::string alignment) : alignment_(std::move(alignment)) {}
+
+  /// REQUIRES: a cell for each column.
+  void Add(std::vector<std::string> row) { rows_.push_back(std::move(row)); }
+  /// The lines, each begun with `indent`, without blanks at their ends.
+  [[nodiscard]] std::string Text(const std::string& indent = "") const;
+
+ private:
+  std::string alignment_;
+  std::vector<std::vector<std::string>> rows_;
+};
+
+}  // namespace standin

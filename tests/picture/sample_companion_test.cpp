@@ -1,0 +1,91 @@
+#include "examples/companion/sample_companion.h"
+
+#include <string>
+#include <vector>
+
+#include "sdk/aegp_suites.h"
+#include "tests/support/rig.h"
+
+namespace {
+
+using standin::Kind;
+using standin::Rgba;
+
+constexpr const char* kUtilities = "AEGP Utility Suite";
+constexpr PF_Pixel kRed{255, 200, 0, 0};
+constexpr Rgba kShown{200, 0, 0, 255};
+
+/// The sample on a layer with the plug-in: it talks with both by itself.
+class SampleCompanionTest : public support::RigTest {
+ protected:
+  SampleCompanionTest() : effect_(rig.host.AddCompanion(rig.layer, "Sample")) {}
+
+  /// A plug-in number of the companion's own.
+  AEGP_PluginID Register() {
+    const void* table = nullptr;
+    AEGP_PluginID id = 0;
+    basic_->AcquireSuite(kUtilities, 11, &table);
+    static_cast<const AEGP_UtilitySuite5*>(table)->AEGP_RegisterWithAEGP(nullptr, "QEZ_Tarvo", &id);
+    basic_->ReleaseSuite(kUtilities, 11);
+    return id;
+  }
+  A_Err Send(double left, double top) { return Send(left, top, effect_.Position()); }
+  A_Err Send(double left, double top, A_long place) {
+    PF_InData in{};
+    in.pica_basicP = basic_;
+    in.effect_ref = effect_.programRef;
+    in.time_scale = 25;
+    const std::size_t worlds = rig.host.books.Count(Kind::kWorld);
+    const A_Err err = sample_.Send(in, place, left, top);
+    // Whether it was taken or not, the sender's world is gone; the plug-in's own one waits.
+    EXPECT_EQ(rig.host.books.Count(Kind::kWorld), worlds + (sample_.ImageIsNew() ? 0 : waiting_));
+    EXPECT_TRUE(rig.host.books.Balanced());
+    return err;
+  }
+  Rgba PixelAt(int x, int y) {
+    const standin::Picture picture = rig.Render().picture;
+    return picture.At(x + picture.originX, y + picture.originY);
+  }
+
+  std::size_t waiting_ = 1;
+
+ private:
+  SPBasicSuite* basic_ = rig.host.InputRecord(nullptr).pica_basicP;
+  standin::Companion& effect_;
+
+ protected:
+  sample::SampleCompanion sample_{Register(), kRed};
+};
+
+TEST_F(SampleCompanionTest, HandsItsImageOverOnceAndMoves) {
+  EXPECT_EQ(Send(20, 30), PF_Err_NONE);
+  EXPECT_FALSE(sample_.ImageIsNew());
+  EXPECT_EQ(PixelAt(36, 46), kShown);
+
+  waiting_ = 0;  // no image goes with a mere move
+  EXPECT_EQ(Send(100, 90), PF_Err_NONE);
+  EXPECT_EQ(PixelAt(116, 106), kShown);
+}
+
+TEST_F(SampleCompanionTest, KeepsWhatWasNotTakenForTheNextTime) {
+  const auto failing = [&](const char* operation) {
+    rig.host.gate.FailOperation(operation);
+    const A_Err err = Send(20, 30);
+    rig.host.gate.FailNothing();
+    EXPECT_TRUE(sample_.ImageIsNew()) << operation;
+    return err;
+  };
+  for (const char* operation : {"AEGP_GetEffectLayer", "AEGP_GetLayerNumEffects", "new_world",
+                                "AEGP_GetLayerEffectByIndex", "AEGP_EffectCallGeneric"}) {
+    EXPECT_EQ(failing(operation), standin::kInjectedFailure) << operation;
+  }
+  EXPECT_EQ(failing("AcquireSuite"), PF_Err_BAD_CALLBACK_PARAM);
+  EXPECT_EQ(Send(20, 30, -1), PF_Err_BAD_CALLBACK_PARAM);  // refused by the renderer
+  EXPECT_TRUE(sample_.ImageIsNew());
+
+  EXPECT_EQ(Send(20, 30), PF_Err_NONE);
+  EXPECT_FALSE(sample_.ImageIsNew());
+  EXPECT_EQ(PixelAt(36, 46), kShown);
+}
+
+}  // namespace

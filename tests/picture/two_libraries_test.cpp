@@ -1,0 +1,61 @@
+// Two versions of the plug-in installed side by side are two files in one process.
+
+#include <filesystem>
+#include <optional>
+#include <random>
+#include <string>
+
+#include "standin/plugin_library.h"
+#include "tests/support/pieces.h"
+#include "tests/support/rig.h"
+
+namespace {
+
+using support::Rig;
+
+/// A library of its own: a copy of the installed file under another name.
+class OtherFile {
+ public:
+  ~OtherFile() { std::filesystem::remove(path_); }
+
+  [[nodiscard]] std::string Path() const { return path_.string(); }
+
+ private:
+  static std::filesystem::path Copy() {
+    std::filesystem::path path = std::filesystem::path(testing::TempDir()) /
+                                 ("other-" + std::to_string(std::random_device{}()) + ".aex");
+    std::filesystem::copy_file(TARVO_PLUGIN_FILE, path);
+    return path;
+  }
+
+  const std::filesystem::path path_ = Copy();
+};
+
+standin::Picture Draw(Rig& rig, unsigned seed) {
+  rig.AddBone(support::Pattern(64, 64, seed),
+              {support::Piece({20, 20, 120, 100}, {1, 1, 63, 63}, 0.5)});
+  rig.Send();
+  return rig.Render().picture;
+}
+
+TEST(TwoLibraries, StartRenderAndStopWithoutMeeting) {
+  const OtherFile file;
+  const standin::PluginLibrary other(file.Path());
+  ASSERT_NE(other.EntryPoint(), support::InstalledPlugin());
+  Rig alone(support::InstalledPlugin());
+  const standin::Picture expected = Draw(alone, 1);
+  const standin::Picture expectedOther = Draw(alone, 2);
+  support::ExpectBalanced(alone.host);
+
+  std::optional<Rig> first(support::InstalledPlugin());
+  Rig second(other.EntryPoint());
+  EXPECT_EQ(Draw(*first, 1), expected);
+  Draw(second, 1);
+  EXPECT_EQ(Draw(second, 2), expectedOther);
+  // One goes, and the other draws on.
+  support::ExpectBalanced(first->host);
+  EXPECT_EQ(second.Render().picture, expectedOther);
+  support::ExpectBalanced(second.host);
+}
+
+}  // namespace

@@ -1,0 +1,15 @@
+#include <cstdlib>
+#include <string>
+
+#include "standin/file_path.h"
+#include "tests/standin/shell.h"
+
+int RunInShell(const std::string& line) {
+  // The shell takes the outermost quotes away. A path turns UTF-8 into the system's wide letters.
+  return _wsystem(standin::FilePath("\"" + line + "\"").Get().c_str());
+}
+
+std::string TextOf(std::string printed) {
+  std::erase(printed, '\r');
+  return printed;
+}
