@@ -1,4 +1,4 @@
-#include <ranges>
+#include <vector>
 
 #include "standin/compare.h"
 #include "standin/explanation.h"
@@ -43,14 +43,15 @@ Json PieceJson(const Explanation& explanation, std::size_t place) {
 
 Json ToJson(const PixelReport& pixel, const Overlap& overlap) {
   Json pieces = Json::array();
-  for (const PixelPart& part : std::views::reverse(pixel.story.parts)) {
-    pieces.push_back({{"order", OrderOf(overlap, part.piece)},
-                      {"sample", part.sample},
-                      {"alpha", part.alpha},
-                      {"owner", part.owner},
-                      {"laidOver", part.laidOver},
-                      {"over", part.over},
-                      {"ground", part.ground}});
+  const std::vector<PixelPart>& parts = pixel.story.parts;
+  for (auto part = parts.rbegin(); part != parts.rend(); ++part) {
+    pieces.push_back({{"order", OrderOf(overlap, part->piece)},
+                      {"sample", part->sample},
+                      {"alpha", part->alpha},
+                      {"owner", part->owner},
+                      {"laidOver", part->laidOver},
+                      {"over", part->over},
+                      {"ground", part->ground}});
   }
   return {{"at", {pixel.x, pixel.y}},
           {"pieces", pieces},
@@ -75,10 +76,11 @@ std::string ExplanationJson(const Explanation& explanation) {
   for (std::size_t place = overlap.Pieces().size(); place-- > 0;) {
     json["pieces"].push_back(PieceJson(explanation, place));
   }
-  for (const Tie& tie : std::views::reverse(explanation.ties)) {
-    json["ties"].push_back({{"first", OrderOf(overlap, tie.last)},
-                            {"last", OrderOf(overlap, tie.first)},
-                            {"overlapping", tie.overlapping}});
+  const std::vector<Tie>& ties = explanation.ties;
+  for (auto tie = ties.rbegin(); tie != ties.rend(); ++tie) {
+    json["ties"].push_back({{"first", OrderOf(overlap, tie->last)},
+                            {"last", OrderOf(overlap, tie->first)},
+                            {"overlapping", tie->overlapping}});
   }
   if (explanation.pixel) {
     json["pixel"] = ToJson(*explanation.pixel, overlap);

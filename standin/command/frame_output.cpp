@@ -1,10 +1,10 @@
 #include "standin/command/frame_output.h"
 
 #include <algorithm>
-#include <cctype>
 #include <cstddef>
+#include <optional>
 #include <ostream>
-#include <regex>
+#include <string_view>
 
 #include "standin/command/movie.h"
 #include "standin/command/system.h"
@@ -14,9 +14,25 @@
 namespace standin {
 namespace {
 
-const std::regex& FrameNumber() {
-  static const std::regex number("%(?:0([1-9]))?d");
-  return number;
+/// Where a name has "%d" or "%0Nd", N from 1 to 9.
+struct FrameNumber {
+  std::size_t place = 0;
+  std::size_t length = 0;
+  std::size_t width = 0;  ///< least number of digits
+};
+
+std::optional<FrameNumber> FindFrameNumber(const std::string& name) {
+  for (std::size_t at = name.find('%'); at != std::string::npos; at = name.find('%', at + 1)) {
+    const std::string_view rest = std::string_view(name).substr(at + 1);
+    if (rest.starts_with('d')) {
+      return FrameNumber{.place = at, .length = 2};
+    }
+    if (rest.size() >= 3 && rest[0] == '0' && rest[1] >= '1' && rest[1] <= '9' && rest[2] == 'd') {
+      return FrameNumber{
+          .place = at, .length = 4, .width = static_cast<std::size_t>(rest[1] - '0')};
+    }
+  }
+  return std::nullopt;
 }
 
 }  // namespace
@@ -25,19 +41,17 @@ OutputKind KindOf(const std::string& output) {
   if (output == "-") {
     return OutputKind::kStream;
   }
-  if (std::regex_search(output, FrameNumber())) {
+  if (FindFrameNumber(output)) {
     return OutputKind::kFrames;
   }
   return IsMovie(output) ? OutputKind::kMovie : OutputKind::kPicture;
 }
 
 std::string FrameFile(const std::string& pattern, int frame) {
-  std::smatch place;
-  std::regex_search(pattern, place, FrameNumber());
-  const std::size_t width = place[1].matched ? std::stoul(place[1]) : 0;
+  const FrameNumber found = FindFrameNumber(pattern).value();
   std::string number = std::to_string(frame);
-  number.insert(0, width - std::min(width, number.size()), '0');
-  return place.prefix().str() + number + place.suffix().str();
+  number.insert(0, found.width - std::min(found.width, number.size()), '0');
+  return std::string(pattern).replace(found.place, found.length, number);
 }
 
 void FrameFiles::Take(int frame, const Picture& picture) {

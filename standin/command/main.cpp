@@ -8,6 +8,7 @@
 int main(int argc, char** argv) {
   const std::vector<std::string> words = standin::CommandLineWords(argc, argv);
   std::vector<const char*> pointers;
+  pointers.reserve(words.size());
   for (const std::string& word : words) {
     pointers.push_back(word.c_str());
   }
