@@ -27,10 +27,12 @@ std::optional<ImageChoice> ChoiceOf(const PieceQuad& quad) {
   }
 }
 
-QuadCorners ToCorners(const double (&points)[4][2]) {
+/// From coordinate(corner, axis): a piece's record is packed, so that only values can leave it.
+template <typename Coordinate>
+QuadCorners ToCorners(Coordinate coordinate) {
   QuadCorners corners;
   for (std::size_t i = 0; i < corners.size(); ++i) {
-    corners.at(i) = {points[i][0], points[i][1]};
+    corners.at(i) = {coordinate(i, 0), coordinate(i, 1)};
   }
   return corners;
 }
@@ -97,8 +99,10 @@ void Overlap::Gather(std::size_t number) {
     }
     piece.ownDepth = OwnDepth(bone, piece.t);
     piece.depth = piece.ownDepth - kDepthPerBone * static_cast<double>(number);
-    piece.corners = Placed(ToCorners(quad.corners), view_);
-    piece.texture = ToCorners(quad.texCoords);
+    const auto corner = [&](std::size_t c, int axis) -> double { return quad.corners[c][axis]; };
+    const auto texture = [&](std::size_t c, int axis) -> double { return quad.texCoords[c][axis]; };
+    piece.corners = Placed(ToCorners(corner), view_);
+    piece.texture = ToCorners(texture);
     pieces_.push_back(piece);
   }
 }
