@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <vector>
 
 #include "standin/compare.h"
@@ -44,15 +45,15 @@ Json PieceJson(const Explanation& explanation, std::size_t place) {
 Json ToJson(const PixelReport& pixel, const Overlap& overlap) {
   Json pieces = Json::array();
   const std::vector<PixelPart>& parts = pixel.story.parts;
-  for (auto part = parts.rbegin(); part != parts.rend(); ++part) {
-    pieces.push_back({{"order", OrderOf(overlap, part->piece)},
-                      {"sample", part->sample},
-                      {"alpha", part->alpha},
-                      {"owner", part->owner},
-                      {"laidOver", part->laidOver},
-                      {"over", part->over},
-                      {"ground", part->ground}});
-  }
+  std::for_each(parts.rbegin(), parts.rend(), [&](const PixelPart& part) {
+    pieces.push_back({{"order", OrderOf(overlap, part.piece)},
+                      {"sample", part.sample},
+                      {"alpha", part.alpha},
+                      {"owner", part.owner},
+                      {"laidOver", part.laidOver},
+                      {"over", part.over},
+                      {"ground", part.ground}});
+  });
   return {{"at", {pixel.x, pixel.y}},
           {"pieces", pieces},
           {"premultiplied", pixel.story.premultiplied},
@@ -77,11 +78,11 @@ std::string ExplanationJson(const Explanation& explanation) {
     json["pieces"].push_back(PieceJson(explanation, place));
   }
   const std::vector<Tie>& ties = explanation.ties;
-  for (auto tie = ties.rbegin(); tie != ties.rend(); ++tie) {
-    json["ties"].push_back({{"first", OrderOf(overlap, tie->last)},
-                            {"last", OrderOf(overlap, tie->first)},
-                            {"overlapping", tie->overlapping}});
-  }
+  std::for_each(ties.rbegin(), ties.rend(), [&](const Tie& tie) {
+    json["ties"].push_back({{"first", OrderOf(overlap, tie.last)},
+                            {"last", OrderOf(overlap, tie.first)},
+                            {"overlapping", tie.overlapping}});
+  });
   if (explanation.pixel) {
     json["pixel"] = ToJson(*explanation.pixel, overlap);
   }
