@@ -7,10 +7,6 @@
 namespace standin {
 namespace {
 
-// What sliders, opacities and widths take: an eased value may swing beyond its keys, not beyond
-// these.
-constexpr double kDeepest = 1e9;
-
 /// A coordinate of a Bézier curve from 0 over a and b to 1, and its derivative.
 struct Unit {
   double a = 0.0;
@@ -134,7 +130,7 @@ void MoveBone(Bone& bone, const BoneKeys& keys, int frame) {
     bone.opacityB = std::clamp(MixedAt(keys.opacityB, frame), 0.0, 1.0);
   }
   if (!keys.z.empty()) {
-    bone.z = Clamped(MixedAt(keys.z, frame), -kDeepest, kDeepest);
+    bone.z = Clamped(MixedAt(keys.z, frame), -kDeepestZ, kDeepestZ);
   }
   MoveStrip(bone, keys, frame);
   MoveCorners(bone, keys.corners, frame);

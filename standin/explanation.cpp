@@ -8,8 +8,6 @@
 namespace standin {
 namespace {
 
-constexpr std::size_t kFastTransparency = 53;
-
 /// Whether the user can turn a parameter to a value: the list leaves out buttons and groups.
 bool HasValue(const Parameter& parameter) {
   const auto type = parameter.definition.param_type;
@@ -100,7 +98,7 @@ bool Explanation::IsTied(std::size_t piece) const {
 Explanation Explain(const Host& host, const Scene& scene, const Picture& frame,
                     const std::optional<std::pair<int, int>>& pixel) {
   const RendererInstance& renderer = PlayedRenderer(host);
-  const OverlapView layer{.exact = renderer.parameters.at(kFastTransparency).Value() == 0.0};
+  const OverlapView layer{.exact = IsExact(renderer)};
   Explanation explanation{.overlap = Overlap(BonesOn(PlayedLayer(host), renderer), layer)};
   explanation.sliders = SlidersOf(renderer, explanation.overlap.Bones().size());
   explanation.ties = TiesOf(explanation.overlap);

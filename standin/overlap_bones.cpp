@@ -7,7 +7,6 @@
 namespace standin {
 namespace {
 
-constexpr std::size_t kPairs = 25;
 constexpr std::size_t kFastTransparency = 53;
 
 double ValueOf(const RendererInstance& renderer, std::size_t index) {
@@ -26,7 +25,9 @@ std::vector<std::size_t> ActiveBones(const Scene& scene) {
   return bones;
 }
 
-int StartSliderOf(std::size_t bone) { return static_cast<int>(2 * std::min(bone, kPairs - 1) + 1); }
+int StartSliderOf(std::size_t bone) {
+  return static_cast<int>(2 * std::min<std::size_t>(bone, kBonesWithSliders - 1) + 1);
+}
 
 std::vector<const Companion*> ActiveCompanions(const Layer& layer) {
   std::vector<const Companion*> active;
@@ -55,6 +56,10 @@ std::vector<OverlapBone> BonesOn(const Layer& layer, const RendererInstance& ren
   return bones;
 }
 
+bool IsExact(const RendererInstance& renderer) {
+  return ValueOf(renderer, kFastTransparency) == 0.0;
+}
+
 OverlapView ViewOf(const Picture& picture, const RendererInstance& renderer,
                    const FrameRequest& request) {
   return {.width = picture.width,
@@ -63,7 +68,7 @@ OverlapView ViewOf(const Picture& picture, const RendererInstance& renderer,
           .scaleY = 1.0 / request.downsampleY,
           .originX = static_cast<double>(picture.originX + request.preEffectOriginX),
           .originY = static_cast<double>(picture.originY + request.preEffectOriginY),
-          .exact = ValueOf(renderer, kFastTransparency) == 0.0};
+          .exact = IsExact(renderer)};
 }
 
 const Layer& PlayedLayer(const Host& host) {

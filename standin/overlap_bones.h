@@ -16,6 +16,9 @@ std::vector<std::size_t> ActiveBones(const Scene& scene);
 /// Bones beyond the last pair use that one.
 int StartSliderOf(std::size_t bone);
 
+/// True iff the renderer's "Fast transparency" is off.
+bool IsExact(const RendererInstance& renderer);
+
 /// The companions that are switched on, from the top of the stack: bone number o at index o.
 std::vector<const Companion*> ActiveCompanions(const Layer& layer);
 

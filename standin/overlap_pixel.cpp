@@ -7,7 +7,6 @@
 namespace standin {
 namespace {
 
-constexpr double kOwningAlpha = 0.5;
 constexpr double kOwningDoubt = 2.0 / 255.0;
 
 bool SameImage(const PlacedPiece& one, const PlacedPiece& other) {

@@ -15,6 +15,9 @@
 
 namespace standin {
 
+/// The least alpha with which a piece owns a pixel of its image.
+inline constexpr double kOwningAlpha = 0.5;
+
 /// The part that one piece has in a pixel. What all parts add, over and ground, comes to the
 /// pixel's colour, but for the rounding to 8 bits between the steps.
 struct PixelPart {

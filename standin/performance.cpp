@@ -8,6 +8,7 @@
 #include <string_view>
 #include <utility>
 
+#include "standin/overlap_bones.h"
 #include "standin/performance_settings.h"
 #include "standin/scene_faults.h"
 
@@ -15,9 +16,6 @@ namespace standin {
 namespace {
 
 constexpr const char* kFastLabel = "Fast transparency";
-
-/// Index of the start slider of the bone with this number (from 0); its end slider is the next.
-constexpr int StartSlider(int bone) { return 2 * bone + 1; }
 
 /// "render returned 512: OpenGL resources failed to load!"
 std::string Complaint(std::string_view step, const CommandResult& result) {
@@ -246,16 +244,13 @@ void Performance::ExpectDeclared(int index) const {
 
 std::vector<ParameterChange> Performance::Changes(const PlayOptions& options) const {
   std::vector<ParameterChange> changes;
-  int number = 0;
-  for (const StackEntry& entry : scene_.stack) {
-    if (entry.kind != StackEntry::Kind::kBone || !scene_.bones[entry.index].active) {
-      continue;
+  const std::vector<std::size_t> bones = ActiveBones(scene_);
+  for (std::size_t number = 0; number < bones.size(); ++number) {
+    if (const auto& z = scene_.bones[bones[number]].z) {
+      const int start = StartSliderOf(number);
+      changes.push_back({start, z->start});
+      changes.push_back({start + 1, z->end});
     }
-    if (const auto& z = scene_.bones[entry.index].z) {
-      changes.push_back({StartSlider(number), z->start});
-      changes.push_back({StartSlider(number) + 1, z->end});
-    }
-    ++number;
   }
   std::vector<Setting> settings;
   if (const auto fast = options.fast ? options.fast : scene_.fast) {

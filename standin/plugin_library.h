@@ -8,6 +8,8 @@
 
 namespace standin {
 
+class DynamicLibrary;
+
 /// A plug-in file that cannot be used; the text names the file and what is wrong with it.
 class PluginLoadError : public std::runtime_error {
  public:
@@ -30,11 +32,9 @@ class PluginLibrary {
   [[nodiscard]] const std::string& Path() const { return path_; }
 
  private:
-  struct Module;  // the system's handle
-
-  std::unique_ptr<Module> module_;
-  PF_EntryPoint entryPoint_ = nullptr;
   std::string path_;
+  std::unique_ptr<DynamicLibrary> library_;
+  PF_EntryPoint entryPoint_;
 };
 
 }  // namespace standin

@@ -10,6 +10,12 @@
 
 namespace standin {
 
+/// Most bones that can be switched on and still have sliders of their own.
+inline constexpr int kBonesWithSliders = 25;
+
+/// The greatest Z, before or behind, that a slider takes when typed.
+inline constexpr double kDeepestZ = 1e9;
+
 /// A place: layer pixels for corners, image pixels for texture coordinates.
 struct Point {
   double x = 0.0;

@@ -9,9 +9,6 @@
 
 namespace standin {
 
-/// Most bones that can be switched on and still have sliders of their own.
-inline constexpr int kBonesWithSliders = 25;
-
 /// Reads a scene file (docs/scene-format.md) and everything it names. Throws InputError with all of
 /// its faults, each beginning with the file's name as given here.
 Animation ReadAnimation(const FilePath& file);

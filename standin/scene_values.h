@@ -11,7 +11,7 @@
 namespace standin {
 
 inline constexpr Range kOpacities{.least = 0.0, .most = 1.0};
-inline constexpr Range kDepths{.least = -1e9, .most = 1e9};  // what a slider accepts when typed
+inline constexpr Range kDepths{.least = -kDeepestZ, .most = kDeepestZ};
 inline constexpr Range kWidths{.least = 0.0};
 
 /// One number for both ends, or [start, end].

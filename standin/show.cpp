@@ -19,7 +19,6 @@ namespace {
 constexpr Rgba kWhite{255, 255, 255, 255};
 constexpr Rgba kInk{0, 0, 0, 200};
 constexpr Rgba kPanel{16, 16, 16, 215};
-constexpr double kOwningAlpha = 0.5;
 
 const std::map<std::string_view, Sight> kSights = {{"bones", Sight::kBones},
                                                    {"pieces", Sight::kPieces},

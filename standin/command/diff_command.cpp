@@ -4,6 +4,7 @@
 #include <string>
 
 #include "standin/command/command.h"
+#include "standin/command/finish.h"
 #include "standin/command/scene_options.h"
 #include "standin/compare.h"
 #include "standin/image_file.h"
@@ -69,11 +70,7 @@ void Diff(const DiffOptions& options, const Console& console) {
   faults.ThrowIfAny();
   const auto comparison = CompareIfSameSize(one, other, options.tolerance);
   if (!options.output.empty()) {
-    try {
-      WritePng(options.output, SideBySide(one, other, options.tolerance));
-    } catch (const FileError& error) {
-      throw InputError({options.output + ": " + error.what()});
-    }
+    WritePicture(options.output, SideBySide(one, other, options.tolerance));
   }
   console.out << options.one << ": " << SizeText(one) << '\n'
               << options.other << ": " << SizeText(other) << '\n'

@@ -7,6 +7,9 @@
 #include <map>
 #include <string_view>
 
+#include "standin/image_file.h"
+#include "standin/scene_faults.h"
+
 namespace standin {
 namespace {
 
@@ -80,6 +83,14 @@ Picture CropToLayer(const Picture& picture, int width, int height) {
     }
   }
   return cropped;
+}
+
+void WritePicture(const std::string& file, const Picture& picture) {
+  try {
+    WritePng(file, picture);
+  } catch (const FileError& error) {
+    throw InputError({file + ": " + error.what()});
+  }
 }
 
 Picture Over(const Picture& picture, const Background& background) {

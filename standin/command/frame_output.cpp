@@ -6,6 +6,7 @@
 #include <ostream>
 #include <string_view>
 
+#include "standin/command/finish.h"
 #include "standin/command/movie.h"
 #include "standin/command/system.h"
 #include "standin/image_file.h"
@@ -55,12 +56,7 @@ std::string FrameFile(const std::string& pattern, int frame) {
 }
 
 void FrameFiles::Take(int frame, const Picture& picture) {
-  const std::string file = FrameFile(pattern_, frame);
-  try {
-    WritePng(file, picture);
-  } catch (const FileError& error) {
-    throw InputError({file + ": " + error.what()});
-  }
+  WritePicture(FrameFile(pattern_, frame), picture);
 }
 
 FrameStream::FrameStream(std::ostream& stream, bool isRaw) : stream_(stream), isRaw_(isRaw) {

@@ -3,13 +3,13 @@
 #include <algorithm>
 #include <array>
 #include <cctype>
-#include <charconv>
 #include <filesystem>
 #include <stdexcept>
 #include <utility>
 #include <vector>
 
 #include "standin/scene_faults.h"
+#include "standin/text_table.h"
 
 namespace standin {
 namespace {
@@ -49,13 +49,6 @@ const Format* FormatOf(const std::string& file) {
   const auto found =
       std::ranges::find(Formats(), ending, [](const Format& format) { return "." + format.name; });
   return found == Formats().end() ? nullptr : &*found;
-}
-
-/// A number in as few digits as tell it from every other.
-std::string Shortest(double number) {
-  std::array<char, 32> text{};
-  const auto end = std::to_chars(text.data(), text.data() + text.size(), number).ptr;
-  return {text.data(), end};
 }
 
 std::vector<std::string> EncoderCommand(const std::string& file, const PartFile& part, int width,

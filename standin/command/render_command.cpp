@@ -5,21 +5,13 @@
 #include <vector>
 
 #include "standin/command/command.h"
+#include "standin/command/finish.h"
 #include "standin/command/render_frames.h"
 #include "standin/command/render_options.h"
-#include "standin/image_file.h"
 #include "standin/scene_file.h"
 
 namespace standin {
 namespace {
-
-void Write(const std::string& output, const Picture& picture) {
-  try {
-    WritePng(output, picture);
-  } catch (const FileError& error) {
-    throw InputError({output + ": " + error.what()});
-  }
-}
 
 /// One picture, which is written only once everything went well.
 void RenderPicture(const RenderOptions& options, const RenderWishes& wishes,
@@ -37,7 +29,7 @@ void RenderPicture(const RenderOptions& options, const RenderWishes& wishes,
     FrameStream(console.out, options.raw).Take(frame, picture);
     return;
   }
-  Write(options.output, picture);
+  WritePicture(options.output, picture);
   if (!options.quiet) {
     console.out << options.output << ": " << picture.width << "x" << picture.height << ", "
                 << played.pieces << " pieces, " << std::lround(played.milliseconds) << " ms\n";

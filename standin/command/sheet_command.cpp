@@ -12,7 +12,6 @@
 #include "standin/command/finish.h"
 #include "standin/command/frame_list.h"
 #include "standin/command/scene_options.h"
-#include "standin/image_file.h"
 #include "standin/performance.h"
 #include "standin/scene_file.h"
 #include "standin/sheet.h"
@@ -199,11 +198,7 @@ class SheetMaker {
 
 void WriteSheet(const SheetOptions& options, const Console& console) {
   const Picture sheet = SheetMaker(options, console).Make();
-  try {
-    WritePng(options.output, sheet);
-  } catch (const FileError& error) {
-    throw InputError({options.output + ": " + error.what()});
-  }
+  WritePicture(options.output, sheet);
   console.out << options.output << ": " << sheet.width << "x" << sheet.height << '\n';
 }
 
