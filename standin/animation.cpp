@@ -47,10 +47,6 @@ double Solve(const Unit& curve, double target) {
 
 double Mix(double from, double to, double share) { return std::lerp(from, to, share); }
 
-Point Mix(Point from, Point to, double share) {
-  return {Mix(from.x, to.x, share), Mix(from.y, to.y, share)};
-}
-
 ZPair Mix(ZPair from, ZPair to, double share) {
   return {Mix(from.start, to.start, share), Mix(from.end, to.end, share)};
 }

@@ -6,7 +6,7 @@
 namespace standin {
 namespace {
 
-constexpr std::array<std::string_view, kKinds> kNames = {
+constexpr std::array<std::string_view, kKinds> kKindNames = {
     "effect instance", "handle",       "world",       "item",
     "composition",     "layer",        "preferences", "effect reference",
     "stream",          "stream value", "suite",       "undo group",
@@ -33,7 +33,7 @@ bool IsTemporary(Kind kind) {
 
 }  // namespace
 
-std::string_view Name(Kind kind) { return kNames[Index(kind)]; }
+std::string_view Name(Kind kind) { return kKindNames[Index(kind)]; }
 
 const void* Books::Issue(Kind kind, std::string label, void* subject) {
   // NOLINTNEXTLINE(performance-no-int-to-ptr): an opaque name in the shape of a pointer.

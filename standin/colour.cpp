@@ -7,14 +7,8 @@
 namespace standin {
 namespace {
 
-constexpr double kSteps = 255.0;
-
-double Stored(double value) {
+double StoredChannel(double value) {
   return std::floor(std::clamp(value, 0.0, 1.0) * kSteps + 0.5) / kSteps;
-}
-
-std::uint8_t Byte(double value) {
-  return static_cast<std::uint8_t>(std::lround(Stored(value) * kSteps));
 }
 
 Colour Texel(const Picture& image, double column, double row) {
@@ -33,9 +27,13 @@ Colour Mix(const Colour& from, const Colour& to, double share) {
 
 }  // namespace
 
+std::uint8_t Byte(double share) {
+  return static_cast<std::uint8_t>(std::lround(StoredChannel(share) * kSteps));
+}
+
 Colour Stored(const Colour& colour) {
   Colour stored{};
-  std::ranges::transform(colour, stored.begin(), [](double value) { return Stored(value); });
+  std::ranges::transform(colour, stored.begin(), StoredChannel);
   return stored;
 }
 

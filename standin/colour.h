@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
 
 #include "standin/picture.h"
 #include "standin/scene.h"
@@ -14,6 +15,11 @@ namespace standin {
 /// Red, green, blue, alpha, each from 0 to 1.
 using Colour = std::array<double, 4>;
 inline constexpr std::size_t kAlpha = 3;
+
+/// The greatest value of a channel of 8 bits.
+inline constexpr double kSteps = 255.0;
+/// A share of a channel, from 0 to 1, as 8 bits keep it.
+std::uint8_t Byte(double share);
 
 /// Rounded to 8 bits a channel: all that a texture or a render target keeps.
 Colour Stored(const Colour& colour);

@@ -111,7 +111,7 @@ A_Err GetEffectMatchName(Core& core, AEGP_InstalledEffectKey key, A_char* name) 
 }
 
 template <int kVersion>
-void Fill(AEGP_EffectSuite<kVersion>& suite) {
+void FillSuite(AEGP_EffectSuite<kVersion>& suite) {
   suite.AEGP_GetLayerNumEffects = Operation<"AEGP_GetLayerNumEffects", GetLayerNumEffects>::Call;
   suite.AEGP_GetLayerEffectByIndex =
       Operation<"AEGP_GetLayerEffectByIndex", GetLayerEffectByIndex>::Call;
@@ -130,9 +130,9 @@ void AddEffectSuites(Core& core) {
   fromEffect.AEGP_GetEffectLayer = Operation<"AEGP_GetEffectLayer", GetEffectLayer>::Call;
   fromEffect.AEGP_GetNewEffectForEffect =
       Operation<"AEGP_GetNewEffectForEffect", GetNewEffectForEffect>::Call;
-  Fill(core.suites.Add<AEGP_EffectSuite2>("AEGP Effect Suite", 2));
+  FillSuite(core.suites.Add<AEGP_EffectSuite2>("AEGP Effect Suite", 2));
   auto& latest = core.suites.Add<AEGP_EffectSuite3>("AEGP Effect Suite", 3);
-  Fill(latest);
+  FillSuite(latest);
   latest.AEGP_EffectCallGeneric = Operation<"AEGP_EffectCallGeneric", EffectCallGeneric>::Call;
 }
 

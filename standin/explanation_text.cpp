@@ -1,14 +1,13 @@
 #include <cmath>
 #include <cstdlib>
 
+#include "standin/colour.h"
 #include "standin/compare.h"
 #include "standin/explanation.h"
 #include "standin/text_table.h"
 
 namespace standin {
 namespace {
-
-constexpr double kSteps = 255.0;
 
 std::string Channels(const Colour& colour) {
   std::string text;
@@ -50,7 +49,7 @@ class Writer {
   }
 
   void Sliders() {
-    TextTable table("rlrll");
+    TextTable table("rlrl");
     std::size_t hidden = 0;
     for (const SliderRow& row : explanation_.sliders) {
       if (!row.shown) {
@@ -61,9 +60,9 @@ class Writer {
       for (const std::size_t bone : row.bones) {
         bones += (bones.empty() ? "bone " : ", ") + BoneText(bone);
       }
-      table.Add({std::to_string(row.parameter), row.label, Shortest(row.value), "shown", bones});
+      table.Add({std::to_string(row.parameter), row.label, Shortest(row.value), bones});
     }
-    text_ += "Sliders:\n" + table.Text("  ") + "  and " + std::to_string(hidden) +
+    text_ += "Sliders that are shown:\n" + table.Text("  ") + "  and " + std::to_string(hidden) +
              " hidden ones (--json lists them)\n";
   }
 

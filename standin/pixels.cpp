@@ -77,8 +77,12 @@ PF_Pixel Straightened(PF_Pixel pixel) {
           Scaled(pixel.blue, 255, pixel.alpha)};
 }
 
-void PremultiplyPixels(PF_EffectWorld& world) { MapPixels(world, Premultiplied); }
+void PremultiplyPixels(PF_EffectWorld& world) {
+  MapPixels(world, [](PF_Pixel pixel) { return Premultiplied(pixel); });
+}
 
-void StraightenPixels(PF_EffectWorld& world) { MapPixels(world, Straightened); }
+void StraightenPixels(PF_EffectWorld& world) {
+  MapPixels(world, [](PF_Pixel pixel) { return Straightened(pixel); });
+}
 
 }  // namespace standin

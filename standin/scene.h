@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <cmath>
 #include <cstddef>
 #include <optional>
 #include <string>
@@ -23,6 +24,11 @@ struct Point {
 
   bool operator==(const Point&) const = default;
 };
+
+/// The point at a share of the way from one to another.
+inline Point Mix(Point from, Point to, double share) {
+  return {std::lerp(from.x, to.x, share), std::lerp(from.y, to.y, share)};
+}
 
 /// Which of a bone's two images a piece samples.
 enum class ImageChoice { kA, kB };

@@ -10,8 +10,8 @@ namespace {
 
 constexpr int kGap = 8;
 constexpr int kLabelHeight = kTextHeight + 4;
-constexpr Rgba kGround{36, 36, 36, 255};
-constexpr Rgba kInk{240, 240, 240, 255};
+constexpr Rgba kSheetGround{36, 36, 36, 255};
+constexpr Rgba kSheetInk{240, 240, 240, 255};
 
 std::string Cut(std::string text, int width) {
   while (!text.empty() && TextWidth(text) > width) {
@@ -33,11 +33,11 @@ Picture MakeSheet(const std::vector<SheetCell>& cells, std::size_t columns) {
   const auto down = static_cast<int>((cells.size() + columns - 1) / columns);
   const int stepX = width + kGap;
   const int stepY = height + kLabelHeight + kGap;
-  Picture sheet(across * stepX + kGap, down * stepY + kGap, kGround);
+  Picture sheet(across * stepX + kGap, down * stepY + kGap, kSheetGround);
   for (std::size_t i = 0; i < cells.size(); ++i) {
     const int left = kGap + static_cast<int>(i % columns) * stepX;
     const int top = kGap + static_cast<int>(i / columns) * stepY;
-    WriteText(sheet, left, top + 2, Cut(cells[i].label, width), kInk);
+    WriteText(sheet, left, top + 2, Cut(cells[i].label, width), kSheetInk);
     const Picture& picture = cells[i].picture;
     for (int y = 0; y < picture.height; ++y) {
       for (int x = 0; x < picture.width; ++x) {

@@ -11,23 +11,20 @@
 #include <vector>
 
 #include "standin/canvas.h"
+#include "standin/colour.h"
 #include "standin/overlap_picture.h"
 
 namespace standin {
 namespace {
 
 constexpr Rgba kWhite{255, 255, 255, 255};
-constexpr Rgba kInk{0, 0, 0, 200};
+constexpr Rgba kOutline{0, 0, 0, 200};
 constexpr Rgba kPanel{16, 16, 16, 215};
 
 const std::map<std::string_view, Sight> kSights = {{"bones", Sight::kBones},
                                                    {"pieces", Sight::kPieces},
                                                    {"depth", Sight::kDepth},
                                                    {"owner", Sight::kOwner}};
-
-std::uint8_t Byte(double share) {
-  return static_cast<std::uint8_t>(std::lround(std::clamp(share, 0.0, 1.0) * 255.0));
-}
 
 /// Neighbouring numbers get colours far apart: hues step by the golden section.
 Rgba ColourOfBone(std::size_t number, double brightness = 1.0) {
@@ -171,7 +168,7 @@ class Shower {
 
   void DrawSides(const std::vector<Side>& sides, Rgba colour, int width) {
     for (const auto& [from, to] : sides) {
-      DrawLine(picture_, from, to, kInk, width + 2);
+      DrawLine(picture_, from, to, kOutline, width + 2);
     }
     for (const auto& [from, to] : sides) {
       DrawLine(picture_, from, to, colour, width);

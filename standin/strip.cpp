@@ -8,8 +8,6 @@
 namespace standin {
 namespace {
 
-Point Mix(Point a, Point b, double u) { return {std::lerp(a.x, b.x, u), std::lerp(a.y, b.y, u)}; }
-
 double Distance(Point a, Point b) { return std::hypot(b.x - a.x, b.y - a.y); }
 
 /// A place on a curve and the way on from there, of any length.

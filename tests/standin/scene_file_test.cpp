@@ -11,9 +11,9 @@ namespace {
 
 using standin::InputError;
 using standin::Scene;
-using Kind = standin::StackEntry::Kind;
+using EntryKind = standin::StackEntry::Kind;
 
-const std::filesystem::path kBroken = std::filesystem::path(TARVO_EXAMPLES) / "broken";
+const std::filesystem::path kImageFolder = std::filesystem::path(TARVO_EXAMPLES) / "broken";
 
 // A scene that says everything there is to say; its image is one of the samples'.
 constexpr const char* kFull = R"({
@@ -33,7 +33,7 @@ constexpr const char* kFull = R"({
                "poseWidth": [12, 4], "pieces": 3}}]})";
 
 Scene Read(const std::string& text) {
-  return standin::ReadAnimation(text, kBroken, "scene.json").scene;
+  return standin::ReadAnimation(text, kImageFolder, "scene.json").scene;
 }
 
 std::string Faults(const std::string& text) {
@@ -86,15 +86,15 @@ TEST(SceneFile, ReadsEverythingThatASceneSays) {
 
 TEST(SceneFile, FillsTheStackWithBonesAroundWhatHasAPlace) {
   const Scene scene = Read(kFull);
-  std::vector<std::pair<Kind, std::size_t>> stack;
+  std::vector<std::pair<EntryKind, std::size_t>> stack;
   for (const auto& entry : scene.stack) {
     stack.emplace_back(entry.kind, entry.index);
   }
-  EXPECT_EQ(stack, (std::vector<std::pair<Kind, std::size_t>>{{Kind::kBone, 0},
-                                                              {Kind::kOther, 0},
-                                                              {Kind::kRenderer, 0},
-                                                              {Kind::kBone, 1},
-                                                              {Kind::kOther, 1}}));
+  EXPECT_EQ(stack, (std::vector<std::pair<EntryKind, std::size_t>>{{EntryKind::kBone, 0},
+                                                                   {EntryKind::kOther, 0},
+                                                                   {EntryKind::kRenderer, 0},
+                                                                   {EntryKind::kBone, 1},
+                                                                   {EntryKind::kOther, 1}}));
 }
 
 TEST(SceneFile, AStripIsAsWideAsItsRestAndHasEightPiecesUnlessSaid) {

@@ -1,0 +1,60 @@
+// Animations where a POSIX shell sends the signal, and stands in for ffmpeg.
+
+#include <filesystem>
+#include <string>
+
+#include "tests/standin/frames_fixture.h"
+
+namespace {
+
+using standin::ReadWholeFile;
+
+TEST_F(Frames, GoesOnAfterAnInterruption) {
+  const std::string scene =
+      Moving(300, R"("z": [{"frame": 0, "value": 0}, {"frame": 299, "value": 9}])");
+  ASSERT_EQ(Render(scene, "a%d.png", "--quiet --jobs 2").code, 0);
+  for (const std::string name : {"b", "c"}) {
+    const std::string jobs = name == "c" ? " --jobs 2" : "";
+    standin::WriteWholeFile(folder_ / "interrupt.sh",
+                            Quoted(TARVO_COMMAND) + " " + Arguments(name + "%d.png", jobs) +
+                                " & job=$!\nuntil [ -e " + Quoted(File(name + "1.png")) +
+                                " ]; do sleep 0.01; done\nkill -INT $job; wait $job");
+    const Outcome outcome = Shell("sh " + Quoted(File("interrupt.sh")));
+    EXPECT_EQ(outcome.code, 130) << outcome.err;
+    EXPECT_FALSE(std::filesystem::exists(File(name + "299.png")));
+    const std::size_t command = outcome.err.find("this goes on:\n");
+    ASSERT_NE(command, std::string::npos) << outcome.err;
+    const Outcome rest = Shell(
+        outcome.err.substr(command + 14, outcome.err.find(".png --", command) - command - 14) +
+        ".png --missing" + jobs);
+    EXPECT_EQ(rest.code, 0) << rest.err;
+    EXPECT_EQ(rest.out.find("%d.png: 300 frames"), std::string::npos) << rest.out;
+    ExpectSame("a", name, 0, 299);
+  }
+  for (const auto& entry : std::filesystem::directory_iterator(folder_)) {
+    EXPECT_NE(entry.path().extension(), ".part") << entry.path();
+  }
+}
+
+TEST_F(Frames, PassesAMoviesFramesToItsEncoder) {
+  const auto install = [this](const std::string& script) {
+    standin::WriteWholeFile(folder_ / "ffmpeg", "#!/bin/sh\nfor last; do :; done\n" + script);
+    std::filesystem::permissions(folder_ / "ffmpeg", std::filesystem::perms::owner_all);
+  };
+  const std::string path = "PATH=" + Quoted(folder_.string()) + " ";
+  install("exec /bin/cat > \"${last#file:}\"\n");
+  for (const std::string jobs : {"--jobs 1", "--jobs 2"}) {
+    ASSERT_EQ(Render(kRich, "a.webm", jobs, path).code, 0);
+    ASSERT_EQ(Render(kRich, "a.mp4", jobs, path).code, 0);
+    const std::string raw = "--raw --frames 0-11";
+    EXPECT_EQ(ReadWholeFile(folder_ / "a.webm"), Run(Arguments("-", raw)).out) << jobs;
+    EXPECT_EQ(ReadWholeFile(folder_ / "a.mp4"),
+              Run(Arguments("-", raw + " --background black")).out)
+        << jobs;
+  }
+  install("exit 7\n");
+  ExpectFailure(Arguments("b.gif", ""), 2, "ffmpeg ended with 7", path);
+  ExpectFailure(Arguments("b.gif", ""), 4, "install the package ffmpeg", "PATH=/nowhere ");
+}
+
+}  // namespace
