@@ -28,13 +28,18 @@ std::string ReadName(const SceneNode& owner) {
   return name ? name->Text(kLongestName) : "";
 }
 
+/// Where an image lies that a scene file in `folder` names.
+std::filesystem::path ImageFile(const std::filesystem::path& folder, const std::string& name) {
+  return folder / FilePath(name).Get();
+}
+
 Picture ReadImage(const SceneNode& node, const std::filesystem::path& folder) {
   const std::string file = node.Text();
   if (file.empty()) {
     return {};
   }
   try {
-    return ReadPng(folder / FilePath(file).Get());
+    return ReadPng(ImageFile(folder, file));
   } catch (const FileError& error) {
     node.Fault(file + ": " + error.what());
     return {};
@@ -213,6 +218,25 @@ Scene ReadScene(const FilePath& file) {
   Animation animation = ReadAnimation(file);
   MoveTo(animation.scene, animation, 0);
   return std::move(animation.scene);
+}
+
+std::vector<std::filesystem::path> FilesOf(const FilePath& file) {
+  std::vector<std::filesystem::path> files = {file.Get()};
+  SceneFaults faults("");
+  std::optional<Json> json;
+  try {
+    json = ParseJson(ReadWholeFile(file), faults);
+  } catch (const FileError&) {
+    return files;
+  }
+  const auto images =
+      json ? SceneNode(*json, "", faults).Find("images") : std::optional<SceneNode>();
+  if (images) {
+    for (const SceneNode::Member& image : images->Members()) {
+      files.push_back(ImageFile(file.Get().parent_path(), image.value.Text()));
+    }
+  }
+  return files;
 }
 
 }  // namespace standin

@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <string>
+#include <vector>
 
 #include "standin/animation.h"
 #include "standin/file_path.h"
@@ -19,5 +20,9 @@ Animation ReadAnimation(const std::string& text, const std::filesystem::path& fo
 
 /// The scene at frame 0, which is all there is of a still one.
 Scene ReadScene(const FilePath& file);
+
+/// A scene file and the images that it names, whether they are there or not; the file alone while
+/// it is no JSON.
+std::vector<std::filesystem::path> FilesOf(const FilePath& file);
 
 }  // namespace standin

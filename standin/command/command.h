@@ -63,6 +63,11 @@ void AddFlips(CLI::App& program, Work& chosen);
 void AddDiff(CLI::App& program, Work& chosen);
 /// `tarvo sheet`: labelled pictures of a rig side by side.
 void AddSheet(CLI::App& program, Work& chosen);
+/// `tarvo watch`: a picture that is made again whenever its scene is saved.
+void AddWatch(CLI::App& program, Work& chosen);
+
+/// Does some work; writes what it throws to the console's `err`, and returns the exit code for it.
+int Try(const std::function<void()>& work, const Console& console);
 
 /// Runs the program and returns its exit code.
 int RunTarvo(int argc, const char* const* argv, const Console& console);

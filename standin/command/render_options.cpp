@@ -29,6 +29,25 @@ ProgressForm FormOf(const RenderOptions& options) {
 
 }  // namespace
 
+void AddLookOptions(CLI::App& command, RenderOptions& options) {
+  command
+      .add_option("--scale", options.scale,
+                  "Resolution, as the host lowers it: 1/1 (all of it) to 1/99")
+      ->type_name("1/N");
+  command.add_flag("--layer", options.layer,
+                   "Crop to the layer's frame instead of all that was drawn; frames of an "
+                   "animation always are");
+  command
+      .add_option("--background", options.background,
+                  std::string("Paint over a background: ") + kBackgroundWords)
+      ->type_name("COLOUR");
+  command
+      .add_option("--show", options.show,
+                  std::string("Show the overlap over the frame or in its place: ") + kSightWords)
+      ->type_name("WHAT");
+  command.add_flag("--quiet", options.quiet, "Do not say what is made and how far it is");
+}
+
 void AddRenderOptions(CLI::App& command, RenderOptions& options) {
   AddSceneOptions(command, options.scene);
   command
@@ -51,28 +70,13 @@ void AddRenderOptions(CLI::App& command, RenderOptions& options) {
   command.add_flag("--raw", options.raw,
                    "To standard output: red, green, blue and alpha of every pixel of the layer");
   command
-      .add_option("--scale", options.scale,
-                  "Resolution, as the host lowers it: 1/1 (all of it) to 1/99")
-      ->type_name("1/N");
-  command.add_flag("--layer", options.layer,
-                   "Crop to the layer's frame instead of all that was drawn; frames of an "
-                   "animation always are");
-  command
-      .add_option("--background", options.background,
-                  std::string("Paint over a background: ") + kBackgroundWords)
-      ->type_name("COLOUR");
-  command
-      .add_option("--show", options.show,
-                  std::string("Show the overlap over the frame or in its place: ") + kSightWords)
-      ->type_name("WHAT");
-  command
       .add_option(
           "--progress", options.progress,
           "How to tell on standard error how far an animation is: auto (a bar on a terminal, "
           "a line every few seconds elsewhere) or json (an object a line)")
       ->type_name("FORM")
       ->check(CLI::IsMember({"auto", "json"}));
-  command.add_flag("--quiet", options.quiet, "Do not say what is made and how far it is");
+  AddLookOptions(command, options);
 }
 
 std::vector<std::string> CommandLine(const RenderOptions& options) {

@@ -30,6 +30,8 @@ struct RenderOptions {
 };
 
 void AddRenderOptions(CLI::App& command, RenderOptions& options);
+/// Those of them that say how a picture looks and whether it is spoken of.
+void AddLookOptions(CLI::App& command, RenderOptions& options);
 
 /// The words of a command line that gives these options: "render", "wave.json", …
 std::vector<std::string> CommandLine(const RenderOptions& options);

@@ -1,4 +1,5 @@
 #include <exception>
+#include <functional>
 #include <ostream>
 #include <string>
 #include <vector>
@@ -11,7 +12,7 @@
 namespace standin {
 namespace {
 
-constexpr AddCommand kCommands[] = {AddRender, AddExplain, AddFlips, AddSheet, AddDiff};
+constexpr AddCommand kCommands[] = {AddRender, AddExplain, AddFlips, AddSheet, AddDiff, AddWatch};
 
 constexpr const char* kFooter = R"(Examples:
   tarvo render examples/wave/wave.json -o wave.png
@@ -50,16 +51,10 @@ Work ReadCommandLine(CLI::App& program, int argc, const char* const* argv) {
 
 }  // namespace
 
-int RunTarvo(int argc, const char* const* argv, const Console& console) {
-  CLI::App program("Shows a rig without the real host: plays a scene file on the plug-in.",
-                   "tarvo");
+int Try(const std::function<void()>& work, const Console& console) {
   try {
-    ReadCommandLine(program, argc, argv)(console);
+    work();
     return kMade;
-  } catch (const CLI::Success& request) {
-    return program.exit(request, console.out, console.err);
-  } catch (const CLI::ParseError& error) {
-    return Fail(console, kWrongInput, {"tarvo: " + std::string(error.what())});
   } catch (const InputError& error) {
     return Fail(console, kWrongInput, error.Lines());
   } catch (const Unfinished& error) {
@@ -69,6 +64,20 @@ int RunTarvo(int argc, const char* const* argv, const Console& console) {
   } catch (const std::exception& error) {
     return Fail(console, kNotLoaded, {"tarvo: " + std::string(error.what())});
   }
+}
+
+int RunTarvo(int argc, const char* const* argv, const Console& console) {
+  CLI::App program("Shows a rig without the real host: plays a scene file on the plug-in.",
+                   "tarvo");
+  Work work;
+  try {
+    work = ReadCommandLine(program, argc, argv);
+  } catch (const CLI::Success& request) {
+    return program.exit(request, console.out, console.err);
+  } catch (const CLI::ParseError& error) {
+    return Fail(console, kWrongInput, {"tarvo: " + std::string(error.what())});
+  }
+  return Try([&] { work(console); }, console);
 }
 
 }  // namespace standin

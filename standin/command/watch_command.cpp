@@ -1,0 +1,130 @@
+#include <algorithm>
+#include <chrono>
+#include <filesystem>
+#include <memory>
+#include <ostream>
+#include <string>
+#include <system_error>
+#include <thread>
+#include <vector>
+
+#include "standin/command/command.h"
+#include "standin/command/interrupt.h"
+#include "standin/command/render.h"
+#include "standin/command/render_options.h"
+#include "standin/file_stamps.h"
+#include "standin/scene_file.h"
+
+namespace standin {
+namespace {
+
+/// How often files are looked at. Something saved has to stand still for as long, so that a file of
+/// which an editor has written a half is not taken for a fault.
+constexpr std::chrono::milliseconds kGlance{100};
+
+/// A scene file, the images that it names, and how they were when last looked at.
+class WatchedScene {
+ public:
+  explicit WatchedScene(std::string file) : file_(std::move(file)) { Look(); }
+
+  /// Returns when a file was saved since the last look, or `interrupt` came.
+  void AwaitSave(const Interrupt& interrupt) {
+    const FileStamps seen = stamps_;
+    while (!interrupt.Came() && (Look() || stamps_ == seen)) {
+      std::this_thread::sleep_for(kGlance);
+    }
+  }
+
+  [[nodiscard]] bool Has(const std::string& file) const {
+    return std::ranges::any_of(FilesOf(file_), [&](const std::filesystem::path& own) {
+      std::error_code ignored;
+      return std::filesystem::equivalent(own, FilePath(file).Get(), ignored);
+    });
+  }
+
+ private:
+  /// True iff something is new since the look before.
+  bool Look() {
+    const FileStamps before = std::exchange(stamps_, FileStamps(FilesOf(file_)));
+    return stamps_ != before;
+  }
+
+  std::string file_;
+  FileStamps stamps_{{}};
+};
+
+/// Renders a scene again whenever it is saved. What cannot be rendered is said; the picture stays.
+class SceneWatch {
+ public:
+  SceneWatch(const RenderOptions& options, const Console& console)
+      : options_(options), console_(console), scene_(options.scene.scene) {
+    ExpectUsable();
+  }
+
+  void Run() {
+    const Interrupt interrupt;
+    Say("watching " + options_.scene.scene + " and its images; Ctrl-C ends this");
+    while (!interrupt.Came()) {
+      if (Try([this] { Make(); }, console_) != kMade) {
+        Say(options_.output + (isMade_ ? ": the last good picture stays" : ": no picture yet"));
+      }
+      scene_.AwaitSave(interrupt);
+    }
+  }
+
+ private:
+  /// Options that no save of the scene can mend end the command before it begins.
+  void ExpectUsable() const {
+    if (RenderWishes(options_).kind != OutputKind::kPicture) {
+      OptionFaults faults;
+      faults.Expected("--output", "name of one picture (out.png)", options_.output);
+      faults.ThrowIfAny();
+    }
+  }
+
+  void Make() {
+    if (scene_.Has(options_.output)) {
+      throw InputError({options_.output + ": a picture would replace this file of the scene"});
+    }
+    Render(options_, console_);
+    console_.out.flush();  // somebody looks at it now
+    isMade_ = true;
+  }
+
+  void Say(const std::string& line) const {
+    if (!options_.quiet) {
+      console_.err << line << std::endl;
+    }
+  }
+
+  const RenderOptions& options_;
+  const Console& console_;
+  WatchedScene scene_;
+  bool isMade_ = false;
+};
+
+}  // namespace
+
+void AddWatch(CLI::App& program, Work& chosen) {
+  const auto options = std::make_shared<RenderOptions>();
+  CLI::App* command =
+      program.add_subcommand("watch", "Render a scene again whenever it or an image is saved");
+  AddSceneOptions(*command, options->scene);
+  command->add_option("-o,--output", options->output, "The picture to make")
+      ->required()
+      ->type_name("OUT.png");
+  command->add_option("--frame", options->frames, "The frame of an animation; the first otherwise")
+      ->type_name("N");
+  AddLookOptions(*command, *options);
+  command->footer(
+      R"(What cannot be rendered is said on standard error, and the last good picture stays. Ctrl-C ends it.
+
+Examples:
+  tarvo watch examples/wave/wave.json -o wave.png --background checker
+  tarvo watch examples/wave/wave.json -o depth.png --frame 40 --show depth)");
+  command->callback([options, &chosen] {
+    chosen = [options](const Console& console) { SceneWatch(*options, console).Run(); };
+  });
+}
+
+}  // namespace standin
