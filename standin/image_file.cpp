@@ -68,7 +68,9 @@ void AppendBytes(void* bytes, void* data, int size) {
 
 }  // namespace
 
-Picture ReadPng(const FilePath& file) { return Decode(ReadWholeFile(file), kLongestImageSide); }
+Picture ReadPng(const FilePath& file, int longestSide) {
+  return Decode(ReadWholeFile(file), longestSide);
+}
 
 bool IsWholePng(const FilePath& file, int width, int height) {
   try {

@@ -12,8 +12,8 @@ inline constexpr int kLongestImageSide = 16384;
 
 /// Reads a PNG file, whatever its colour type and depth, into 8 bits a channel with straight alpha,
 /// its origin at (0, 0). Throws FileError when the file cannot be read, is no PNG, is damaged, or
-/// has a side longer than kLongestImageSide (found out before any pixel is decoded).
-Picture ReadPng(const FilePath& file);
+/// has a side longer than `longestSide` pixels (found out before any pixel is decoded).
+Picture ReadPng(const FilePath& file, int longestSide = kLongestImageSide);
 
 /// True iff the file is there, and is a PNG file of this size that decodes.
 bool IsWholePng(const FilePath& file, int width, int height);

@@ -12,6 +12,9 @@
 namespace standin {
 namespace {
 
+/// Frames a second: wide enough for anything that plays, and no time of the host's overflows.
+constexpr Range kRates{.least = 0.1, .most = 1000.0};
+
 Ease ReadHandles(const SceneNode& node) {
   constexpr Range kTimes{.least = 0.0, .most = 1.0};  // time never runs backwards
   const auto items = node.Items(4, "[x1, y1, x2, y2]");
@@ -174,7 +177,7 @@ void ReadFrames(const SceneNode& root, const std::vector<std::optional<Strip>>& 
     animation.count = count->Whole(1, kMostFrames).value_or(1);
   }
   if (const auto rate = frames->Find("rate")) {
-    animation.rate = rate->PositiveNumber();
+    animation.rate = rate->Number(kRates);
   }
   if (const auto bones = frames->Find("bones")) {
     for (const SceneNode::Member& member : bones->Members()) {

@@ -3,11 +3,15 @@
 #include <algorithm>
 #include <cmath>
 
+#include "standin/text_table.h"
+
 namespace standin {
 namespace {
 
 /// A limit as a person writes it.
-std::string Described(double limit) { return std::to_string(std::llround(limit)); }
+std::string Described(double limit) {
+  return limit == std::floor(limit) ? std::to_string(std::llround(limit)) : Shortest(limit);
+}
 
 std::string Described(std::string_view kind, Range range) {
   const bool hasLeast = range.least > Range{}.least;

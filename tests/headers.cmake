@@ -1,10 +1,15 @@
-# Every header stands alone: a generated file that includes nothing else is compiled for each.
+# Every header stands alone. One with a source file of its own is the first that this includes;
+# for each of the others, a generated file that includes nothing else is compiled.
 set(standalone_sources)
 foreach(room sdk platform gl host scene render companion entry standin include tests bench)
   file(GLOB_RECURSE headers CONFIGURE_DEPENDS
     RELATIVE ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/${room}/*.h)
   list(FILTER headers EXCLUDE REGEX "/windows/")
   foreach(header IN LISTS headers)
+    cmake_path(REPLACE_EXTENSION header LAST_ONLY .cpp OUTPUT_VARIABLE own_source)
+    if(EXISTS ${PROJECT_SOURCE_DIR}/${own_source})
+      continue()
+    endif()
     set(source ${CMAKE_CURRENT_BINARY_DIR}/headers/${header}.cpp)
     file(CONFIGURE OUTPUT ${source} CONTENT "#include \"${header}\"\n")
     list(APPEND standalone_sources ${source})

@@ -1,3 +1,4 @@
+#include <climits>
 #include <memory>
 #include <optional>
 #include <ostream>
@@ -25,7 +26,7 @@ struct DiffOptions {
 
 Picture Read(const std::string& file, OptionFaults& faults) {
   try {
-    return ReadPng(file);
+    return ReadPng(file, INT_MAX);  // frames may be longer than the images of a rig
   } catch (const FileError& error) {
     faults.Add(file + ": " + error.what());
     return {};

@@ -24,13 +24,18 @@ struct ExplainOptions {
 
 using PixelPlace = std::pair<int, int>;
 
-/// "X,Y"; none for any other text.
+/// Farther from the layer's corner than anything is drawn, in pixels.
+constexpr int kFarthestPlace = 1'000'000;
+
+bool IsNear(int place) { return place >= -kFarthestPlace && place <= kFarthestPlace; }
+
+/// "X,Y"; none for any other text, and for places where nothing can be.
 std::optional<PixelPlace> ReadPlace(const std::string& text) {
   const std::size_t comma = std::min(text.find(','), text.size());
   const auto x = ReadNumber<int>(std::string_view(text).substr(0, comma));
   const auto y = comma < text.size() ? ReadNumber<int>(std::string_view(text).substr(comma + 1))
                                      : std::nullopt;
-  return x && y ? std::optional(PixelPlace(*x, *y)) : std::nullopt;
+  return x && y && IsNear(*x) && IsNear(*y) ? std::optional(PixelPlace(*x, *y)) : std::nullopt;
 }
 
 void Explain(const ExplainOptions& options, const Console& console) {

@@ -21,7 +21,8 @@ namespace standin {
 namespace {
 
 constexpr int kMostSteps = 100;
-constexpr int kFramesOfItsOwn = 12;  // when nobody says which
+constexpr long long kMostPixels = 1LL << 28;  // a gigabyte, of all cells together
+constexpr int kFramesOfItsOwn = 12;           // when nobody says which
 
 struct SheetOptions {
   SceneOptions scene;
@@ -80,6 +81,7 @@ class SheetMaker {
     faults_.ThrowIfAny();
     const int side = std::max(animation_.scene.width, animation_.scene.height);
     play_.downsample = std::min((side + options.cell - 1) / options.cell, kCoarsestDownsample);
+    ExpectToFit();
   }
 
   Picture Make() {
@@ -134,6 +136,21 @@ class SheetMaker {
     }
   }
 
+  [[nodiscard]] int Scaled(int side) const {
+    return (side + play_.downsample - 1) / play_.downsample;
+  }
+
+  /// Better than hours of rendering for a sheet that no file holds.
+  void ExpectToFit() {
+    const auto cells = static_cast<long long>(frames_.size() * Variants().size());
+    const Scene& scene = animation_.scene;
+    if (cells * Scaled(scene.width) * Scaled(scene.height) > kMostPixels) {
+      faults_.Expected("--cell", "size at which all cells have at most 2^28 pixels",
+                       std::to_string(options_.cell) + " for " + std::to_string(cells) + " cells");
+      faults_.ThrowIfAny();
+    }
+  }
+
   [[nodiscard]] std::vector<Variant> Variants() const {
     std::vector<Variant> variants;
     if (sweep_) {
@@ -166,12 +183,9 @@ class SheetMaker {
     if (frames_.size() > 1 || label.empty()) {
       label = "frame " + std::to_string(frame) + (label.empty() ? "" : ", ") + label;
     }
-    const auto scaled = [this](int side) {
-      return (side + play_.downsample - 1) / play_.downsample;
-    };
     const Scene& scene = animation_.scene;
     return {label,
-            Over(CropToLayer(picture, scaled(scene.width), scaled(scene.height)), *background_)};
+            Over(CropToLayer(picture, Scaled(scene.width), Scaled(scene.height)), *background_)};
   }
 
   /// Variants of one frame side by side where there are several, otherwise a sheet about square.
