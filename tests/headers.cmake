@@ -16,6 +16,7 @@ foreach(room sdk platform gl host scene render companion entry standin include t
   endforeach()
 endforeach()
 add_library(tarvo_headers OBJECT ${standalone_sources})
+set_target_properties(tarvo_headers PROPERTIES UNITY_BUILD OFF)
 target_link_libraries(tarvo_headers PRIVATE tarvo_plugin_core tarvo_standin GTest::gtest)
 
 # What makers of companions include is C as well.

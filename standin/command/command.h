@@ -7,7 +7,9 @@
 #include <utility>
 #include <vector>
 
-#include <CLI/CLI.hpp>
+namespace CLI {
+class App;
+}
 
 namespace standin {
 

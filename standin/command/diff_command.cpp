@@ -4,6 +4,8 @@
 #include <ostream>
 #include <string>
 
+#include <CLI/CLI.hpp>
+
 #include "standin/command/command.h"
 #include "standin/command/finish.h"
 #include "standin/command/scene_options.h"

@@ -6,6 +6,8 @@
 #include <string_view>
 #include <utility>
 
+#include <CLI/CLI.hpp>
+
 #include "standin/command/command.h"
 #include "standin/command/scene_options.h"
 #include "standin/explanation.h"

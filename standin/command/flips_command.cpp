@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+#include <CLI/CLI.hpp>
+
 #include "standin/command/command.h"
 #include "standin/command/scene_options.h"
 #include "standin/flips.h"

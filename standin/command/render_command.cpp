@@ -1,5 +1,7 @@
 #include <memory>
 
+#include <CLI/CLI.hpp>
+
 #include "standin/command/command.h"
 #include "standin/command/render.h"
 #include "standin/command/render_options.h"

@@ -6,6 +6,8 @@
 #include <string_view>
 #include <utility>
 
+#include <CLI/CLI.hpp>
+
 #include "standin/command/frame_list.h"
 #include "standin/command/movie.h"
 #include "standin/command/system.h"

@@ -11,6 +11,10 @@
 #include "standin/command/scene_options.h"
 #include "standin/show.h"
 
+namespace CLI {
+class App;
+}
+
 namespace standin {
 
 /// The command line of `tarvo render` as it was typed.

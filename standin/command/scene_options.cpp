@@ -5,6 +5,8 @@
 #include <ostream>
 #include <utility>
 
+#include <CLI/CLI.hpp>
+
 #include "standin/command/system.h"
 #include "standin/scene_faults.h"
 #include "standin/whole_file.h"

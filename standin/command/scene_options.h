@@ -7,12 +7,14 @@
 #include <system_error>
 #include <vector>
 
-#include <CLI/CLI.hpp>
-
 #include "standin/command/command.h"
 #include "standin/host.h"
 #include "standin/performance.h"
 #include "standin/plugin_library.h"
+
+namespace CLI {
+class App;
+}
 
 namespace standin {
 

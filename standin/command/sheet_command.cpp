@@ -8,6 +8,8 @@
 #include <string_view>
 #include <vector>
 
+#include <CLI/CLI.hpp>
+
 #include "standin/command/command.h"
 #include "standin/command/finish.h"
 #include "standin/command/frame_list.h"

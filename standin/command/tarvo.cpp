@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+#include <CLI/CLI.hpp>
+
 #include "standin/command/command.h"
 #include "standin/performance.h"
 #include "standin/plugin_library.h"

@@ -8,6 +8,8 @@
 #include <thread>
 #include <vector>
 
+#include <CLI/CLI.hpp>
+
 #include "standin/command/command.h"
 #include "standin/command/interrupt.h"
 #include "standin/command/render.h"
