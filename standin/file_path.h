@@ -24,4 +24,7 @@ class FilePath {
   std::filesystem::path path_;
 };
 
+/// What a file's name says it holds: ".png", in small letters; empty without one.
+std::string EndingOf(const FilePath& file);
+
 }  // namespace standin

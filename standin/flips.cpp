@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
 #include <iterator>
 #include <set>
 
@@ -31,30 +32,33 @@ std::size_t SharedPixels(const Overlap& overlap, const PlacedPiece& one, const P
   return pixels;
 }
 
-bool AreSame(double one, double other) { return one == other; }
-
-bool AreSame(ZPair one, ZPair other) { return one.start == other.start && one.end == other.end; }
-
-double ValueAt(const Segment<double>& at) {
-  return std::lerp(at.from->value, at.to->value, at.share);
+/// A number of a keyed value at a frame.
+template <typename Value, typename Number>
+double NumberAt(const Segment<Value>& at, Number number) {
+  return std::lerp(number(at.from->value), number(at.to->value), at.share);
 }
 
-ZPair ValueAt(const Segment<ZPair>& at) {
-  return {std::lerp(at.from->value.start, at.to->value.start, at.share),
-          std::lerp(at.from->value.end, at.to->value.end, at.share)};
-}
-
-/// The keys of a track around a frame, if its value changed since the frame before.
-template <typename Value>
-void AddTrack(const Track<Value>& track, int frame, const std::string& what,
+/// Adds a track with its keys around a frame, if the number changed since the frame before; one
+/// that moves both ends of a bone stands once, with the greater change.
+template <typename Value, typename Number>
+void AddTrack(const Track<Value>& track, int frame, const std::string& what, Number number,
               std::vector<FlipTrack>& tracks) {
-  if (track.empty()) {
+  const Segment<Value> now = SegmentAt(track, frame);
+  const double change =
+      std::abs(NumberAt(now, number) - NumberAt(SegmentAt(track, frame - 1), number));
+  if (change == 0.0) {
     return;
   }
-  const Segment<Value> now = SegmentAt(track, frame);
-  if (!AreSame(ValueAt(SegmentAt(track, frame - 1)), ValueAt(now))) {
-    tracks.push_back({what, now.from->frame, now.to->frame, now.from->frame > frame - 1});
+  const auto known = std::ranges::find(tracks, what, &FlipTrack::what);
+  if (known != tracks.end()) {
+    known->change = std::max(known->change, change);
+    return;
   }
+  tracks.push_back({.what = what,
+                    .from = now.from->frame,
+                    .to = now.to->frame,
+                    .keyIsHere = now.from->frame > frame - 1,
+                    .change = change});
 }
 
 }  // namespace
@@ -78,8 +82,11 @@ FlipFinder::Moment FlipFinder::Look(const Scene& scene, const Host& host) {
   }
   for (std::size_t number = 0; number < bones.size(); ++number) {
     const auto start = static_cast<std::size_t>(StartSliderOf(number));
-    moment.labels[bones[number]] = {renderer.parameters.at(start).Name(),
-                                    renderer.parameters.at(start + 1).Name()};
+    const auto sliderAt = [&](std::size_t parameter) {
+      return Slider{renderer.parameters.at(parameter).Name(),
+                    renderer.parameters.at(parameter).Value()};
+    };
+    moment.sliders[bones[number]] = {sliderAt(start), sliderAt(start + 1)};
   }
   FindTouching(bones, moment);
   return moment;
@@ -139,28 +146,41 @@ void FlipFinder::Compare(const Moment& before, const Moment& now, int frame) {
     flip.pixels += pixels;
   }
   for (auto& [bones, flip] : found) {
-    Explain(flip, now);
+    Explain(flip, before, now);
     flips_.push_back(std::move(flip));
   }
 }
 
-void FlipFinder::Explain(Flip& flip, const Moment& now) const {
+void FlipFinder::Explain(Flip& flip, const Moment& before, const Moment& now) const {
   for (const std::size_t bone : {flip.front, flip.behind}) {
-    for (const BoneKeys& keys : animation_.bones) {
-      if (keys.bone == bone) {
-        AddTrack(keys.z, flip.frame, "z of " + animation_.scene.bones[bone].name, flip.tracks);
-      }
+    const auto& was = before.sliders.at(bone);
+    const auto& is = now.sliders.at(bone);
+    if (was[0].value != is[0].value) {
+      AddMover(is[0].label, bone, &ZPair::start, flip);
     }
-    for (const SettingKeys& keys : animation_.settings) {
-      if (std::ranges::count(now.labels.at(bone), keys.label) > 0) {
-        AddTrack(keys.value, flip.frame, "slider " + keys.label, flip.tracks);
-      }
+    if (was[1].value != is[1].value) {
+      AddMover(is[1].label, bone, &ZPair::end, flip);
     }
   }
   if (!flip.tracks.empty()) {
-    flip.cause = std::ranges::any_of(flip.tracks, &FlipTrack::keyIsHere)
-                     ? Flip::Cause::kKey
-                     : Flip::Cause::kInterpolation;
+    const auto most = std::ranges::max_element(flip.tracks, {}, &FlipTrack::change);
+    flip.cause = most->keyIsHere ? Flip::Cause::kKey : Flip::Cause::kInterpolation;
+  }
+}
+
+void FlipFinder::AddMover(const std::string& label, std::size_t bone, double ZPair::*end,
+                          Flip& flip) const {
+  // A slider that is set by its label does not listen to its bone's z.
+  const auto setting = std::ranges::find(animation_.settings, label, &SettingKeys::label);
+  if (setting != animation_.settings.end()) {
+    AddTrack(setting->value, flip.frame, "slider " + label, std::identity(), flip.tracks);
+    return;
+  }
+  const auto keys = std::ranges::find(animation_.bones, bone, &BoneKeys::bone);
+  if (keys != animation_.bones.end() && !keys->z.empty()) {
+    AddTrack(
+        keys->z, flip.frame, "z of " + animation_.scene.bones[bone].name,
+        [end](const ZPair& pair) { return pair.*end; }, flip.tracks);
   }
 }
 

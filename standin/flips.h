@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <map>
 #include <string>
@@ -21,12 +22,13 @@ struct FlipTrack {
   double from = 0.0;       ///< frame of the key at or before
   double to = 0.0;         ///< frame of the next key; the same as `from` from the last one on
   bool keyIsHere = false;  ///< a key stands at this frame, or between it and the frame before
+  double change = 0.0;     ///< since the frame before, in Z
 };
 
 struct Flip {
   enum class Cause {
-    kKey,            ///< a key stands here: somebody wanted it
-    kInterpolation,  ///< it happened on the way between two keys
+    kKey,            ///< a key stands here on what changed most: somebody wanted it
+    kInterpolation,  ///< what changed most did so on its way between two keys
     kOther,          ///< no key on a depth: bones changed numbers, for one
   };
 
@@ -56,6 +58,11 @@ class FlipFinder {
   using PieceName = std::pair<std::size_t, std::size_t>;
   using PiecePair = std::pair<PieceName, PieceName>;
 
+  struct Slider {
+    std::string label;
+    double value = 0.0;
+  };
+
   /// What is to be remembered of a frame.
   struct Moment {
     explicit Moment(Overlap seen) : overlap(std::move(seen)) {}
@@ -63,13 +70,15 @@ class FlipFinder {
     Overlap overlap;                          ///< corners in layer pixels
     std::map<PieceName, std::size_t> places;  ///< in Overlap::Pieces()
     std::vector<PiecePair> touching;          ///< of different bones, in ascending order
-    std::map<std::size_t, std::vector<std::string>> labels;  ///< of the sliders of a bone
+    std::map<std::size_t, std::array<Slider, 2>> sliders;  ///< of a bone: start Z, end Z
   };
 
   static Moment Look(const Scene& scene, const Host& host);
   static void FindTouching(const std::vector<std::size_t>& bones, Moment& moment);
   void Compare(const Moment& before, const Moment& now, int frame);
-  void Explain(Flip& flip, const Moment& now) const;
+  void Explain(Flip& flip, const Moment& before, const Moment& now) const;
+  /// Adds the track that moves this slider, whose value changed.
+  void AddMover(const std::string& label, std::size_t bone, double ZPair::*end, Flip& flip) const;
 
   const Animation& animation_;
   std::vector<Moment> last_;  ///< at most one

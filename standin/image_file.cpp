@@ -1,12 +1,15 @@
 #include "standin/image_file.h"
 
 #include <algorithm>
+#include <array>
 #include <climits>
 #include <cstddef>
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include <stb/stb_image.h>
 #include <stb/stb_image_write.h>
@@ -34,6 +37,57 @@ void ExpectReadableSize(int width, int height, int longest) {
   }
 }
 
+/// The checksum that ends each chunk of a PNG file: CRC-32, lowest bit first.
+std::uint32_t Checksum(std::string_view bytes) {
+  constexpr std::uint32_t kPolynomial = 0xEDB88320;
+  static const auto kOfByte = [] {
+    std::array<std::uint32_t, 256> table{};
+    for (std::uint32_t byte = 0; byte < table.size(); ++byte) {
+      std::uint32_t sum = byte;
+      for (int bit = 0; bit < 8; ++bit) {
+        sum = (sum & 1) != 0 ? kPolynomial ^ (sum >> 1) : sum >> 1;
+      }
+      table.at(byte) = sum;
+    }
+    return table;
+  }();
+  std::uint32_t sum = ~0U;
+  for (const char byte : bytes) {
+    sum = kOfByte.at((sum ^ static_cast<unsigned char>(byte)) & 0xFF) ^ (sum >> 8);
+  }
+  return ~sum;
+}
+
+std::uint32_t BigEndian(std::string_view bytes) {
+  std::uint32_t number = 0;
+  for (const char byte : bytes.substr(0, 4)) {
+    number = number << 8 | static_cast<unsigned char>(byte);
+  }
+  return number;
+}
+
+/// The decoder does not look at checksums, and makes pixels out of bytes that a disk has changed.
+void ExpectIntactChunks(std::string_view bytes) {
+  constexpr std::size_t kSignature = 8;
+  constexpr std::size_t kAround = 12;  // length and type before a chunk's data, checksum behind
+  bytes.remove_prefix(std::min(kSignature, bytes.size()));
+  while (bytes.size() >= kAround) {
+    const std::size_t length = BigEndian(bytes);
+    if (length > bytes.size() - kAround) {
+      throw FileError("damaged PNG file (it ends too early)");
+    }
+    const std::string_view checked = bytes.substr(4, 4 + length);
+    if (BigEndian(bytes.substr(8 + length)) != Checksum(checked)) {
+      throw FileError("damaged PNG file (a checksum is wrong)");
+    }
+    if (checked.starts_with("IEND")) {
+      return;
+    }
+    bytes.remove_prefix(kAround + length);
+  }
+  throw FileError("damaged PNG file (it ends too early)");
+}
+
 /// Checks the size before any pixel is decoded.
 Picture Decode(const std::string& bytes, int longestSide) {
   const auto* data = reinterpret_cast<const stbi_uc*>(bytes.data());
@@ -45,6 +99,7 @@ Picture Decode(const std::string& bytes, int longestSide) {
     throw FileError("PNG file expected, something else given");
   }
   ExpectReadableSize(width, height, longestSide);
+  ExpectIntactChunks(bytes);
   const std::unique_ptr<stbi_uc, decltype(&std::free)> pixels(
       stbi_load_from_memory(data, size, &width, &height, &channels, kChannels), &std::free);
   if (pixels == nullptr) {

@@ -52,8 +52,9 @@ class Teller {
   void FindOwners() {
     for (PixelPart& part : story_.parts) {
       const auto owner = OwnerFor(part);
-      part.owner = owner != story_.parts.rend() && &*owner == &part;
-      part.laidOver = !overlap_.View().exact || part.owner || owner == story_.parts.rend();
+      const bool isExact = overlap_.View().exact;
+      part.owner = isExact && owner != story_.parts.rend() && &*owner == &part;
+      part.laidOver = !isExact || part.owner || owner == story_.parts.rend();
     }
   }
 

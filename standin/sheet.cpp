@@ -13,9 +13,10 @@ constexpr int kLabelHeight = kTextHeight + 4;
 constexpr Rgba kSheetGround{36, 36, 36, 255};
 constexpr Rgba kSheetInk{240, 240, 240, 255};
 
-std::string Cut(std::string text, int width) {
+/// Labels of a sheet differ at their ends: in a slider's value, in the mode.
+std::string WithoutStart(std::string text, int width) {
   while (!text.empty() && TextWidth(text) > width) {
-    text.pop_back();
+    text.erase(0, 1);
   }
   return text;
 }
@@ -37,7 +38,7 @@ Picture MakeSheet(const std::vector<SheetCell>& cells, std::size_t columns) {
   for (std::size_t i = 0; i < cells.size(); ++i) {
     const int left = kGap + static_cast<int>(i % columns) * stepX;
     const int top = kGap + static_cast<int>(i / columns) * stepY;
-    WriteText(sheet, left, top + 2, Cut(cells[i].label, width), kSheetInk);
+    WriteText(sheet, left, top + 2, WithoutStart(cells[i].label, width), kSheetInk);
     const Picture& picture = cells[i].picture;
     for (int y = 0; y < picture.height; ++y) {
       for (int x = 0; x < picture.width; ++x) {

@@ -63,7 +63,7 @@ std::string Finding(const Comparison& comparison, int tolerance) {
 void Diff(const DiffOptions& options, const Console& console) {
   OptionFaults faults;
   if (!options.output.empty()) {
-    faults.ExpectWritable(options.output);
+    faults.ExpectPictureName(options.output);
   }
   if (options.tolerance < 0 || options.tolerance > kMostTolerance) {
     faults.Expected("--tolerance", "number from 0 to 255", std::to_string(options.tolerance));
@@ -71,6 +71,7 @@ void Diff(const DiffOptions& options, const Console& console) {
   const Picture one = Read(options.one, faults);
   const Picture other = Read(options.other, faults);
   faults.ThrowIfAny();
+  ExpectApart({options.output}, {FilePath(options.one).Get(), FilePath(options.other).Get()});
   const auto comparison = CompareIfSameSize(one, other, options.tolerance);
   if (!options.output.empty()) {
     WritePicture(options.output, SideBySide(one, other, options.tolerance));

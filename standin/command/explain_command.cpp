@@ -75,9 +75,9 @@ void AddExplain(CLI::App& program, Work& chosen) {
   AddSceneOptions(*command, options->scene);
   command->add_option("--frame", options->frame, "The frame of an animation; the first otherwise");
   command->add_flag("--json", options->json, "As JSON; docs/explain.md describes its form");
-  command
-      ->add_option("--at", options->at,
-                   "Tell one pixel of the layer too: what is there and what each piece adds")
+  NotEmpty(command->add_option(
+               "--at", options->at,
+               "Tell one pixel of the layer too: what is there and what each piece adds"))
       ->type_name("X,Y");
   command->footer(R"(Examples:
   tarvo explain examples/wave/wave.json --exact --at 650,330

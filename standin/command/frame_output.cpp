@@ -15,7 +15,7 @@
 namespace standin {
 namespace {
 
-/// Where a name has "%d" or "%0Nd", N from 1 to 9.
+/// Where a name has "%d" or "%0Nd", N from 1 to 9, for the last time.
 struct FrameNumber {
   std::size_t place = 0;
   std::size_t length = 0;
@@ -23,7 +23,10 @@ struct FrameNumber {
 };
 
 std::optional<FrameNumber> FindFrameNumber(const std::string& name) {
-  for (std::size_t at = name.find('%'); at != std::string::npos; at = name.find('%', at + 1)) {
+  for (std::size_t at = name.size(); at-- > 0;) {
+    if (name[at] != '%') {
+      continue;
+    }
     const std::string_view rest = std::string_view(name).substr(at + 1);
     if (rest.starts_with('d')) {
       return FrameNumber{.place = at, .length = 2};

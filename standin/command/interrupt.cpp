@@ -18,11 +18,17 @@ Interrupt::Interrupt() {
   gCame = 0;
   onInterrupt_ = std::signal(SIGINT, TakeNote);
   onTerminate_ = std::signal(SIGTERM, TakeNote);
+#ifdef SIGHUP  // the terminal was closed
+  onHangUp_ = std::signal(SIGHUP, TakeNote);
+#endif
 }
 
 Interrupt::~Interrupt() {
   std::signal(SIGINT, onInterrupt_);
   std::signal(SIGTERM, onTerminate_);
+#ifdef SIGHUP
+  std::signal(SIGHUP, onHangUp_);
+#endif
 }
 
 bool Interrupt::Came() const { return gCame != 0; }

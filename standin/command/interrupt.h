@@ -2,8 +2,8 @@
 
 namespace standin {
 
-/// While it lives, Ctrl-C and a request to terminate are taken note of instead of ending the
-/// program. A second one ends it as ever. One at a time.
+/// While it lives, Ctrl-C, a request to terminate and a closed terminal are taken note of instead
+/// of ending the program. A second one ends it as ever. One at a time.
 class Interrupt {
  public:
   Interrupt();
@@ -18,6 +18,7 @@ class Interrupt {
 
   Handler onInterrupt_;
   Handler onTerminate_;
+  [[maybe_unused]] Handler onHangUp_ = nullptr;  ///< where the system knows of it
 };
 
 }  // namespace standin

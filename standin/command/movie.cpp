@@ -42,10 +42,7 @@ const std::vector<Format>& Formats() {
 }
 
 const Format* FormatOf(const std::string& file) {
-  std::string ending = FilePath(file).Get().extension().string();
-  std::ranges::transform(ending, ending.begin(), [](unsigned char letter) {
-    return static_cast<char>(std::tolower(letter));
-  });
+  const std::string ending = EndingOf(file);
   const auto found =
       std::ranges::find(Formats(), ending, [](const Format& format) { return "." + format.name; });
   return found == Formats().end() ? nullptr : &*found;

@@ -40,6 +40,7 @@ void Render(const RenderOptions& options, const Console& console) {
   const RenderWishes wishes(options);
   const Animation animation = ReadAnimation(options.scene.scene);
   const std::vector<int> frames = wishes.Frames(animation);
+  ExpectApart(wishes.Files(frames), FilesOf(options.scene.scene));
   const bool isSingle = wishes.kind == OutputKind::kPicture || wishes.kind == OutputKind::kStream;
   if (isSingle && frames.size() == 1) {
     RenderPicture(options, wishes, animation, frames.front(), console);

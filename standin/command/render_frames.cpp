@@ -80,7 +80,8 @@ class FrameRender {
   void Make(const std::vector<int>& frames) {
     const Interrupt interrupt;
     const std::unique_ptr<FrameOutput> output = MakeOutput();
-    Progress progress(console_.err, frames.size() > 1 ? wishes_.progress : ProgressForm::kNone,
+    const bool isWatched = frames.size() > 1 || wishes_.progress == ProgressForm::kJson;
+    Progress progress(console_.err, isWatched ? wishes_.progress : ProgressForm::kNone,
                       static_cast<int>(frames.size()));
     const bool isShared = options_.jobs > 1 && frames.size() > 1;
     FrameQueue queue(Threads(), [&](int frame, Picture picture) {
@@ -176,10 +177,15 @@ class FrameRender {
     return words;
   }
 
-  /// A job that fails has said why itself.
+  /// A job that fails has said why itself, unless it was ended from outside or crashed.
   static void ExpectGoodEnd(Process& job) {
-    if (const int code = job.Wait(); code != 0) {
+    const int code = job.Wait();
+    if (code == kWrongInput || code == kPluginFault || code == kNotLoaded) {
       throw Unfinished(code, {});
+    }
+    if (code != kMade) {
+      throw Unfinished(kIncomplete, {"a job of --jobs came to an end of its own (" +
+                                     std::to_string(code) + "), before its last frame"});
     }
   }
 

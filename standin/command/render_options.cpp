@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <iterator>
 #include <numeric>
 #include <string_view>
 #include <utility>
@@ -39,13 +40,12 @@ void AddLookOptions(CLI::App& command, RenderOptions& options) {
   command.add_flag("--layer", options.layer,
                    "Crop to the layer's frame instead of all that was drawn; frames of an "
                    "animation always are");
-  command
-      .add_option("--background", options.background,
-                  std::string("Paint over a background: ") + kBackgroundWords)
+  NotEmpty(command.add_option("--background", options.background,
+                              std::string("Paint over a background: ") + kBackgroundWords))
       ->type_name("COLOUR");
-  command
-      .add_option("--show", options.show,
-                  std::string("Show the overlap over the frame or in its place: ") + kSightWords)
+  NotEmpty(command.add_option(
+               "--show", options.show,
+               std::string("Show the overlap over the frame or in its place: ") + kSightWords))
       ->type_name("WHAT");
   command.add_flag("--quiet", options.quiet, "Do not say what is made and how far it is");
 }
@@ -58,11 +58,10 @@ void AddRenderOptions(CLI::App& command, RenderOptions& options) {
                   ".mp4; needs ffmpeg); - for standard output")
       ->required()
       ->type_name("OUT");
-  command
-      .add_option(
-          "--frames", options.frames,
-          "Frames, as in 0-99 or 1-3,5,7-10:2; otherwise all of them for frames and movies, "
-          "frame 0 for a picture")
+  NotEmpty(command.add_option(
+               "--frames", options.frames,
+               "Frames, as in 0-99 or 1-3,5,7-10:2; otherwise all of them for frames and movies, "
+               "frame 0 for a picture"))
       ->type_name("LIST");
   command.add_flag("--missing", options.missing,
                    "Only the frames whose file is absent, damaged or of another size");
@@ -147,13 +146,16 @@ std::string RenderWishes::BackgroundWord() const {
 }
 
 void RenderWishes::ReadOutput() {
-  if (kind != OutputKind::kStream) {
-    faults_.ExpectWritable(kind == OutputKind::kFrames ? FrameFile(options_.output, 0)
-                                                       : options_.output);
-  }
-  if (kind == OutputKind::kFrames && IsMovie(options_.output)) {
-    faults_.Expected("-o", "name of PNG files (f.%04d.png), or of one movie without %d",
-                     options_.output);
+  const std::string file =
+      kind == OutputKind::kFrames ? FrameFile(options_.output, 0) : options_.output;
+  const bool isPng = kind == OutputKind::kFrames || kind == OutputKind::kPicture;
+  if (isPng && EndingOf(file) != ".png") {
+    faults_.Expected(
+        "--output",
+        "name of a picture (out.png), of frames (f.%04d.png) or of a movie (.gif, .webm, .mp4)",
+        options_.output);
+  } else if (kind != OutputKind::kStream) {
+    faults_.ExpectWritable(file);
   }
   if (options_.raw && kind != OutputKind::kStream) {
     faults_.Expected("--raw", "-o - (standard output)", options_.output);
@@ -161,6 +163,19 @@ void RenderWishes::ReadOutput() {
   if (options_.missing && kind != OutputKind::kFrames) {
     faults_.Expected("--missing", "files of frames (-o f.%04d.png)", options_.output);
   }
+}
+
+std::vector<std::string> RenderWishes::Files(const std::vector<int>& frames) const {
+  if (kind == OutputKind::kStream) {
+    return {};
+  }
+  if (kind != OutputKind::kFrames) {
+    return {options_.output};
+  }
+  std::vector<std::string> files;
+  std::ranges::transform(frames, std::back_inserter(files),
+                         [this](int frame) { return FrameFile(options_.output, frame); });
+  return files;
 }
 
 std::vector<int> RenderWishes::Frames(const Animation& animation) const {

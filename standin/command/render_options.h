@@ -49,6 +49,8 @@ class RenderWishes {
   /// frame 0 for one picture. Throws InputError if the animation has not got them, or if they are
   /// too many for the output.
   [[nodiscard]] std::vector<int> Frames(const Animation& animation) const;
+  /// The files that these frames make, all together or one each; none for standard output.
+  [[nodiscard]] std::vector<std::string> Files(const std::vector<int>& frames) const;
   /// The frame that a performance has just rendered on the host, with the sight of its overlap that
   /// was asked for, if any.
   [[nodiscard]] Picture Shown(Picture frame, const Host& host, const Scene& scene) const;

@@ -1,8 +1,13 @@
 #include "standin/command/scene_options.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <iterator>
+#include <map>
 #include <ostream>
+#include <set>
+#include <system_error>
 #include <utility>
 
 #include <CLI/CLI.hpp>
@@ -69,10 +74,45 @@ void OptionFaults::ExpectWritable(const std::string& file) {
   }
 }
 
+void OptionFaults::ExpectPictureName(const std::string& file) {
+  if (EndingOf(file) != ".png") {
+    Expected("--output", "name of a picture that ends in .png", file);
+  } else {
+    ExpectWritable(file);
+  }
+}
+
 void OptionFaults::ThrowIfAny() const {
   if (!lines_.empty()) {
     throw InputError(lines_);
   }
+}
+
+void ExpectApart(const std::vector<std::string>& made,
+                 const std::vector<std::filesystem::path>& read) {
+  // Folders are few and files many: only those are asked of the disk.
+  std::map<std::filesystem::path, std::filesystem::path> folders;
+  const auto placeOf = [&](const std::filesystem::path& file) {
+    const auto [found, isNew] = folders.try_emplace(file.parent_path());
+    if (isNew) {
+      std::error_code ignored;
+      found->second = std::filesystem::weakly_canonical(
+          file.has_parent_path() ? file.parent_path() : ".", ignored);
+    }
+    return found->second / file.filename();
+  };
+  std::set<std::filesystem::path> places;
+  std::ranges::transform(read, std::inserter(places, places.end()), placeOf);
+  for (const std::string& file : made) {
+    if (places.contains(placeOf(FilePath(file).Get()))) {
+      throw InputError({"--output: " + file + " would take the place of a file that was read"});
+    }
+  }
+}
+
+CLI::Option* NotEmpty(CLI::Option* option) {
+  return option->check(
+      [](const std::string& text) { return text.empty() ? "text expected, none given" : ""; });
 }
 
 PlayOptions ReadPlayOptions(const SceneOptions& options, OptionFaults& faults) {

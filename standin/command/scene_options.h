@@ -1,6 +1,7 @@
 #pragma once
 
 #include <charconv>
+#include <filesystem>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -14,7 +15,8 @@
 
 namespace CLI {
 class App;
-}
+class Option;
+}  // namespace CLI
 
 namespace standin {
 
@@ -42,12 +44,22 @@ class OptionFaults {
   void Expected(const std::string& option, const std::string& what, const std::string& given);
   /// Keeps a line if no file of that name can be made.
   void ExpectWritable(const std::string& file);
+  /// Keeps a line if no picture of that name can be made, or if it would not be known for a PNG.
+  void ExpectPictureName(const std::string& file);
   /// Throws InputError with all lines, if there are any.
   void ThrowIfAny() const;
 
  private:
   std::vector<std::string> lines_;
 };
+
+/// Throws InputError if one of the files to be made is one that was read.
+void ExpectApart(const std::vector<std::string>& made,
+                 const std::vector<std::filesystem::path>& read);
+
+/// Keeps an empty text, which a shell makes of a variable that it does not know, from being taken
+/// for an option that was not given.
+CLI::Option* NotEmpty(CLI::Option* option);
 
 /// The whole text as a number; none when it is something else.
 template <typename Number>

@@ -79,6 +79,7 @@ class SheetMaker {
     ReadOptions();
     faults_.ThrowIfAny();
     animation_ = ReadAnimation(options.scene.scene);
+    ExpectApart({options.output}, FilesOf(options.scene.scene));
     ReadFrames();
     faults_.ThrowIfAny();
     const int side = std::max(animation_.scene.width, animation_.scene.height);
@@ -104,7 +105,7 @@ class SheetMaker {
 
  private:
   void ReadOptions() {
-    faults_.ExpectWritable(options_.output);
+    faults_.ExpectPictureName(options_.output);
     background_ = ReadBackground(options_.background);
     if (!background_) {
       faults_.Expected("--background", kBackgroundWords, options_.background);
@@ -228,16 +229,14 @@ void AddSheet(CLI::App& program, Work& chosen) {
   command->add_option("-o,--output", options->output, "The picture to make")
       ->required()
       ->type_name("SHEET.png");
-  command
-      ->add_option("--frames", options->frames,
-                   "Frames of the animation; otherwise up to 12, evenly apart")
+  NotEmpty(command->add_option("--frames", options->frames,
+                               "Frames of the animation; otherwise up to 12, evenly apart"))
       ->type_name("LIST");
   command->add_flag("--both", options->both, "Each in both modes, fast and exact")
       ->excludes("--fast")
       ->excludes("--exact");
-  command
-      ->add_option("--sweep", options->sweep,
-                   "Give a slider so many values, evenly from one to another")
+  NotEmpty(command->add_option("--sweep", options->sweep,
+                               "Give a slider so many values, evenly from one to another"))
       ->type_name("LABEL=FROM..TO:COUNT");
   command->add_option("--cell", options->cell, "Most pixels of a cell, on a side")
       ->check(CLI::Range(16, 4096))

@@ -79,7 +79,13 @@ int RunTarvo(int argc, const char* const* argv, const Console& console) {
   } catch (const CLI::ParseError& error) {
     return Fail(console, kWrongInput, {"tarvo: " + std::string(error.what())});
   }
-  return Try([&] { work(console); }, console);
+  const auto workToTheEnd = [&] {
+    work(console);
+    if (!console.out.flush()) {
+      throw InputError({"standard output cannot be written"});
+    }
+  };
+  return Try(workToTheEnd, console);
 }
 
 }  // namespace standin

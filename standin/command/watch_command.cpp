@@ -1,11 +1,10 @@
-#include <algorithm>
 #include <chrono>
 #include <filesystem>
 #include <memory>
 #include <ostream>
 #include <string>
-#include <system_error>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include <CLI/CLI.hpp>
@@ -37,13 +36,6 @@ class WatchedScene {
     }
   }
 
-  [[nodiscard]] bool Has(const std::string& file) const {
-    return std::ranges::any_of(FilesOf(file_), [&](const std::filesystem::path& own) {
-      std::error_code ignored;
-      return std::filesystem::equivalent(own, FilePath(file).Get(), ignored);
-    });
-  }
-
  private:
   /// True iff something is new since the look before.
   bool Look() {
@@ -63,14 +55,20 @@ class SceneWatch {
     ExpectUsable();
   }
 
+  /// Until Ctrl-C. Throws Unfinished if the picture is not that of the scene as it is then.
   void Run() {
     const Interrupt interrupt;
+    int code = kMade;
     Say("watching " + options_.scene.scene + " and its images; Ctrl-C ends this");
     while (!interrupt.Came()) {
-      if (Try([this] { Make(); }, console_) != kMade) {
+      code = Try([this] { Make(); }, console_);
+      if (code != kMade) {
         Say(options_.output + (isMade_ ? ": the last good picture stays" : ": no picture yet"));
       }
       scene_.AwaitSave(interrupt);
+    }
+    if (code != kMade) {
+      throw Unfinished(code, {});
     }
   }
 
@@ -85,9 +83,6 @@ class SceneWatch {
   }
 
   void Make() {
-    if (scene_.Has(options_.output)) {
-      throw InputError({options_.output + ": a picture would replace this file of the scene"});
-    }
     Render(options_, console_);
     console_.out.flush();  // somebody looks at it now
     isMade_ = true;
@@ -116,10 +111,12 @@ void AddWatch(CLI::App& program, Work& chosen) {
       ->required()
       ->type_name("OUT.png");
   command->add_option("--frame", options->frames, "The frame of an animation; the first otherwise")
-      ->type_name("N");
+      ->type_name("N")
+      ->check(CLI::NonNegativeNumber);
   AddLookOptions(*command, *options);
   command->footer(
-      R"(What cannot be rendered is said on standard error, and the last good picture stays. Ctrl-C ends it.
+      R"(What cannot be rendered is said on standard error, and the last good picture stays.
+Ctrl-C ends it, with 0 if the picture is that of the scene as it is then.
 
 Examples:
   tarvo watch examples/wave/wave.json -o wave.png --background checker

@@ -70,10 +70,13 @@ TEST_F(Frames, MakesWhatIsMissing) {
   const std::string whole = ReadWholeFile(folder_ / "b4.png");
   standin::WriteWholeFile(folder_ / "b4.png", std::string_view(whole).substr(0, whole.size() / 2));
   WritePng(folder_ / "b6.png", Picture(59, 40));
+  std::string changed = ReadWholeFile(folder_ / "b7.png");
+  changed[changed.size() / 2] ^= 1;  // still a PNG to a decoder that believes every byte
+  standin::WriteWholeFile(folder_ / "b7.png", changed);
   const Outcome outcome = Render(kRich, "b%d.png", "--missing --progress json");
   EXPECT_EQ(outcome.code, 0);
-  EXPECT_NE(outcome.out.find(": 4 frames of 60x40 in "), std::string::npos) << outcome.out;
-  for (const int frame : {4, 6, 10, 11}) {
+  EXPECT_NE(outcome.out.find(": 5 frames of 60x40 in "), std::string::npos) << outcome.out;
+  for (const int frame : {4, 6, 7, 10, 11}) {
     EXPECT_NE(outcome.err.find("{\"frame\":" + std::to_string(frame) + ","), std::string::npos)
         << outcome.err;
   }
@@ -97,7 +100,10 @@ TEST_F(Frames, RefusesWhatItCannotMake) {
                   "of frames from 0 to 11 expected");
   }
   ExpectFailure(Arguments("b.png", "--frames 0-1"), 2, "name with the frame's number");
-  ExpectFailure(Arguments("b%d.gif", ""), 2, "-o: name of PNG files");
+  ExpectFailure(Arguments("b%d.gif", ""), 2, "or of a movie (.gif, .webm, .mp4) expected");
+  ExpectFailure(Arguments("b.####.png.txt", ""), 2, "name of a picture (out.png)");
+  ExpectFailure(Arguments("a.png", ""), 2, "a.png would take the place of a file that was read");
+  ExpectFailure(Arguments("b.png", "--frames \"\""), 2, "text expected, none given");
   ExpectFailure(Arguments("b.png", "--missing"), 2, "--missing: files of frames");
   ExpectFailure(Arguments("b.png", "--raw"), 2, "--raw: -o -");
   ExpectFailure(Arguments("b%d.png", "--jobs 0"), 2, "--jobs");

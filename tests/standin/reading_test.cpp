@@ -131,6 +131,10 @@ TEST_F(Reading, FindsFlipsAndWhatMadeThem) {
   EXPECT_EQ(flips[1]["frame"], 7);
   EXPECT_EQ(flips[1]["front"], "Red");
   EXPECT_EQ(flips[1]["cause"], "key");
+  // A slider that the command line holds still has no part in it, and no flip is left.
+  EXPECT_EQ(
+      RunJson("flips " + Scene() + " --set \"Red start Z=-2\" --set \"Red end Z=-2\"")["flips"],
+      json::array());
   EXPECT_NE(Run("flips " + Scene()).out.find("z of Red at 0, then it changes at 5."),
             std::string::npos);
 }
