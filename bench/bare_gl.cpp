@@ -4,6 +4,8 @@
 #include <stdexcept>
 #include <string>
 
+#include "gl/shader_sources.h"
+
 namespace bench {
 namespace {
 
@@ -15,20 +17,20 @@ constexpr double kEyeDistance = 3000.0;
 constexpr double kNearPlane = 10.0;
 constexpr double kFarPlane = 30000.0;
 
-const char* const kVertexSource =
+const char* const kLeanVertexSource =
     "void main() {"
     "  gl_Position = gl_ModelViewProjectionMatrix * gl_Vertex;"
     "  gl_FrontColor = gl_Color;"
     "  gl_TexCoord[0] = gl_MultiTexCoord0;"
     "}";
 
-const char* const kFragmentSource =
+const char* const kLeanFragmentSource =
     "#extension GL_ARB_texture_rectangle : enable\n"
-    "uniform sampler2DRect image;"
-    "uniform float pass;"
+    "uniform sampler2DRect videoTexture;"
+    "uniform vec4 dataFromAE;"
     "void main() {"
-    "  vec4 colour = texture2DRect(image, gl_TexCoord[0].st);"
-    "  if (pass == 1.0 && colour.a == 0.0) discard;"
+    "  vec4 colour = texture2DRect(videoTexture, gl_TexCoord[0].st);"
+    "  if (dataFromAE.y == 1.0 && colour.a == 0.0) discard;"
     "  colour *= gl_Color;"
     "  colour.rgb *= colour.a;"
     "  gl_FragColor = colour;"
@@ -40,9 +42,11 @@ void Load(Pointer& entryPoint, const char* name) {
   if (entryPoint == nullptr) throw std::runtime_error(std::string("OpenGL has no ") + name);
 }
 
+/// A picture's red and blue change places on the way in, so that the way out gives the host's order
+/// without touching a byte.
 void Define(GLuint texture, int width, int height, const void* pixels) {
   glBindTexture(GL_TEXTURE_RECTANGLE_ARB, texture);
-  glTexImage2D(GL_TEXTURE_RECTANGLE_ARB, 0, kFourComponents, width, height, 0, GL_RGBA,
+  glTexImage2D(GL_TEXTURE_RECTANGLE_ARB, 0, kFourComponents, width, height, 0, GL_BGRA,
                GL_UNSIGNED_BYTE, pixels);
   glTexParameteri(GL_TEXTURE_RECTANGLE_ARB, GL_TEXTURE_MIN_FILTER, GL_LINEAR);
   glTexParameteri(GL_TEXTURE_RECTANGLE_ARB, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
@@ -76,7 +80,8 @@ BareGl::EntryPoints::EntryPoints() {
   Load(getProgram, "glGetProgramiv");
   Load(useProgram, "glUseProgram");
   Load(getUniformLocation, "glGetUniformLocation");
-  Load(uniform1f, "glUniform1f");
+  Load(uniform1i, "glUniform1i");
+  Load(uniform4f, "glUniform4f");
   Load(blendEquation, "glBlendEquation");
   Load(genFramebuffers, "glGenFramebuffers");
   Load(bindFramebuffer, "glBindFramebuffer");
@@ -84,21 +89,21 @@ BareGl::EntryPoints::EntryPoints() {
   Load(checkFramebufferStatus, "glCheckFramebufferStatus");
 }
 
-BareGl::BareGl(const Canvas& canvas)
-    : canvas_(canvas),
-      pixels_(static_cast<std::size_t>(canvas.width) * static_cast<std::size_t>(canvas.height) *
-              4) {
+BareGl::BareGl(FrameSize size, Shading shading)
+    : size_(size),
+      pixels_(static_cast<std::size_t>(size.width) * static_cast<std::size_t>(size.height) * 4) {
   const Scope current(context_);
   const EntryPoints gl;
-  uniform1f_ = gl.uniform1f;
+  uniform4f_ = gl.uniform4f;
   blendEquation_ = gl.blendEquation;
-  MakeProgram(gl);
+  MakeProgram(gl, shading);
   MakeTarget(gl);
   AimCamera();
   glEnable(GL_BLEND);
 }
 
-void BareGl::MakeProgram(const EntryPoints& gl) {
+void BareGl::MakeProgram(const EntryPoints& gl, Shading shading) {
+  const bool isLean = shading == Shading::kLean;
   const GLuint program = gl.createProgram();
   const auto attach = [&](GLenum type, const char* source) {
     const GLuint shader = gl.createShader(type);
@@ -106,14 +111,17 @@ void BareGl::MakeProgram(const EntryPoints& gl) {
     gl.compileShader(shader);
     gl.attachShader(program, shader);
   };
-  attach(GL_VERTEX_SHADER, kVertexSource);
-  attach(GL_FRAGMENT_SHADER, kFragmentSource);
+  attach(GL_VERTEX_SHADER, isLean ? kLeanVertexSource : AESDK_OpenGL::kVertexSource);
+  attach(GL_FRAGMENT_SHADER, isLean ? kLeanFragmentSource : AESDK_OpenGL::kFragmentSource);
   gl.linkProgram(program);
   GLint linked = GL_FALSE;
   gl.getProgram(program, GL_LINK_STATUS, &linked);
   if (linked == GL_FALSE) throw std::runtime_error("the bare program's shaders do not link");
   gl.useProgram(program);
-  passLocation_ = gl.getUniformLocation(program, "pass");
+  passLocation_ = gl.getUniformLocation(program, "dataFromAE");
+  // The maps are not wanted here: their samplers look where there is no texture, which is cheapest.
+  gl.uniform1i(gl.getUniformLocation(program, "coordTextureW"), 1);
+  gl.uniform1i(gl.getUniformLocation(program, "coordTextureH"), 2);
 }
 
 void BareGl::MakeTarget(const EntryPoints& gl) {
@@ -121,7 +129,7 @@ void BareGl::MakeTarget(const EntryPoints& gl) {
   gl.genFramebuffers(1, &framebuffer);
   gl.bindFramebuffer(GL_FRAMEBUFFER, framebuffer);
   const GLuint target = NewTexture();
-  Define(target, canvas_.width, canvas_.height, nullptr);
+  Define(target, size_.width, size_.height, nullptr);
   gl.framebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_RECTANGLE_ARB, target,
                           0);
   if (gl.checkFramebufferStatus(GL_FRAMEBUFFER) != GL_FRAMEBUFFER_COMPLETE) {
@@ -131,15 +139,14 @@ void BareGl::MakeTarget(const EntryPoints& gl) {
 
 /// The camera of the real thing, so that every fragment falls on the same pixel.
 void BareGl::AimCamera() const {
-  const double width = canvas_.width;
-  const double height = canvas_.height;
+  const double width = size_.width;
+  const double height = size_.height;
   constexpr double kDegreesPerRadian = 57.295779513082;
   glMatrixMode(GL_PROJECTION);
   gluPerspective(2.0 * kDegreesPerRadian * std::atan(height / (2.0 * kEyeDistance)), width / height,
                  kNearPlane, kFarPlane);
   glMatrixMode(GL_MODELVIEW);
   gluLookAt(0.5 * width, 0.5 * height, kEyeDistance, 0.5 * width, 0.5 * height, 0.0, 0.0, 1.0, 0.0);
-  glTranslatef(static_cast<float>(canvas_.originX), static_cast<float>(canvas_.originY), 0.0F);
 }
 
 void BareGl::AddImage(const standin::Picture& picture) {
@@ -148,9 +155,19 @@ void BareGl::AddImage(const standin::Picture& picture) {
   Define(textures_.back(), picture.width, picture.height, picture.Bytes());
 }
 
+void BareGl::UploadAgain(int width, int height, const void* hostPixels, int times) {
+  const Scope current(context_);
+  glBindTexture(GL_TEXTURE_RECTANGLE_ARB, textures_.back());
+  for (int i = 0; i < times; ++i) {
+    glTexImage2D(GL_TEXTURE_RECTANGLE_ARB, 0, kFourComponents, width, height, 0, GL_RGBA,
+                 GL_UNSIGNED_INT_8_8_8_8, hostPixels);
+  }
+  glFinish();
+}
+
 const std::vector<std::uint8_t>& BareGl::Draw(const Drawing& drawing) {
   const Scope current(context_);
-  glViewport(0, 0, canvas_.width, canvas_.height);
+  glViewport(0, 0, size_.width, size_.height);
   glClearColor(0.0F, 0.0F, 0.0F, 0.0F);
   glClear(GL_COLOR_BUFFER_BIT);
   if (!drawing.vertices.empty()) {
@@ -158,14 +175,13 @@ const std::vector<std::uint8_t>& BareGl::Draw(const Drawing& drawing) {
     DrawPass(drawing, kGreatestPass, GL_MAX, GL_ONE);
     DrawPass(drawing, kOverPass, GL_FUNC_ADD, GL_ONE_MINUS_SRC_ALPHA);
   }
-  // The target's pixels in the host's order: alpha, red, green, blue, as one number, low byte last.
-  glReadPixels(0, 0, canvas_.width, canvas_.height, GL_BGRA, GL_UNSIGNED_INT_8_8_8_8,
-               pixels_.data());
+  // Alpha, blue, green, red in memory; the host's order, as blue and red have changed places.
+  glReadPixels(0, 0, size_.width, size_.height, GL_RGBA, GL_UNSIGNED_INT_8_8_8_8, pixels_.data());
   return pixels_;
 }
 
 void BareGl::DrawPass(const Drawing& drawing, GLfloat pass, GLenum equation, GLenum factor) const {
-  uniform1f_(passLocation_, pass);
+  uniform4f_(passLocation_, 1.0F, pass, 1.0F, 0.0F);
   blendEquation_(equation);
   glBlendFunc(GL_ONE, factor);
   for (const Run& run : drawing.runs) {

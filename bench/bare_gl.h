@@ -7,6 +7,7 @@
 
 #include <window_system.h>
 
+#include "bench/rigs.h"
 #include "standin/gl_context.h"
 #include "standin/picture.h"
 
@@ -32,30 +33,28 @@ struct Drawing {
   std::vector<Run> runs;
 };
 
-/// Size of a frame, and the place of the layer's corner in it, in pixels.
-struct Canvas {
-  int width = 0;
-  int height = 0;
-  int originX = 0;
-  int originY = 0;
-};
+/// What a fragment costs: the program of the plug-in, which serves all of its passes, or one that
+/// can do nothing but what the two passes of a fast frame need.
+enum class Shading { kOfThePlugin, kLean };
 
 /// The least that an OpenGL program must do for a frame: the pieces drawn from a vertex array in
 /// two passes, the greatest of each channel and then over it, and read back once. It has a context
-/// and a target of its own, the target no larger than the frame, and shares no code with the
-/// plug-in.
+/// and a target of its own, the target no larger than the frame; of the plug-in's code it has the
+/// text of the shaders at the most.
 ///
 ///   (AddImage* Draw*)*; between calls the context that was current before is current again
 class BareGl {
  public:
   /// Throws std::runtime_error when there is no context, or the program or target cannot be made.
-  explicit BareGl(const Canvas& canvas);
+  explicit BareGl(FrameSize size, Shading shading = Shading::kOfThePlugin);
   BareGl(const BareGl&) = delete;
   BareGl& operator=(const BareGl&) = delete;
   ~BareGl() = default;
 
   /// Uploads an image; images are counted from 0.
   void AddImage(const standin::Picture& picture);
+  /// Uploads pixels of the host's order into the latest image's texture, so many times over.
+  void UploadAgain(int width, int height, const void* hostPixels, int times);
   /// Draws the frame and reads it back. The bytes are premultiplied pixels of the host's order,
   /// alpha first, `width` * 4 bytes a row, valid until the next call.
   const std::vector<std::uint8_t>& Draw(const Drawing& drawing);
@@ -74,7 +73,8 @@ class BareGl {
     PFNGLGETPROGRAMIVPROC getProgram;
     PFNGLUSEPROGRAMPROC useProgram;
     PFNGLGETUNIFORMLOCATIONPROC getUniformLocation;
-    PFNGLUNIFORM1FPROC uniform1f;
+    PFNGLUNIFORM1IPROC uniform1i;
+    PFNGLUNIFORM4FPROC uniform4f;
     PFNGLBLENDEQUATIONPROC blendEquation;
     PFNGLGENFRAMEBUFFERSPROC genFramebuffers;
     PFNGLBINDFRAMEBUFFERPROC bindFramebuffer;
@@ -95,14 +95,14 @@ class BareGl {
     HGLRC renderContext_ = wglGetCurrentContext();
   };
 
-  void MakeProgram(const EntryPoints& gl);
+  void MakeProgram(const EntryPoints& gl, Shading shading);
   void MakeTarget(const EntryPoints& gl);
   void AimCamera() const;
   void DrawPass(const Drawing& drawing, GLfloat pass, GLenum equation, GLenum factor) const;
 
-  Canvas canvas_;
+  FrameSize size_;
   standin::GlContext context_;
-  PFNGLUNIFORM1FPROC uniform1f_ = nullptr;
+  PFNGLUNIFORM4FPROC uniform4f_ = nullptr;
   PFNGLBLENDEQUATIONPROC blendEquation_ = nullptr;
   GLint passLocation_ = 0;
   std::vector<GLuint> textures_;

@@ -1,131 +1,129 @@
-// Frame times of the plug-in beside a bare OpenGL program, as ratios of frames measured in turn.
+// What frames cost beside what they must cost: ratios of things measured in turn, and plots.
 
-#include <algorithm>
-#include <array>
 #include <cstdio>
+#include <cstdlib>
 #include <exception>
-#include <fstream>
-#include <functional>
-#include <iterator>
-#include <stdexcept>
 #include <string>
 
 #include <CLI/CLI.hpp>
+#include <benchmark/benchmark.h>
 
-#include "bench/bench_cases.h"
-#include "bench/frame_times.h"
-#include "standin/plugin_library.h"
+#include "bench/contests.h"
+#include "bench/page.h"
+#include "bench/results.h"
+#include "bench/sweeps.h"
+#include "standin/whole_file.h"
 
 namespace bench {
 namespace {
 
-/// Of a frame's pixels, how many may differ from the bare program's: a pixel on an edge can fall to
-/// either side where drivers round differently.
-constexpr double kTolerated = 0.001;
+constexpr int kSweepFrames = 3;
 
-struct Options {
-  std::string plugin = TARVO_PLUGIN_FILE;
-  std::string csv;
-  std::string only;
-  int frames = 15;
-};
-
-/// Something to hold against the bare program.
-struct Comparison {
-  const char* name;
-  double Round::*time;
-};
-constexpr std::array<Comparison, 2> kComparisons{
-    {{"fast", &Round::fast}, {"exact", &Round::exact}}};
-
-/// The median of a number found for every round.
-template <class Number>
-double MedianOf(const FrameTimes& times, Number number) {
-  std::vector<double> values;
-  std::ranges::transform(times.rounds, std::back_inserter(values),
-                         [&](const Round& round) { return std::invoke(number, round); });
-  return Median(values);
-}
-
-void PrintRatio(const BenchCase& benchCase, const Comparison& comparison, const FrameTimes& times) {
-  const auto bare = [&](const Round& round) { return round.*comparison.time / round.bare; };
-  const auto withHost = [&](const Round& round) {
-    return round.*comparison.time / (round.bare + round.host);
-  };
-  std::printf("ratio %s_%s %.2f (plug-in %.1f ms, bare %.1f ms)\n", benchCase.name.c_str(),
-              comparison.name, MedianOf(times, bare), MedianOf(times, comparison.time),
-              MedianOf(times, &Round::bare));
-  std::printf("ratio %s_%s_host %.2f (the host's own %.1f ms added to bare)\n",
-              benchCase.name.c_str(), comparison.name, MedianOf(times, withHost),
-              MedianOf(times, &Round::host));
-}
-
-void Print(const BenchCase& benchCase, const FrameTimes& times) {
-  std::printf("%s: %zu pieces, %d x %d, %zu rounds, %zu pixels unlike the bare program's\n",
-              benchCase.name.c_str(), times.pieces, times.canvas.width, times.canvas.height,
-              times.rounds.size(), times.differingPixels);
-  for (const Comparison& comparison : kComparisons) PrintRatio(benchCase, comparison, times);
-  std::fflush(stdout);
-}
-
-void WriteRounds(std::ostream& csv, const BenchCase& benchCase, const FrameTimes& times) {
-  for (std::size_t round = 0; round < times.rounds.size(); ++round) {
-    const auto& [fast, exact, bare, host] = times.rounds[round];
-    csv << benchCase.name << ',' << round << ',' << fast << ',' << exact << ',' << bare << ','
-        << host << '\n';
+void Hold(benchmark::State& state, ContestResult& result) {
+  try {
+    const PlayPair play = result.contest->prepare();
+    play();  // the first is another one: shaders are compiled, memory is had
+    std::vector<double> ratios;
+    std::vector<double> ours;
+    std::vector<double> theirs;
+    for ([[maybe_unused]] auto _ : state) {
+      const Pair pair = play();
+      ours.push_back(pair.ours);
+      theirs.push_back(pair.theirs);
+      ratios.push_back(pair.ours / pair.theirs);
+      state.SetIterationTime(1e-3 * pair.ours);
+    }
+    result.ratios.push_back(Median(ratios));
+    result.times.push_back({.ours = Median(ours), .theirs = Median(theirs)});
+    state.counters["ratio"] = result.ratios.back();
+    state.counters["against_ms"] = result.times.back().theirs;
+  } catch (const std::exception& error) {
+    state.SkipWithError(error.what());
   }
 }
 
-/// Both programs must have drawn the same, or their times say nothing about one another.
-void RequireSamePicture(const BenchCase& benchCase, const FrameTimes& times) {
-  const double pixels = static_cast<double>(times.canvas.width) * times.canvas.height;
-  if (static_cast<double>(times.differingPixels) > kTolerated * pixels) {
-    throw std::runtime_error(benchCase.name +
-                             ": the bare program draws another picture than the plug-in");
+void Sweep(benchmark::State& state, SweepResult& result) {
+  const std::function<double()> frame = result.point->prepare(*result.point);
+  std::vector<double> times;
+  for ([[maybe_unused]] auto _ : state) {
+    times.push_back(frame());
+    state.SetIterationTime(1e-3 * times.back());
+  }
+  result.milliseconds = Median(times);
+}
+
+/// REQUIRES: the results stay where they are until everything has run.
+void Register(Results& results) {
+  for (ContestResult& result : results.contests) {
+    benchmark::RegisterBenchmark(result.contest->name.c_str(),
+                                 [&](benchmark::State& state) { Hold(state, result); })
+        ->UseManualTime()
+        ->Iterations(result.contest->pairs)
+        ->Unit(benchmark::kMillisecond);
+  }
+  for (SweepResult& result : results.sweeps) {
+    const std::string name =
+        result.point->plot + '/' + result.point->series + '/' + result.point->label;
+    benchmark::RegisterBenchmark(name.c_str(),
+                                 [&](benchmark::State& state) { Sweep(state, result); })
+        ->UseManualTime()
+        ->Iterations(kSweepFrames)
+        ->Repetitions(1)
+        ->Unit(benchmark::kMillisecond);
   }
 }
 
-void MeasureCases(const Options& options) {
-  const standin::PluginLibrary library(options.plugin);
-  std::ofstream csv;
-  if (!options.csv.empty()) {
-    csv.exceptions(std::ios::failbit | std::ios::badbit);
-    csv.open(options.csv);
-    csv << "case,round,fast_ms,exact_ms,bare_ms,host_ms\n";
-  }
-  for (const BenchCase& benchCase : BenchCases()) {
-    if (!options.only.empty() && options.only != benchCase.name) continue;
-    const FrameTimes times = MeasureFrames(library.EntryPoint(), benchCase, options.frames);
-    Print(benchCase, times);
-    RequireSamePicture(benchCase, times);
-    if (csv.is_open()) WriteRounds(csv, benchCase, times);
-  }
+Results Everything() {
+  Results results;
+  for (const Contest& contest : Contests()) results.contests.push_back({.contest = &contest});
+  for (const SweepPoint& point : SweepPoints()) results.sweeps.push_back({.point = &point});
+  return results;
 }
 
-std::vector<std::string> CaseNames() {
-  std::vector<std::string> names;
-  std::ranges::transform(BenchCases(), std::back_inserter(names), &BenchCase::name);
-  return names;
+/// Forgets what the filter left out, or what ended in an error.
+void KeepWhatRan(Results& results) {
+  std::erase_if(results.contests, [](const auto& result) { return result.ratios.empty(); });
+  std::erase_if(results.sweeps, [](const auto& result) { return result.milliseconds == 0.0; });
 }
 
-int RunBench(int argc, const char* const* argv) {
-  Options options;
-  CLI::App program("Frame times of the plug-in beside a bare OpenGL program, as ratios.",
-                   "tarvo_bench");
-  program.add_option("--frames", options.frames, "Rounds measured for each case")
-      ->check(CLI::Range(1, 10'000))
-      ->capture_default_str();
-  program.add_option("--case", options.only, "Measure this case alone")
-      ->check(CLI::IsMember(CaseNames()));
-  program.add_option("--csv", options.csv, "Write every round's milliseconds to this file");
-  program.add_option("--plugin", options.plugin, "The plug-in; this build's own otherwise");
+/// True iff every goal was met.
+bool Print(const std::vector<ContestResult>& contests) {
+  bool isMet = true;
+  for (const ContestResult& result : contests) {
+    const Pair times = result.Times();
+    std::printf("ratio %s %.3f", result.contest->name.c_str(), result.Ratio());
+    if (result.contest->goal) std::printf(" <= %.2f", *result.contest->goal);
+    std::printf("%s (%.2f against %.2f; %s against %s)\n", result.Missed() ? " MISSED" : "",
+                times.ours, times.theirs, result.contest->ours.c_str(),
+                result.contest->theirs.c_str());
+    isMet = isMet && !result.Missed();
+  }
+  return isMet;
+}
+
+int RunBench(int argc, char** argv) {
+  // Drawn on the calling thread: processor time is then what a frame takes, and others who draw
+  // (Cairo) have one thread too.
+  setenv("LP_NUM_THREADS", "0", 1);
+  benchmark::Initialize(&argc, argv);
+  std::string page;
+  CLI::App program(
+      "Frame times as ratios of things measured in turn; --benchmark_filter=NAME and "
+      "the other options of Google Benchmark hold.",
+      "tarvo_bench");
+  program.add_option("--page", page, "Write the results with plots to this HTML file");
   try {
     program.parse(argc, argv);
   } catch (const CLI::ParseError& request) {
     return program.exit(request);
   }
-  MeasureCases(options);
-  return 0;
+  Results results = Everything();
+  Register(results);
+  benchmark::RunSpecifiedBenchmarks();
+  KeepWhatRan(results);
+  const bool isMet = Print(results.contests);
+  if (!page.empty()) standin::WriteWholeFile(standin::FilePath(page), Page(results));
+  return isMet ? 0 : 1;
 }
 
 }  // namespace

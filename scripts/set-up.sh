@@ -8,6 +8,7 @@ packages=(
   libegl-dev libgl-dev libopengl-dev libglu1-mesa-dev libegl-mesa0 libgl1-mesa-dri  # no screen needed
   nlohmann-json3-dev libcli11-dev libstb-dev                         # the stand-in host
   libgtest-dev googletest python3 python3-jsonschema                 # tests
+  libbenchmark-dev libcairo2-dev pkg-config                          # scripts/bench
   clang-format clang-tidy binutils
   g++-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64 zip           # the Windows build, archives
   wine wine64 xvfb xauth                                             # its tests

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -76,6 +77,18 @@ class Books {
   /// Notes every handle and world that is out as a misuse and writes it off: the plug-in is gone.
   void CloseLife(std::string_view command);
 
+  /// Memory behind a handle or a world came into being, or went.
+  void Hold(std::size_t bytes) {
+    bytes_ += bytes;
+    mostBytes_ = std::max(mostBytes_, bytes_);
+  }
+  void LetGo(std::size_t bytes) { bytes_ -= bytes; }
+  /// Bytes behind all handles and worlds at the moment, and the most that there were at a time
+  /// since the most was forgotten. Rows count without their padding.
+  [[nodiscard]] std::size_t Bytes() const { return bytes_; }
+  [[nodiscard]] std::size_t MostBytes() const { return mostBytes_; }
+  void ForgetMostBytes() { mostBytes_ = bytes_; }
+
   /// Notes that the plug-in did what it must not.
   void Misuse(std::string message);
   [[nodiscard]] const std::vector<std::string>& Misuses() const { return misuses_; }
@@ -107,6 +120,8 @@ class Books {
   std::deque<std::pair<const void*, std::uint64_t>> dead_;
   std::array<std::size_t, kKinds> alive_{};
   std::uint64_t next_ = 1;
+  std::size_t bytes_ = 0;
+  std::size_t mostBytes_ = 0;
   std::vector<std::string> misuses_;
 };
 

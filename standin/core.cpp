@@ -23,7 +23,7 @@ Parameter* StreamSubject::Of() const {
 
 Core::Core(PF_EntryPoint plugin, HostOptions hostOptions)
     : entryPoint(plugin), options(std::move(hostOptions)) {
-  memory.FillNew(options.inspectPixels);
+  memory.Inspect(options.inspectPixels);
   worlds.FillNew(options.inspectPixels);
   if (options.ownContext) {
     context = std::make_unique<GlContext>();

@@ -48,13 +48,14 @@ PF_Handle HostMemory::New(A_HandleSize bytes) {
   if (!block->memory) {
     return nullptr;
   }
-  if (fillsNew_) {
+  if (inspects_) {
     std::memset(block->memory.get(), kFresh, block->size);
   }
   block->master = block->memory.get();
   PF_Handle handle = &block->master;
   books_.Enter(Kind::kHandle, handle, std::to_string(bytes) + " bytes", block.get());
   Watch(*block);
+  books_.Hold(block->size);
   blocks_[handle] = std::move(block);
   return handle;
 }
@@ -115,6 +116,7 @@ void HostMemory::Dispose(PF_Handle handle, std::string_view who) {
     }
   }
   books_.Remove(Kind::kHandle, handle, who);
+  books_.LetGo(block->size);
   block->memory.reset();
   block->master = nullptr;
   if (auto node = blocks_.extract(handle)) {
@@ -145,6 +147,8 @@ PF_Err HostMemory::Resize(A_HandleSize bytes, PF_Handle handle, std::string_view
   std::memcpy(memory.get(), block->memory.get(), std::min(size, block->size));
   block->memory = std::move(memory);
   block->master = block->memory.get();
+  books_.LetGo(block->size);
+  books_.Hold(size);
   block->size = size;
   Watch(*block);
   return PF_Err_NONE;
@@ -176,6 +180,7 @@ void HostMemory::Purge(PF_Handle handle) {
   if (Block* block = Living(handle)) {
     block->memory.reset();
     block->master = nullptr;
+    books_.LetGo(block->size);
     block->size = 0;
     block->watched = false;
   }
@@ -196,7 +201,10 @@ HostMemory::Block* HostMemory::Living(PF_Handle handle) const {
   return found == blocks_.end() ? nullptr : found->second.get();
 }
 
-void HostMemory::Watch(Block& block) {
+void HostMemory::Watch(Block& block) const {
+  if (!inspects_) {
+    return;
+  }
   block.watched = true;
   block.hash = Hash(block.memory.get(), block.WatchedBytes());
 }

@@ -22,8 +22,9 @@ class HostMemory {
   HostMemory& operator=(const HostMemory&) = delete;
   ~HostMemory();
 
-  /// Whether new memory is filled with a pattern (it is), or left as the system gives it.
-  void FillNew(bool fill) { fillsNew_ = fill; }
+  /// Whether new memory is filled with a pattern and unlocked memory is watched (they are), or left
+  /// as the system and the plug-in give it.
+  void Inspect(bool inspects) { inspects_ = inspects; }
   /// A new unlocked handle of that many bytes; null when there is no memory.
   PF_Handle New(A_HandleSize bytes);
   /// A new handle that holds a copy of these bytes.
@@ -58,13 +59,13 @@ class HostMemory {
 
   Block* Find(PF_Handle handle, std::string_view who);
   [[nodiscard]] Block* Living(PF_Handle handle) const;
-  static void Watch(Block& block);
+  void Watch(Block& block) const;
   void CheckWatched(Block& block, std::string_view who);
 
   Books& books_;
   std::unordered_map<const void*, std::unique_ptr<Block>> blocks_;
   std::deque<std::unique_ptr<Block>> graveyard_;
-  bool fillsNew_ = true;
+  bool inspects_ = true;
   std::uint64_t refusedLocks_ = 0;
   std::uint64_t strayUnlocks_ = 0;
 };

@@ -86,6 +86,7 @@ PF_Err Worlds::New(A_long width, A_long height, PF_NewWorldFlags flags, const st
   }
   world->SetGuards();
   *record = world->record;
+  books_.Hold(world->PixelBytes() * world->Rows());
   worlds_[name] = std::move(world);
   return PF_Err_NONE;
 }
@@ -97,6 +98,7 @@ PF_Err Worlds::Dispose(const PF_EffectWorld* record, std::string_view who) {
   }
   CheckGuards(*found->second, who);
   books_.Remove(Kind::kWorld, record->reserved0, who);
+  books_.LetGo(found->second->PixelBytes() * found->second->Rows());
   worlds_.erase(found);
   return PF_Err_NONE;
 }

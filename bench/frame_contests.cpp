@@ -1,0 +1,144 @@
+#include <algorithm>
+#include <functional>
+#include <memory>
+#include <numeric>
+#include <stdexcept>
+#include <string>
+
+#include "bench/cairo_painter.h"
+#include "bench/contests.h"
+#include "bench/measure.h"
+#include "bench/stage.h"
+#include "bench/stopped_render.h"
+
+namespace bench {
+namespace {
+
+/// Of a frame's pixels, how many may differ from the bare program's: a pixel on an edge can fall to
+/// either side where drivers round differently.
+constexpr double kTolerated = 0.001;
+constexpr FrameSize kSmall{480, 270};
+constexpr FrameSize k4K{3840, 2160};
+constexpr FrameSize k8K{7680, 4320};
+
+std::size_t Differences(const standin::Picture& one, const standin::Picture& other) {
+  return std::transform_reduce(one.pixels.begin(), one.pixels.end(), other.pixels.begin(),
+                               std::size_t{0}, std::plus(), std::not_equal_to());
+}
+
+/// Both must have drawn the same, or their times say nothing about one another.
+void RequireSame(const standin::Picture& one, const standin::Picture& other) {
+  const auto pixels = static_cast<double>(one.pixels.size());
+  const auto unlike = static_cast<double>(Differences(one, other));
+  if (unlike <= kTolerated * pixels) return;
+  throw std::runtime_error("the bare program draws another picture than the plug-in: " +
+                           std::to_string(unlike) + " pixels");
+}
+
+/// The plug-in and a bare program with the same rig before them.
+class Match {
+ public:
+  Match(const Rig& rig, Shading shading)
+      : stage_(rig), bare_(rig.size, shading), drawing_(InOrder(rig)) {
+    for (const Bone& bone : rig.bones) bare_.AddImage(bone.image);
+    stage_.TimeRender(true);
+    const standin::Picture ours = stage_.LastPicture();
+    stage_.TimeHostCalls(bare_.Draw(drawing_));
+    RequireSame(ours, stage_.LastPicture());
+  }
+
+  Pair Play() {
+    Pair pair{.ours = stage_.TimeRender(true)};
+    const std::vector<std::uint8_t>* pixels = nullptr;
+    pair.theirs = Milliseconds([&] { pixels = &bare_.Draw(drawing_); });
+    pair.theirs += stage_.TimeHostCalls(*pixels);
+    return pair;
+  }
+
+ private:
+  Stage stage_;
+  BareGl bare_;
+  Drawing drawing_;
+};
+
+PlayPair AgainstBare(const Rig& rig, Shading shading = Shading::kOfThePlugin) {
+  return [match = std::make_shared<Match>(rig, shading)] { return match->Play(); };
+}
+
+PlayPair ExactAgainstFast(const Rig& rig) {
+  return [stage = std::make_shared<Stage>(rig)]() -> Pair {
+    return {.ours = stage->TimeRender(false), .theirs = stage->TimeRender(true)};
+  };
+}
+
+/// Fast frames of a large rig, and so many times those of a small one.
+PlayPair Growth(const Rig& large, const Rig& small, double times) {
+  const auto one = std::make_shared<Stage>(large);
+  return [one, other = std::make_shared<Stage>(small), times]() -> Pair {
+    return {.ours = one->TimeRender(true), .theirs = times * other->TimeRender(true)};
+  };
+}
+
+}  // namespace
+
+PlayPair Fast1080() { return AgainstBare(Limbs(kFullHd)); }
+PlayPair Lean1080() { return AgainstBare(Limbs(kFullHd), Shading::kLean); }
+PlayPair Fast2000() { return AgainstBare(Field(2000, 1.5)); }
+PlayPair Small270() { return AgainstBare(Limbs(kSmall)); }
+PlayPair Exact1() { return ExactAgainstFast(Carpet()); }
+PlayPair Exact25() { return ExactAgainstFast(Limbs(kFullHd)); }
+PlayPair GrowPieces() { return Growth(Field(10'000, 2.0), Field(1'000, 2.0), 10.0); }
+PlayPair GrowSize() { return Growth(Limbs(k8K), Limbs(k4K), 4.0); }
+
+PlayPair SecondFrame() {
+  return [stage = std::make_shared<Stage>(Limbs(kFullHd))] {
+    Pair pair{.ours = stage->TimeRender(true)};
+    stage->TimeRender(true, StoppedRender);
+    const StageTimes& times = LatestStageTimes();
+    for (const FrameStage needed : {kWorlds, kPasses, kReadBack, kTransfer}) {
+      pair.theirs += times[needed];
+    }
+    return pair;
+  };
+}
+
+/// A small frame of large images: what the images cost is not lost in what the frame costs.
+PlayPair Upload() {
+  const Rig rig = Limbs(kSmall);
+  const auto bare = std::make_shared<BareGl>(rig.size);
+  bare->AddImage(rig.bones.front().image);
+  return [stage = std::make_shared<Stage>(rig), bare, image = rig.bones.front().image,
+          images = static_cast<int>(rig.bones.size())] {
+    stage->Send(true);
+    const double first = stage->TimeRender(true);
+    const double second = stage->TimeRender(true);
+    return Pair{.ours = first - second,
+                .theirs = Milliseconds(
+                    [&] { bare->UploadAgain(image.width, image.height, image.Bytes(), images); })};
+  };
+}
+
+/// What the plug-in held at a time, as the host's books say; the output is the host's own.
+PlayPair Memory() {
+  const Rig rig = Limbs(kFullHd);
+  return [stage = std::make_shared<Stage>(rig), size = rig.size] {
+    standin::Books& books = TheHost().books;
+    books.ForgetMostBytes();
+    const std::size_t before = books.Bytes();
+    stage->TimeRender(false);
+    const double buffer = 4.0 * size.width * size.height;
+    return Pair{.ours = static_cast<double>(books.MostBytes() - before) / buffer - 1.0,
+                .theirs = 1.0};
+  };
+}
+
+PlayPair Cairo() {
+  const Rig rig = Limbs(kFullHd);
+  const auto painter = std::make_shared<CairoPainter>(rig);
+  return [stage = std::make_shared<Stage>(rig), painter, drawing = InOrder(rig)]() -> Pair {
+    return {.ours = stage->TimeRender(true),
+            .theirs = Milliseconds([&] { painter->Paint(drawing); })};
+  };
+}
+
+}  // namespace bench

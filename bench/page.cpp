@@ -1,0 +1,134 @@
+#include "bench/page.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <iomanip>
+#include <map>
+#include <sstream>
+
+namespace bench {
+namespace {
+
+constexpr double kWidth = 640.0;
+constexpr double kHeight = 300.0;
+constexpr double kLeft = 60.0;  ///< of the plot's area; labels stand before and below it
+constexpr double kBottom = 260.0;
+constexpr double kTop = 20.0;
+constexpr double kRight = 620.0;
+
+const char* const kHead = R"(<!DOCTYPE html>
+<html lang="en"><head><meta charset="utf-8"><title>Tarvo overlaps manager: frame times</title>
+<style>
+body { font: 15px/1.4 sans-serif; margin: 2em auto; max-width: 60em; color: #222; }
+table { border-collapse: collapse; } th, td { padding: .2em .8em; text-align: left; }
+td.number { text-align: right; } tr.missed { background: #fdd; } th { border-bottom: 1px solid; }
+svg text { font: 12px sans-serif; } .fast { stroke: #16a; fill: #16a; }
+.exact { stroke: #c40; fill: #c40; } polyline { fill: none !important; stroke-width: 2; }
+.axis { stroke: #888; } text.fast, text.exact { stroke: none; }
+</style></head><body>
+<h1>Frame times</h1>
+<p>Each ratio is the median of pairs that were measured in turn, and of the repetitions. Times are
+milliseconds of processor time, drawn by the software renderer on one thread.</p>
+)";
+
+std::string Text(double value, int digits) {
+  std::ostringstream text;
+  text << std::fixed << std::setprecision(digits) << value;
+  return text.str();
+}
+
+void WriteTable(std::ostream& page, const std::vector<ContestResult>& contests) {
+  page << "<table><tr><th>name<th>what<th>against what<th>ratio<th>goal<th>ms<th>ms</tr>\n";
+  for (const ContestResult& result : contests) {
+    const Contest& contest = *result.contest;
+    const Pair times = result.Times();
+    page << (result.Missed() ? "<tr class=missed>" : "<tr>") << "<td>" << contest.name << "<td>"
+         << contest.ours << "<td>" << contest.theirs << "<td class=number>"
+         << Text(result.Ratio(), 3) << "<td class=number>"
+         << (contest.goal ? "≤ " + Text(*contest.goal, 2) : "") << "<td class=number>"
+         << Text(times.ours, 2) << "<td class=number>" << Text(times.theirs, 2) << "</tr>\n";
+  }
+  page << "</table>\n";
+}
+
+/// A plot's points, with the ways from values to places.
+class Plot {
+ public:
+  explicit Plot(std::vector<SweepResult> results) : results_(std::move(results)) {
+    for (const SweepResult& result : results_) {
+      mostX_ = std::max(mostX_, result.point->x);
+      mostY_ = std::max(mostY_, result.milliseconds);
+    }
+  }
+
+  void Write(std::ostream& page) const {
+    page << "<svg width=" << kWidth << " height=" << kHeight << ">\n";
+    WriteAxes(page);
+    std::map<std::string, std::string> lines;
+    for (const SweepResult& result : results_) {
+      const double x = PlaceOfX(result.point->x);
+      const double y = PlaceOfY(result.milliseconds);
+      const std::string& series = result.point->series;
+      lines[series] += Text(x, 1) + ',' + Text(y, 1) + ' ';
+      page << "<circle class=" << series << " r=4 cx=" << x << " cy=" << y << "><title>" << series
+           << ", " << result.point->label << ": " << Text(result.milliseconds, 2)
+           << " ms</title></circle>\n";
+    }
+    double legend = kLeft + 20.0;
+    for (const auto& [series, points] : lines) {
+      page << "<polyline class=" << series << " points=\"" << points << "\"/><text class=" << series
+           << " x=" << legend << " y=15>" << series << "</text>\n";
+      legend += 60.0;
+    }
+    page << "</svg>\n";
+  }
+
+ private:
+  [[nodiscard]] double PlaceOfX(double x) const {
+    return kLeft + (kRight - kLeft) * (0.05 + 0.9 * x / mostX_);
+  }
+  [[nodiscard]] double PlaceOfY(double y) const { return kBottom - (kBottom - kTop) * y / mostY_; }
+
+  void WriteAxes(std::ostream& page) const {
+    page << "<path class=axis fill=none d=\"M" << kLeft << ' ' << kTop << " V" << kBottom << " H"
+         << kRight << "\"/>\n";
+    for (const double share : {0.0, 0.5, 1.0}) {
+      page << "<text text-anchor=end x=" << kLeft - 6.0 << " y=" << PlaceOfY(share * mostY_) + 4.0
+           << '>' << Text(share * mostY_, mostY_ < 10.0 ? 1 : 0) << " ms</text>\n";
+    }
+    for (const SweepResult& result : results_) {
+      if (result.point->series != results_.front().point->series) continue;
+      page << "<text text-anchor=middle x=" << PlaceOfX(result.point->x) << " y=" << kBottom + 18.0
+           << '>' << result.point->label << "</text>\n";
+    }
+  }
+
+  std::vector<SweepResult> results_;
+  double mostX_ = 1.0;
+  double mostY_ = 1e-9;
+};
+
+}  // namespace
+
+std::string Page(const Results& results) {
+  std::ostringstream page;
+  page << kHead;
+  WriteTable(page, results.contests);
+  const std::map<std::string, const char*> titles{
+      {"pieces", "By pieces: 25 images in full HD, the same area covered"},
+      {"size", "By size: 25 images, 200 pieces, height of the frame in pixels"},
+      {"stage", "By stage: 25 images, 200 pieces in full HD, with new images"}};
+  for (const auto& [plot, title] : titles) {
+    std::vector<SweepResult> own;
+    std::ranges::copy_if(results.sweeps, std::back_inserter(own),
+                         [&](const SweepResult& result) { return result.point->plot == plot; });
+    if (own.empty()) continue;
+    page << "<h2>" << title << "</h2>\n";
+    Plot(std::move(own)).Write(page);
+  }
+  page << "</body></html>\n";
+  return page.str();
+}
+
+}  // namespace bench

@@ -1,0 +1,171 @@
+#include "bench/rigs.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <numbers>
+#include <random>
+
+namespace bench {
+namespace {
+
+constexpr int kBones = 25;
+constexpr int kSlices = 8;
+constexpr int kLimbImageSide = 512;
+constexpr int kFieldImageSide = 64;
+constexpr int kCarpetColumns = 20;
+constexpr int kCarpetRows = 10;
+
+/// Numbers that are the same everywhere, which the library's distributions are not.
+class Dice {
+ public:
+  /// Evenly between the two.
+  double Between(double low, double high) {
+    return low + (high - low) * static_cast<double>(generator_()) / 4294967296.0;
+  }
+
+ private:
+  std::mt19937 generator_;
+};
+
+/// A rectangle along the axes of an image, in its pixels.
+struct Cut {
+  double left;
+  double top;
+  double right;
+  double bottom;
+};
+
+/// A turned rectangle in the frame, in pixels.
+struct Place {
+  double x;  ///< of the centre
+  double y;
+  double width;
+  double height;
+  double turn;  ///< radians
+};
+
+PieceQuad Piece(const Place& place, const Cut& cut, double boneT) {
+  PieceQuad piece{};
+  const double u[4] = {cut.left, cut.right, cut.right, cut.left};
+  const double v[4] = {cut.top, cut.top, cut.bottom, cut.bottom};
+  for (std::size_t corner = 0; corner < 4; ++corner) {
+    const double along = (u[corner] == cut.left ? -0.5 : 0.5) * place.width;
+    const double across = (v[corner] == cut.top ? -0.5 : 0.5) * place.height;
+    piece.corners[corner][0] =
+        place.x + along * std::cos(place.turn) - across * std::sin(place.turn);
+    piece.corners[corner][1] =
+        place.y + along * std::sin(place.turn) + across * std::cos(place.turn);
+    piece.texCoords[corner][0] = u[corner];
+    piece.texCoords[corner][1] = v[corner];
+  }
+  piece.boneT = boneT;
+  return piece;
+}
+
+/// A disc with a soft edge on nothing, in a colour of its own.
+standin::Picture SoftDisc(int side, int number) {
+  standin::Picture picture(side, side);
+  const double radius = 0.5 * side;
+  for (int y = 0; y < side; ++y) {
+    for (int x = 0; x < side; ++x) {
+      const double inside = 1.0 - std::hypot(x + 0.5 - radius, y + 0.5 - radius) / radius;
+      const auto alpha = static_cast<std::uint8_t>(std::clamp(inside * 4.0, 0.0, 1.0) * 255.0);
+      picture.At(x, y) = {static_cast<std::uint8_t>(40 + 8 * number),
+                          static_cast<std::uint8_t>(x * 255 / side),
+                          static_cast<std::uint8_t>(y * 255 / side), alpha};
+    }
+  }
+  return picture;
+}
+
+/// The slices of one limb, each reaching a quarter of its length over the next one.
+std::vector<PieceQuad> Slices(const Place& limb) {
+  std::vector<PieceQuad> pieces;
+  const double step = (kLimbImageSide - 2.0) / kSlices;
+  const double scale = limb.width / kLimbImageSide;
+  for (int slice = 0; slice < kSlices; ++slice) {
+    const Cut cut{.left = 1.0 + slice * step,
+                  .top = 1.0,
+                  .right = std::min(1.0 + (slice + 1.25) * step, kLimbImageSide - 1.0),
+                  .bottom = kLimbImageSide - 1.0};
+    const double fromMiddle = (0.5 * (cut.left + cut.right) - 0.5 * kLimbImageSide) * scale;
+    pieces.push_back(Piece({.x = limb.x + fromMiddle * std::cos(limb.turn),
+                            .y = limb.y + fromMiddle * std::sin(limb.turn),
+                            .width = (cut.right - cut.left) * scale,
+                            .height = (cut.bottom - cut.top) * scale,
+                            .turn = limb.turn},
+                           cut, (slice + 0.5) / kSlices));
+  }
+  return pieces;
+}
+
+}  // namespace
+
+Rig Limbs(FrameSize size) {
+  Rig rig{.size = size, .bones = {}};
+  Dice dice;
+  const double side = kLimbImageSide * static_cast<double>(size.height) / kFullHd.height;
+  const double reach = side * std::numbers::sqrt2 / 2.0;
+  for (int number = 0; number < kBones; ++number) {
+    const Place limb{.x = dice.Between(reach, size.width - reach),
+                     .y = dice.Between(reach, size.height - reach),
+                     .width = side,
+                     .height = side,
+                     .turn = dice.Between(0.0, 2.0 * std::numbers::pi)};
+    rig.bones.push_back({.image = SoftDisc(kLimbImageSide, number),
+                         .pieces = Slices(limb),
+                         .startZ = -1.0 * number,
+                         .endZ = -1.0 * number - 1.5});
+  }
+  return rig;
+}
+
+Rig Field(int pieces, double coverage) {
+  Rig rig{.size = kFullHd, .bones = std::vector<Bone>(kBones)};
+  Dice dice;
+  const double side = std::sqrt(coverage * kFullHd.width * kFullHd.height / pieces);
+  const double reach = side * std::numbers::sqrt2 / 2.0;
+  for (int number = 0; number < kBones; ++number) {
+    Bone& bone = rig.bones[static_cast<std::size_t>(number)];
+    bone = {.image = SoftDisc(kFieldImageSide, number),
+            .pieces = {},
+            .startZ = dice.Between(50.0, 100.0),
+            .endZ = dice.Between(-100.0, -50.0)};
+    for (int piece = 0; piece < pieces / kBones; ++piece) {
+      bone.pieces.push_back(Piece({.x = dice.Between(reach, kFullHd.width - reach),
+                                   .y = dice.Between(reach, kFullHd.height - reach),
+                                   .width = side,
+                                   .height = side,
+                                   .turn = dice.Between(0.0, 2.0 * std::numbers::pi)},
+                                  {1.0, 1.0, kFieldImageSide - 1.0, kFieldImageSide - 1.0},
+                                  dice.Between(0.0, 1.0)));
+    }
+  }
+  return rig;
+}
+
+Rig Carpet() {
+  Bone bone{.image = SoftDisc(kLimbImageSide, 0), .pieces = {}, .startZ = 1.0, .endZ = -1.0};
+  constexpr double kColumn = (kFullHd.width - 40.0) / kCarpetColumns;
+  constexpr double kRow = (kFullHd.height - 40.0) / kCarpetRows;
+  const double cutWidth = (kLimbImageSide - 2.0) / kCarpetColumns;
+  const double cutHeight = (kLimbImageSide - 2.0) / kCarpetRows;
+  for (int row = 0; row < kCarpetRows; ++row) {
+    for (int column = 0; column < kCarpetColumns; ++column) {
+      const Cut cut{.left = 1.0 + column * cutWidth,
+                    .top = 1.0 + row * cutHeight,
+                    .right = 1.0 + (column + 1) * cutWidth,
+                    .bottom = 1.0 + (row + 1) * cutHeight};
+      bone.pieces.push_back(Piece({.x = 20.0 + (column + 0.5) * kColumn,
+                                   .y = 20.0 + (row + 0.5) * kRow,
+                                   .width = 1.2 * kColumn,
+                                   .height = 1.2 * kRow,
+                                   .turn = 0.0},
+                                  cut, (column + 20.0 * row) / 200.0));
+    }
+  }
+  return {.size = kFullHd, .bones = {bone}};
+}
+
+}  // namespace bench

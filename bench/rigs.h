@@ -1,0 +1,44 @@
+#pragma once
+
+#include <vector>
+
+#include "standin/picture.h"
+#include "tarvo/companion.h"
+
+namespace bench {
+
+/// Size of a frame, in pixels.
+struct FrameSize {
+  int width = 0;
+  int height = 0;
+};
+inline constexpr FrameSize kFullHd{1920, 1080};
+
+/// A bone: its image, its pieces, and the depths at its two ends.
+struct Bone {
+  standin::Picture image;
+  std::vector<PieceQuad> pieces;
+  double startZ = 0.0;
+  double endZ = 0.0;
+};
+
+/// What is drawn: one companion for each bone, on a layer of the frame's size. Every piece is a
+/// parallelogram inside the frame, so that other painters can draw it too.
+struct Rig {
+  FrameSize size;
+  std::vector<Bone> bones;
+};
+
+/// 25 limbs, each of 8 overlapping slices of an image of 512 × 512 pixels that is shown in its own
+/// size in full HD, and larger or smaller with the frame. They cover about four times the frame.
+Rig Limbs(FrameSize size);
+
+/// `pieces` small pieces over 25 images, in full HD. Every bone runs through the whole depth, so
+/// that neighbours in the order of drawing seldom share an image. Together the pieces cover
+/// `coverage` times the frame, however many they are.
+Rig Field(int pieces, double coverage);
+
+/// 200 pieces of one image all over a full HD frame, each overlapping its neighbours.
+Rig Carpet();
+
+}  // namespace bench

@@ -1,0 +1,55 @@
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "bench/bare_gl.h"
+#include "bench/rigs.h"
+#include "entry/entry_point.h"
+#include "standin/host.h"
+
+namespace bench {
+
+/// The one host of the process, with the plug-in started. Throws std::runtime_error if that fails.
+standin::Host& TheHost();
+
+/// Milliseconds that the plug-in took for the latest command, host operations included; what the
+/// host does before and after it is not counted.
+double LatestCommandMilliseconds();
+
+/// A rig on a layer of its own, with an instance of the plug-in that has drawn one frame: every
+/// further one has its images already.
+class Stage {
+ public:
+  explicit Stage(const Rig& rig);
+  Stage(const Stage&) = delete;
+  Stage& operator=(const Stage&) = delete;
+  ~Stage();
+
+  /// Every companion sends, with its image as a new one if asked.
+  void Send(bool withImages);
+  /// Milliseconds of the render command. Leaves the picture in `LastPicture`. `answer` answers the
+  /// command in the plug-in's place. Throws std::runtime_error when the result is an error.
+  double TimeRender(bool fast, PF_EntryPoint answer = EntryPointFunc);
+  /// Milliseconds of the general command, one message of the first companion without an image.
+  double TimeMessage(PF_EntryPoint answer = EntryPointFunc);
+  /// Milliseconds of the host operations that a render command needs at the least (fill, new world,
+  /// straight colour, copy), done on the pixels of a frame as BareGl::Draw gives them. Leaves the
+  /// picture in `LastPicture`.
+  double TimeHostCalls(const std::vector<std::uint8_t>& premultiplied);
+
+  [[nodiscard]] const standin::Picture& LastPicture() const { return lastPicture_; }
+
+ private:
+  FrameSize size_;
+  standin::Layer& layer_;
+  standin::RendererInstance& renderer_;
+  std::vector<standin::Companion*> companions_;
+  standin::Picture lastPicture_;
+};
+
+/// The rig's pieces in the order in which the plug-in is to draw them, images numbered as its
+/// bones.
+Drawing InOrder(const Rig& rig);
+
+}  // namespace bench
