@@ -5,6 +5,7 @@
 
 #include "host/host_memory.h"
 #include "render/draw_quad.h"
+#include "render/piece_area.h"
 #include "render/pixel_rows.h"
 #include "render/rectangle_texture.h"
 
@@ -72,7 +73,7 @@ bool ReadBack(Frame& frame, const Tile& tile) {
   HostMemory buffer(frame.host.Suites(), PackedBytes(tile.width, tile.height));
   auto* const pixels = buffer ? static_cast<A_u_char*>(buffer.Lock()) : nullptr;
   if (pixels == nullptr) return false;
-  ReadRenderTarget(tile.width, tile.height, pixels);
+  ReadRenderTarget(WholeOf(tile), pixels);
 
   PF_EffectWorld& world = frame.scratchWorld.Get();
   const A_HandleSize rowBytes = PackedBytes(tile.width, 1);

@@ -27,6 +27,14 @@ struct Tile {
   A_long height;
 };
 
+/// A rectangle of the render target, in its pixels.
+struct Area {
+  A_long x;
+  A_long y;
+  A_long width;
+  A_long height;
+};
+
 /// Everything that one render call holds; its stages take it.
 struct Frame {
   Frame(PF_InData& inData, PF_OutData& outData, PF_ParamDef* const* parameters,

@@ -3,7 +3,9 @@
 #include <algorithm>
 
 #include "host/host_memory.h"
+#include "render/camera.h"
 #include "render/draw_quad.h"
+#include "render/piece_area.h"
 #include "render/pixel_rows.h"
 #include "render/rectangle_texture.h"
 
@@ -33,34 +35,51 @@ void SetCoordinatePass(Frame& frame) {
   RequireFramework(frame, AESDK_OpenGL_SetUniform4(gState, 0.0F, 0.0F, 0.0F, 0.0F, "dataFromAE"));
 }
 
-/// Draws the pieces of one image, the nearest first.
-void DrawCoordinates(Frame& frame, std::size_t slot, ImageFamily family, GLfloat selector) {
-  glClear(GL_COLOR_BUFFER_BIT);
-  const GLuint texture = frame.scene.slots[slot].images[family].texture;
-  RequireFramework(frame, AESDK_OpenGL_BindSampler(gState, texture, "videoTexture", 0));
+/// The pieces of one image, the nearest first, and the area outside which none of them has a pixel:
+/// nothing there is drawn, and its map is never looked at there.
+struct ImagePieces {
+  GLuint texture;
+  std::vector<const DrawPiece*> pieces;
+  Area area;
+};
+
+ImagePieces PiecesOf(const Frame& frame, const Tile& tile, std::size_t slot, ImageFamily family) {
+  ImagePieces image{.texture = frame.scene.slots[slot].images[family].texture};
   std::for_each(frame.drawList.rbegin(), frame.drawList.rend(), [&](const DrawPiece& piece) {
-    if (piece.slot == slot && piece.family == family) DrawQuad(frame, piece, selector);
+    if (piece.slot == slot && piece.family == family) image.pieces.push_back(&piece);
   });
+  image.area = AreaOf(frame, tile, image.pieces);
+  return image;
 }
 
-/// Moves the tile from the render target into a texture of its own; 0 if the host has no buffer.
-GLuint KeepAsMap(Frame& frame, const Tile& tile) {
+void DrawCoordinates(Frame& frame, const ImagePieces& image, GLfloat selector) {
+  LimitDrawing(image.area);
+  glClear(GL_COLOR_BUFFER_BIT);
+  RequireFramework(frame, AESDK_OpenGL_BindSampler(gState, image.texture, "videoTexture", 0));
+  for (const DrawPiece* const piece : image.pieces) DrawQuad(frame, *piece, selector);
+}
+
+/// Moves an area of the tile from the render target into a texture of its own, at the same place; 0
+/// if the host has no buffer. Beyond the area the texture has no contents, or ends.
+GLuint KeepAsMap(Frame& frame, const Tile& tile, const Area& area) {
   HostMemory buffer(frame.host.Suites(), PackedBytes(tile.width, tile.height));
   void* const pixels = buffer ? buffer.Lock() : nullptr;
   if (pixels == nullptr) return 0;
   GLuint map = 0;
   glGenTextures(1, &map);
-  ReadRenderTarget(tile.width, tile.height, pixels);
-  DefineRectangleTexture(map, tile.width, tile.height, pixels, GL_NEAREST);
+  ReadRenderTarget(area, pixels);
+  DefineRectangleTexture(map, area.x + area.width, area.y + area.height, nullptr, GL_NEAREST);
+  FillBoundTexture(area, pixels);
   return map;
 }
 
 void RenderFamily(Frame& frame, const Tile& tile, ImageFamily family, OwnershipMaps& maps) {
   for (const Coordinate& coordinate : kCoordinates) {
     for (std::size_t slot = 0; slot < frame.scene.slots.size(); ++slot) {
-      if (frame.scene.slots[slot].images[family].texture == 0) continue;
-      DrawCoordinates(frame, slot, family, coordinate.selector);
-      maps.Of(slot, family).*coordinate.map = KeepAsMap(frame, tile);
+      const ImagePieces image = PiecesOf(frame, tile, slot, family);
+      if (image.texture == 0) continue;
+      DrawCoordinates(frame, image, coordinate.selector);
+      maps.Of(slot, family).*coordinate.map = KeepAsMap(frame, tile, image.area);
     }
   }
 }
@@ -85,6 +104,7 @@ OwnershipMaps RenderOwnershipMaps(Frame& frame, const Tile& tile) {
   if (frame.fastTransparency) return maps;
   SetCoordinatePass(frame);
   for (const ImageFamily family : kImageFamilies) RenderFamily(frame, tile, family, maps);
+  LimitDrawing(WholeOf(tile));
   return maps;
 }
 

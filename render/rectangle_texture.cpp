@@ -16,9 +16,14 @@ void DefineRectangleTexture(GLuint texture, A_long width, A_long height, const v
   glTexParameteri(GL_TEXTURE_RECTANGLE_ARB, GL_TEXTURE_MIN_FILTER, filter);
 }
 
-void ReadRenderTarget(A_long width, A_long height, void* pixels) {
+void ReadRenderTarget(const Area& area, void* pixels) {
   glReadBuffer(GL_COLOR_ATTACHMENT0_EXT);
-  glReadPixels(0, 0, width, height, GL_ABGR_EXT, GL_UNSIGNED_BYTE, pixels);
+  glReadPixels(area.x, area.y, area.width, area.height, GL_ABGR_EXT, GL_UNSIGNED_BYTE, pixels);
+}
+
+void FillBoundTexture(const Area& area, const void* pixels) {
+  glTexSubImage2D(GL_TEXTURE_RECTANGLE_ARB, 0, area.x, area.y, area.width, area.height, GL_ABGR_EXT,
+                  GL_UNSIGNED_BYTE, pixels);
 }
 
 }  // namespace tarvo

@@ -2,12 +2,13 @@
 
 #include <window_system.h>
 
-#include "sdk/basic_types.h"
+#include "render/frame.h"
 
 namespace tarvo {
 
-/// Defines level 0 of a rectangle texture from packed rows of host pixels and sets both filters to
-/// `filter`. Leaves the texture bound on the active unit.
+/// Defines level 0 of a rectangle texture from packed rows of host pixels, or without contents if
+/// `pixels` is null, and sets both filters to `filter`. Leaves the texture bound on the active
+/// unit.
 ///
 /// Host pixels lie in memory as alpha, red, green, blue. Read as GL_ABGR_EXT their red and blue
 /// change places, and the readback with the same format changes them back: a format changed in one
@@ -15,8 +16,11 @@ namespace tarvo {
 void DefineRectangleTexture(GLuint texture, A_long width, A_long height, const void* pixels,
                             GLint filter);
 
-/// Reads the render target's lower corner, `width` × `height` pixels, into packed rows of host
-/// pixels; row 0 of the target is row 0 of the picture.
-void ReadRenderTarget(A_long width, A_long height, void* pixels);
+/// Reads an area of the render target into packed rows of host pixels; row 0 of the target is row 0
+/// of the picture.
+void ReadRenderTarget(const Area& area, void* pixels);
+
+/// Puts packed rows, read by ReadRenderTarget, into the same area of the texture that is bound.
+void FillBoundTexture(const Area& area, const void* pixels);
 
 }  // namespace tarvo

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <vector>
+
+#include "render/frame.h"
+
+namespace tarvo {
+
+/// The area of the render target that a tile fills.
+constexpr Area WholeOf(const Tile& tile) {
+  return {.x = 0, .y = 0, .width = tile.width, .height = tile.height};
+}
+
+/// The part of a tile's area outside which none of the pieces has a pixel; without width or height
+/// if they all lie elsewhere. Places so far away that single precision no longer tells pixels apart
+/// make it the whole.
+Area AreaOf(const Frame& frame, const Tile& tile, const std::vector<const DrawPiece*>& pieces);
+
+}  // namespace tarvo
