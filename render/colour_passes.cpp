@@ -35,15 +35,18 @@ void SetPass(Frame& frame, const Pass& pass) {
   glBlendFunc(GL_ONE, pass.destinationFactor);
 }
 
+void Bind(Frame& frame, GLuint texture, const char* sampler, GLuint unit) {
+  RequireFramework(frame, AESDK_OpenGL_BindSampler(gState, texture, sampler, unit));
+}
+
+void BindMaps(Frame& frame, const OwnershipMaps::Pair& pair) {
+  Bind(frame, pair.w, "coordTextureW", 1);
+  Bind(frame, pair.h, "coordTextureH", 2);
+}
+
 void BindImage(Frame& frame, OwnershipMaps& maps, const DrawPiece& piece) {
-  const auto bind = [&](GLuint texture, const char* sampler, GLuint unit) {
-    RequireFramework(frame, AESDK_OpenGL_BindSampler(gState, texture, sampler, unit));
-  };
-  bind(frame.ImageOf(piece).texture, "videoTexture", 0);
-  if (frame.fastTransparency) return;
-  const OwnershipMaps::Pair& pair = maps.Of(piece.slot, piece.family);
-  bind(pair.w, "coordTextureW", 1);
-  bind(pair.h, "coordTextureH", 2);
+  if (!frame.fastTransparency) BindMaps(frame, maps.Of(piece.slot, piece.family));
+  Bind(frame, frame.ImageOf(piece).texture, "videoTexture", 0);
 }
 
 void DrawPieces(Frame& frame, OwnershipMaps& maps) {
@@ -63,6 +66,9 @@ void DrawPieces(Frame& frame, OwnershipMaps& maps) {
 void RenderColourPasses(Frame& frame, OwnershipMaps& maps) {
   glClearColor(0.0F, 0.0F, 0.0F, 0.0F);
   glClear(GL_COLOR_BUFFER_BIT);
+  // Samplers that were never set look at the piece's image, and a software renderer filters it for
+  // them whether or not the pass looks: no map costs less.
+  if (frame.fastTransparency) BindMaps(frame, {});
   for (const Pass& pass : {kGreatest, kOver}) {
     SetPass(frame, pass);
     DrawPieces(frame, maps);
