@@ -1,6 +1,8 @@
 #include "render/draw_list.h"
 
 #include <algorithm>
+#include <functional>
+#include <numeric>
 #include <optional>
 #include <utility>
 
@@ -79,6 +81,11 @@ void SortRange(std::vector<DrawPiece>& pieces, std::ptrdiff_t lo, std::ptrdiff_t
   }
 }
 
+std::size_t CountOfPieces(const Scene& scene) {
+  return std::transform_reduce(scene.slots.begin(), scene.slots.end(), std::size_t{0}, std::plus(),
+                               [](const Slot& slot) { return slot.quads.size(); });
+}
+
 }  // namespace
 
 void SortByFallingDepth(std::vector<DrawPiece>& pieces) {
@@ -87,6 +94,7 @@ void SortByFallingDepth(std::vector<DrawPiece>& pieces) {
 
 std::vector<DrawPiece> BuildDrawList(const Scene& scene, PF_ParamDef* const* params) {
   std::vector<DrawPiece> pieces;
+  pieces.reserve(CountOfPieces(scene));
   for (std::size_t place = 0; place < scene.slots.size(); ++place) {
     if (!scene.slots[place].quads.empty()) GatherSlot(scene, place, params, pieces);
   }

@@ -46,9 +46,7 @@ std::optional<std::vector<PieceQuad>> ReadQuads(const PieceQuadList& list) {
   if (last < first || (first == 0 && last != 0)) return std::nullopt;
   const std::uintptr_t bytes = last - first;
   if (bytes % sizeof(PieceQuad) != 0 || bytes / sizeof(PieceQuad) > kMostQuads) return std::nullopt;
-  std::vector<PieceQuad> quads(bytes / sizeof(PieceQuad));
-  if (bytes != 0) std::memcpy(quads.data(), list.first, bytes);
-  return quads;
+  return std::vector<PieceQuad>(list.first, list.last);
 }
 
 }  // namespace
