@@ -74,6 +74,23 @@ INSTANTIATE_TEST_SUITE_P(Tiles, SmallTargets,
                                             ::testing::Bool()),
                          NameOf);
 
+/// Only what is drawn on is cleared; whatever else the target holds must never show. Pieces lie
+/// across the output's edges and beyond them.
+TEST_P(SmallTargets, ShowNothingOfWhatTheTargetHeldBefore) {
+  const auto [target, exact] = GetParam();
+  rig.SetFast(!exact);
+  Scatter(33, {.left = -60, .top = -40, .width = 260, .height = 200}, 12);
+  rig.AddBone(support::Pattern(16, 16, 5), {support::Piece({.left = 500, .width = 9, .height = 9},
+                                                           {.width = 16, .height = 16}, 0.5)});
+  rig.Send();
+  support::ResizeRenderTarget(target.width, target.height);
+  const standin::FrameExtent extent{.width = 150, .height = 110, .originX = 3, .originY = -4};
+  const Picture first = rig.host.RenderInto(rig.renderer, extent).picture;
+  EXPECT_NE(first, Picture(150, 110));
+  support::SoilRenderTarget();
+  EXPECT_EQ(rig.host.RenderInto(rig.renderer, extent).picture, first);
+}
+
 /// Wider than any target that the plug-in makes for itself, without help from the test.
 TEST_F(TilesTest, BannerIsWhatTheSoftwareRendererDraws) {
   for (std::uint32_t bone = 0; bone < 3; ++bone) {

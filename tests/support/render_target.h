@@ -8,4 +8,7 @@ namespace support {
 /// so that small outputs are drawn in many tiles. [between commands, after a sequence setup]
 void ResizeRenderTarget(std::uint16_t width, std::uint16_t height);
 
+/// Paints all of the statically linked plug-in's render target, opaque. [as above]
+void SoilRenderTarget();
+
 }  // namespace support
