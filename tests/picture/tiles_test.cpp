@@ -74,14 +74,15 @@ INSTANTIATE_TEST_SUITE_P(Tiles, SmallTargets,
                                             ::testing::Bool()),
                          NameOf);
 
-/// Only what is drawn on is cleared; whatever else the target holds must never show. Pieces lie
-/// across the output's edges and beyond them.
+/// Only what is drawn on is cleared; whatever else the target holds must never show.
+/// Half-transparent pieces, which each pass changes, lie across the output's edges and beyond them.
 TEST_P(SmallTargets, ShowNothingOfWhatTheTargetHeldBefore) {
   const auto [target, exact] = GetParam();
   rig.SetFast(!exact);
-  Scatter(33, {.left = -60, .top = -40, .width = 260, .height = 200}, 12);
-  rig.AddBone(support::Pattern(16, 16, 5), {support::Piece({.left = 500, .width = 9, .height = 9},
-                                                           {.width = 16, .height = 16}, 0.5)});
+  for (const double left : {-20.0, 30.0, 500.0}) {
+    const Box area{.left = left, .top = -20, .width = 130, .height = 140};
+    rig.AddBone(support::Pattern(32, 32, 5, 150), WarpedPieces(33, 8, area, 32, 32));
+  }
   rig.Send();
   support::ResizeRenderTarget(target.width, target.height);
   const standin::FrameExtent extent{.width = 150, .height = 110, .originX = 3, .originY = -4};
