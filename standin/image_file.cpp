@@ -19,10 +19,12 @@ namespace {
 
 constexpr int kChannels = 4;
 
-/// Every row as its difference from the one above: files as small as those for which each row tries
-/// all five filters, in half the time. Set before there are threads that encode.
-const bool kRowsAreDifferences = [] {
+/// Every row as its difference from the one above, and a level of compression that is nearly as
+/// quick as the first one: files hardly larger than the smallest, in a small part of the time. Set
+/// before there are threads that encode.
+const bool kEncodesQuickly = [] {
   stbi_write_force_png_filter = 2;
+  stbi_write_png_compression_level = 3;
   return true;
 }();
 

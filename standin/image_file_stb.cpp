@@ -14,8 +14,27 @@
 #define STB_IMAGE_IMPLEMENTATION
 #define STBI_ONLY_PNG
 #define STBI_NO_STDIO
-#include <stb/stb_image.h>
+#include <cstdlib>
 
+#include <stb/stb_image.h>
+#include <zlib.h>
+
+/// The library's own compression takes four times as long, and its files are larger. The library
+/// frees the result.
+static unsigned char* CompressWithZlib(unsigned char* data, int size, int* compressedSize,
+                                       int level) {
+  uLongf bytes = compressBound(static_cast<uLong>(size));
+  auto* const compressed = static_cast<unsigned char*>(std::malloc(bytes));
+  if (compressed == nullptr ||
+      compress2(compressed, &bytes, data, static_cast<uLong>(size), level) != Z_OK) {
+    std::free(compressed);
+    return nullptr;
+  }
+  *compressedSize = static_cast<int>(bytes);
+  return compressed;
+}
+
+#define STBIW_ZLIB_COMPRESS CompressWithZlib
 #define STB_IMAGE_WRITE_IMPLEMENTATION
 #define STBI_WRITE_NO_STDIO
 #include <stb/stb_image_write.h>
