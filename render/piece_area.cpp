@@ -48,6 +48,7 @@ Area AreaOf(const Frame& frame, const Tile& tile, const std::vector<const DrawPi
   Reach x;
   Reach y;
   for (const DrawPiece* const piece : pieces) {
+    // NOLINTNEXTLINE(modernize-loop-convert): corners are packed and must not be referred to.
     for (std::size_t corner = 0; corner < 4; ++corner) {
       x.Include(piece->quad->corners[corner][0] * frame.scaleX + originX);
       y.Include(piece->quad->corners[corner][1] * frame.scaleY + originY);
