@@ -29,7 +29,8 @@ svg text { font: 12px sans-serif; } .fast { stroke: #16a; fill: #16a; }
 </style></head><body>
 <h1>Frame times</h1>
 <p>Each ratio is the median of pairs that were measured in turn, and of the repetitions. Times are
-milliseconds of processor time, drawn by the software renderer on one thread.</p>
+milliseconds of processor time, drawn by the software renderer on one thread; of the sequence, time
+that passed; of memory, buffers.</p>
 )";
 
 std::string Text(double value, int digits) {
