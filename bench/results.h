@@ -14,6 +14,7 @@ struct ContestResult {
   const Contest* contest = nullptr;
   std::vector<double> ratios;
   std::vector<Pair> times;
+  bool failed = false;  ///< it could not be held
 
   [[nodiscard]] double Ratio() const { return Median(ratios); }
   [[nodiscard]] bool Missed() const { return contest->goal && Ratio() > *contest->goal; }
