@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <cmath>
 #include <functional>
 #include <memory>
 #include <numeric>
@@ -33,6 +34,15 @@ void RequireSame(const standin::Picture& one, const standin::Picture& other) {
   if (unlike <= kTolerated * pixels) return;
   throw std::runtime_error("the bare program draws another picture than the plug-in: " +
                            std::to_string(unlike) + " pixels");
+}
+
+/// Cairo rounds edges in its own way and blends once; where something is painted says enough.
+void RequireSameCoverage(const standin::Picture& ours, std::size_t theirs) {
+  const auto covered = static_cast<double>(std::ranges::count_if(
+      ours.pixels, [](const standin::Rgba& pixel) { return pixel.alpha != 0; }));
+  if (std::abs(covered - static_cast<double>(theirs)) <= 0.01 * covered) return;
+  throw std::runtime_error("Cairo covers " + std::to_string(theirs) + " pixels, the plug-in " +
+                           std::to_string(covered));
 }
 
 /// The plug-in and a bare program with the same rig before them.
@@ -135,7 +145,11 @@ PlayPair Memory() {
 PlayPair Cairo() {
   const Rig rig = Limbs(kFullHd);
   const auto painter = std::make_shared<CairoPainter>(rig);
-  return [stage = std::make_shared<Stage>(rig), painter, drawing = InOrder(rig)]() -> Pair {
+  const auto stage = std::make_shared<Stage>(rig);
+  const Drawing drawing = InOrder(rig);
+  painter->Paint(drawing);
+  RequireSameCoverage(stage->LastPicture(), painter->Covered());
+  return [stage, painter, drawing]() -> Pair {
     return {.ours = stage->TimeRender(true),
             .theirs = Milliseconds([&] { painter->Paint(drawing); })};
   };

@@ -86,8 +86,6 @@ standin::Host& TheHost() {
   return host;
 }
 
-double LatestCommandMilliseconds() { return gLatestMilliseconds; }
-
 Stage::Stage(const Rig& rig)
     : size_(rig.size),
       layer_(TheHost().project.compositions.front().AddLayer("Rig", size_.width, size_.height)),

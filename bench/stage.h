@@ -13,10 +13,6 @@ namespace bench {
 /// The one host of the process, with the plug-in started. Throws std::runtime_error if that fails.
 standin::Host& TheHost();
 
-/// Milliseconds that the plug-in took for the latest command, host operations included; what the
-/// host does before and after it is not counted.
-double LatestCommandMilliseconds();
-
 /// A rig on a layer of its own, with an instance of the plug-in that has drawn one frame: every
 /// further one has its images already.
 class Stage {
