@@ -31,8 +31,9 @@ struct HostOptions {
   std::map<std::pair<std::string, std::string>, A_long> preferences;
   /// False: no OpenGL context is current when the plug-in is called.
   bool ownContext = true;
-  /// False skips what touches whole pictures for checking's sake (patterns in new memory and worlds,
-  /// the watch on unlocked memory, unwritten pixels, the input layer's pixels), for timings.
+  /// False skips what touches whole pictures for checking's sake (patterns in new memory and
+  /// worlds, the watch on unlocked memory, unwritten pixels, the input layer's pixels), for
+  /// timings.
   bool inspectPixels = true;
 };
 
