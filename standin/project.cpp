@@ -1,11 +1,23 @@
 #include "standin/project.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstring>
 #include <limits>
 #include <utility>
 
 namespace standin {
+namespace {
+
+/// Truncated; the nearest that a checkbox or popup can hold, 0 for what is no number.
+PF_ParamValue WholeValue(double value) {
+  using Limits = std::numeric_limits<PF_ParamValue>;
+  return std::isnan(value)
+             ? 0
+             : static_cast<PF_ParamValue>(std::clamp<double>(value, Limits::min(), Limits::max()));
+}
+
+}  // namespace
 
 Parameter Parameter::Plain(const std::string& name, double value) {
   Parameter parameter;
@@ -43,10 +55,10 @@ void Parameter::SetValue(double value) {
       definition.u.fs_d.value = value;
       break;
     case PF_Param_CHECKBOX:
-      definition.u.bd.value = static_cast<PF_ParamValue>(value);
+      definition.u.bd.value = WholeValue(value);
       break;
     case PF_Param_POPUP:
-      definition.u.pd.value = static_cast<PF_ParamValue>(value);
+      definition.u.pd.value = WholeValue(value);
       break;
     default:
       break;
