@@ -28,6 +28,7 @@ void NudgeCompanion(HostCalls& host, AEGP_EffectRefH companion) {
 void ResetUpdater(HostCalls& host, PF_ProgPtr effectRef) {
   EffectReference self(host);
   self.Obtain(&AEGP_PFInterfaceSuite1::AEGP_GetNewEffectForEffect, gPluginId, effectRef);
+  if (!self) return;  // the host has none to give: the popup stays as the user left it
   StreamReference stream(host);
   stream.Obtain(&AEGP_StreamSuite4::AEGP_GetNewEffectStreamByIndex, gPluginId, self.Get(),
                 PARAM_UPDATER);

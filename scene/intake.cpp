@@ -57,8 +57,8 @@ void TakeImage(HostCalls& host, const PF_InData& in, void* sender, ImageFamily f
   image.height = sent.world.height;
   image.taken = CopyImage(host, in, sent.world);
   image.pending = true;
+  ClearNewImageFlag(sender, family);  // first: a host that throws below has disposed of the world
   host.Run(&PF_WorldSuite1::dispose_world, in.effect_ref, &sent.world);
-  ClearNewImageFlag(sender, family);
 }
 
 /// Numbers the layer's switched-on companions from the top; without a layer the old numbers stay.
