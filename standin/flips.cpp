@@ -13,6 +13,8 @@ namespace {
 
 /// Alpha from which a piece counts as having something to show.
 constexpr double kSeenAlpha = 0.02;
+/// Pixels of the layer beyond which nothing is looked at: the longest side of a frame.
+constexpr double kFarthest = 30'000.0;
 
 std::size_t SharedPixels(const Overlap& overlap, const PlacedPiece& one, const PlacedPiece& other) {
   const auto isSeen = [&](const PlacedPiece& piece, Point at) {
@@ -21,10 +23,14 @@ std::size_t SharedPixels(const Overlap& overlap, const PlacedPiece& one, const P
   };
   const Bounds a = BoundsOf(one.corners);
   const Bounds b = BoundsOf(other.corners);
-  const auto first = [](double place) { return static_cast<int>(std::floor(place)); };
+  const auto first = [](double place) {
+    return static_cast<int>(std::floor(std::clamp(place, -kFarthest, kFarthest)));
+  };
+  const double bottom = std::min({a.bottom, b.bottom, kFarthest});
+  const double right = std::min({a.right, b.right, kFarthest});
   std::size_t pixels = 0;
-  for (int y = first(std::max(a.top, b.top)); y < std::min(a.bottom, b.bottom); ++y) {
-    for (int x = first(std::max(a.left, b.left)); x < std::min(a.right, b.right); ++x) {
+  for (int y = first(std::max(a.top, b.top)); y < bottom; ++y) {
+    for (int x = first(std::max(a.left, b.left)); x < right; ++x) {
       const Point centre{x + 0.5, y + 0.5};
       pixels += isSeen(one, centre) && isSeen(other, centre) ? 1U : 0U;
     }

@@ -20,7 +20,8 @@ std::optional<Point> InTriangle(const QuadCorners& corners, const QuadCorners& t
   const double shareI = Cross(at, corners.at(j), corners.at(k)) / whole;
   const double shareJ = Cross(corners.at(i), at, corners.at(k)) / whole;
   const double shareK = 1.0 - shareI - shareJ;
-  if (shareI < 0.0 || shareJ < 0.0 || shareK < 0.0) {
+  const bool isInside = shareI >= 0.0 && shareJ >= 0.0 && shareK >= 0.0;
+  if (!isInside) {  // nothing is inside of corners that are no numbers
     return std::nullopt;
   }
   return Point{texture.at(i).x * shareI + texture.at(j).x * shareJ + texture.at(k).x * shareK,

@@ -36,8 +36,11 @@ double DistanceToSides(const QuadCorners& corners, Point at);
 /// True iff two convex quadrilaterals share more than sides and corners.
 bool Overlaps(const QuadCorners& one, const QuadCorners& other);
 
-/// The pixel that a place lies in, kept within 0 to `limit`.
+/// The pixel that a place lies in, kept within 0 to `limit`; 0 for what is no number.
 inline int PixelAt(double place, int limit) {
+  if (std::isnan(place)) {
+    return 0;
+  }
   return static_cast<int>(std::clamp(std::floor(place), 0.0, static_cast<double>(limit)));
 }
 

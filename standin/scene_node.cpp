@@ -62,6 +62,11 @@ std::optional<double> SceneNode::NumberOf(std::string_view kind, Range range) co
     Fault(Described(kind, range) + " expected, " + value_->dump() + " given");
     return std::nullopt;
   }
+  if (std::abs(number) > kGreatestNumber) {
+    Fault(Described(kind, {-kGreatestNumber, kGreatestNumber}) + " expected, " + value_->dump() +
+          " given");
+    return std::nullopt;
+  }
   return number;
 }
 

@@ -12,6 +12,9 @@
 
 namespace standin {
 
+/// No number of a scene file lies farther from 0: sums and products of some of them stay finite.
+inline constexpr double kGreatestNumber = 1e9;
+
 /// The numbers that a field takes, both ends included.
 struct Range {
   double least = std::numeric_limits<double>::lowest();

@@ -1,5 +1,6 @@
 #include "standin/overlap.h"
 
+#include <cmath>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -47,6 +48,13 @@ TEST(Overlap, OpaquePieceCoversItsPixelsAndNoOthers) {
       const bool inside = x >= 2 && x < 8 && y >= 2 && y < 8;
       EXPECT_EQ(picture.At(x, y), inside ? red : Rgba{}) << x << ", " << y;
     }
+  }
+}
+
+TEST(Overlap, CornersWithoutNumbersCoverNothing) {
+  const Rgba red{.red = 200, .green = 10, .blue = 20, .alpha = 255};
+  for (const double wrong : {std::nan(""), HUGE_VAL, 1e300}) {
+    EXPECT_EQ(CentreOf({Bone(red, {.left = wrong, .top = 2, .width = 6, .height = 6})}), Rgba{});
   }
 }
 
