@@ -21,6 +21,11 @@ if(TARVO_SANITIZE)
   target_link_options(tarvo_options INTERFACE -fsanitize=address,undefined)
 endif()
 
+option(TARVO_FUZZ "Build what scripts/fuzz runs (clang)" OFF)
+if(TARVO_FUZZ)  # counts what is covered; undefined conversions from floating point are found too
+  target_compile_options(tarvo_options INTERFACE -fsanitize=fuzzer-no-link,float-cast-overflow)
+endif()
+
 set(CMAKE_CXX_EXTENSIONS OFF)
 set(CMAKE_CXX_VISIBILITY_PRESET hidden)
 set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)

@@ -10,6 +10,7 @@ packages=(
   libgtest-dev googletest python3 python3-jsonschema                 # tests
   libbenchmark-dev libcairo2-dev pkg-config                          # scripts/bench
   clang-format clang-tidy binutils
+  clang libclang-rt-dev llvm                                         # the fuzzers
   g++-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64 libz-mingw-w64-dev zip  # the Windows build, archives
   wine wine64 xvfb xauth                                             # its tests
 )
