@@ -94,7 +94,7 @@ void Books::Bury(const void* name, Entry& entry) {
   entry.subject = nullptr;
   --alive_[Index(entry.kind)];
   dead_.emplace_back(name, entry.number);
-  if (dead_.size() > kRememberedDead) {
+  if (dead_.size() > rememberedDead_) {
     const auto oldest = entries_.find(dead_.front().first);
     if (oldest != entries_.end() && oldest->second.number == dead_.front().second) {
       entries_.erase(oldest);

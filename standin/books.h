@@ -98,6 +98,9 @@ class Books {
   void ClearMisuses() { misuses_.clear(); }
 
   static constexpr std::size_t kRememberedDead = 100'000;
+  /// Remembers fewer objects that were given back, so that a long life stays small.
+  void RememberDead(std::size_t most) { rememberedDead_ = most; }
+
   static constexpr std::size_t kMisuseLimit = 1'000;
 
  private:
@@ -119,6 +122,7 @@ class Books {
   std::unordered_map<const void*, Entry> entries_;
   std::deque<std::pair<const void*, std::uint64_t>> dead_;
   std::array<std::size_t, kKinds> alive_{};
+  std::size_t rememberedDead_ = kRememberedDead;
   std::uint64_t next_ = 1;
   std::size_t bytes_ = 0;
   std::size_t mostBytes_ = 0;

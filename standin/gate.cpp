@@ -16,9 +16,20 @@ bool Gate::Plan::Fires() {
   return fires;
 }
 
-void Gate::FailNth(std::uint64_t n, Failure failure) { anyOperation_ = Plan{n, failure, false}; }
+void Gate::FailNth(std::uint64_t n, Failure failure) {
+  anyOperation_ = Plan{n, failure, false};
+  afterIt_.reset();
+}
 
-void Gate::FailFrom(std::uint64_t n, Failure failure) { anyOperation_ = Plan{n, failure, true}; }
+void Gate::FailFrom(std::uint64_t n, Failure failure) {
+  anyOperation_ = Plan{n, failure, true};
+  afterIt_.reset();
+}
+
+void Gate::FailPair(std::uint64_t n, Failure failure, Failure then) {
+  FailNth(n, failure);
+  afterIt_ = then;
+}
 
 void Gate::FailOperation(const std::string& operation, std::uint64_t k, Failure failure,
                          bool andLater) {
@@ -27,6 +38,8 @@ void Gate::FailOperation(const std::string& operation, std::uint64_t k, Failure 
 
 void Gate::FailNothing() {
   anyOperation_.reset();
+  afterIt_.reset();
+  nextGivingBack_.reset();
   byOperation_.clear();
 }
 
@@ -51,7 +64,7 @@ std::optional<Failure> Gate::Enter(std::string_view operation, Failing failing) 
     return std::nullopt;
   }
   ++failableCalls_;
-  const std::optional<Failure> failure = Due(operation);
+  const std::optional<Failure> failure = Due(operation, failing);
   if (failure) {
     ++injected_;
     ++tally->second.injected;
@@ -59,10 +72,14 @@ std::optional<Failure> Gate::Enter(std::string_view operation, Failing failing) 
   return failure;
 }
 
-std::optional<Failure> Gate::Due(std::string_view operation) {
+std::optional<Failure> Gate::Due(std::string_view operation, Failing failing) {
   std::optional<Failure> due;
+  if (failing == Failing::kAfterwork) {
+    due = std::exchange(nextGivingBack_, std::nullopt);
+  }
   if (anyOperation_ && anyOperation_->Fires()) {
     due = anyOperation_->failure;
+    nextGivingBack_ = std::exchange(afterIt_, std::nullopt);
   }
   const auto plan = byOperation_.find(operation);
   if (plan != byOperation_.end() && plan->second.Fires()) {

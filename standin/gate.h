@@ -56,6 +56,9 @@ class Gate {
   void FailNth(std::uint64_t n, Failure failure = {});
   /// The `n`-th call from now (from 1) and every later one fails.
   void FailFrom(std::uint64_t n, Failure failure = {});
+  /// The `n`-th call from now (from 1) fails, and then the next operation that gives something
+  /// back.
+  void FailPair(std::uint64_t n, Failure failure = {}, Failure then = {});
   /// The `k`-th call from now (from 1) of this operation fails; with `andLater` every later one
   /// too. Several operations can be told so at a time. Names are those of the host's interface,
   /// such as "new_world", "AEGP_GetEffectLayer", "AcquireSuite".
@@ -82,6 +85,8 @@ class Gate {
   void KeepLog(bool keep) { keepLog_ = keep; }
   /// Receives one line for every command and host operation; an empty function ends it.
   void TraceTo(Trace trace) { trace_ = std::move(trace); }
+  /// As TraceTo, for every gate that is made from now on.
+  static void TraceAll(Trace trace) { traceOfNew = std::move(trace); }
 
   static constexpr std::size_t kLogLimit = 200'000;
 
@@ -113,9 +118,11 @@ class Gate {
   };
 
   /// The failure that the plans have for this call, each plan counting it.
-  std::optional<Failure> Due(std::string_view operation);
+  std::optional<Failure> Due(std::string_view operation, Failing failing);
 
   std::optional<Plan> anyOperation_;
+  std::optional<Failure> afterIt_;  ///< waits for anyOperation_ to fire
+  std::optional<Failure> nextGivingBack_;
   std::map<std::string, Plan, std::less<>> byOperation_;
   std::map<std::string, Tally, std::less<>> tallies_;
   std::uint64_t calls_ = 0;
@@ -124,7 +131,8 @@ class Gate {
   bool keepLog_ = true;
   std::vector<CallRecord> log_;
   std::string command_;
-  Trace trace_;
+  static inline Trace traceOfNew;
+  Trace trace_ = traceOfNew;
 };
 
 }  // namespace standin

@@ -1,7 +1,7 @@
 # Every header stands alone. One with a source file of its own is the first that this includes;
 # for each of the others, a generated file that includes nothing else is compiled.
 set(standalone_sources)
-foreach(room sdk platform gl host scene render companion entry standin include tests bench)
+foreach(room sdk platform gl host scene render companion entry standin check include tests bench)
   file(GLOB_RECURSE headers CONFIGURE_DEPENDS
     RELATIVE ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/${room}/*.h)
   list(FILTER headers EXCLUDE REGEX "/windows/")
@@ -17,7 +17,7 @@ foreach(room sdk platform gl host scene render companion entry standin include t
 endforeach()
 add_library(tarvo_headers OBJECT ${standalone_sources})
 set_target_properties(tarvo_headers PROPERTIES UNITY_BUILD OFF)
-target_link_libraries(tarvo_headers PRIVATE tarvo_plugin_core tarvo_standin GTest::gtest)
+target_link_libraries(tarvo_headers PRIVATE tarvo_plugin_core tarvo_checks)
 
 # What makers of companions include is C as well.
 set(companion_in_c ${CMAKE_CURRENT_BINARY_DIR}/headers/companion.c)

@@ -17,6 +17,7 @@ namespace standin {
 enum ExitCode : int {
   kMade = 0,
   kDifferent = 1,    ///< two pictures are not the same
+  kNotSound = 1,     ///< a build of the plug-in broke a promise
   kWrongInput = 2,   ///< a file, a scene or an option is wrong
   kPluginFault = 3,  ///< the plug-in returned an error or broke a rule
   kNotLoaded = 4,    ///< the library cannot be loaded, or this machine cannot run it
@@ -70,6 +71,9 @@ void AddWatch(CLI::App& program, Work& chosen);
 
 /// Does some work; writes what it throws to the console's `err`, and returns the exit code for it.
 int Try(const std::function<void()>& work, const Console& console);
+
+/// `tarvo check`: whether a build of the plug-in is sound.
+void AddCheck(CLI::App& program, Work& chosen);
 
 /// Runs the program and returns its exit code.
 int RunTarvo(int argc, const char* const* argv, const Console& console);

@@ -38,12 +38,21 @@ class Process {
   void Write(const void* bytes, std::size_t size);
   /// Fills the memory; false when the output ends before.
   bool Read(void* bytes, std::size_t size);
+  /// Everything that is left of the output.
+  std::string ReadAll();
+  /// Ends it by force, from any thread; somebody still has to wait for it. Not during Wait.
+  void Kill();
   /// Closes the pipe, and waits for the program's exit code; of one that was ended by a signal, 128
   /// and the signal's number.
   int Wait();
+  /// How a program ended, by what Wait said: "signal 11 (Segmentation fault)", "exit code 3", "".
+  static std::string EndText(int code);
 
  private:
   struct Running;  // what the system knows it by
+
+  /// Waits for some output; 0 at its end.
+  std::size_t ReadSome(void* bytes, std::size_t size);
 
   std::unique_ptr<Running> running_;
 };

@@ -1,5 +1,6 @@
 #include <cerrno>
 #include <csignal>
+#include <cstring>
 #include <system_error>
 
 #include <fcntl.h>
@@ -13,6 +14,9 @@ extern char** environ;  // NOLINT(readability-redundant-declaration): no header 
 
 namespace standin {
 namespace {
+
+/// What a program that a signal ended is said to have returned, less the signal.
+constexpr int kSignalBase = 128;
 
 std::string Words(int error) { return std::generic_category().message(error); }
 
@@ -82,10 +86,12 @@ struct Process::Running {
   Running& operator=(const Running&) = delete;
   ~Running() {
     if (id != 0) {
-      kill(id, SIGKILL);
+      Kill();
       Wait();
     }
   }
+
+  void Kill() const { kill(id, SIGKILL); }
 
   int Wait() {
     close(pipe);
@@ -93,7 +99,7 @@ struct Process::Running {
     while (waitpid(id, &status, 0) < 0 && errno == EINTR) {
     }
     id = 0;
-    return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : kSignalBase + WTERMSIG(status);
   }
 
   pid_t id = 0;
@@ -125,22 +131,24 @@ void Process::Write(const void* bytes, std::size_t size) {
   }
 }
 
-bool Process::Read(void* bytes, std::size_t size) {
-  char* next = static_cast<char*>(bytes);
-  while (size > 0) {
-    const ssize_t count = read(running_->pipe, next, size);
-    if (count < 0 && errno == EINTR) {
-      continue;
-    }
-    if (count <= 0) {
-      return false;
-    }
-    next += count;
-    size -= static_cast<std::size_t>(count);
-  }
-  return true;
+std::size_t Process::ReadSome(void* bytes, std::size_t size) {
+  ssize_t count = 0;
+  do {
+    count = read(running_->pipe, bytes, size);
+  } while (count < 0 && errno == EINTR);
+  return count < 0 ? 0 : static_cast<std::size_t>(count);
 }
 
+void Process::Kill() { running_->Kill(); }
+
 int Process::Wait() { return running_->Wait(); }
+
+std::string Process::EndText(int code) {
+  if (code <= kSignalBase) {
+    return code == 0 ? "" : "exit code " + std::to_string(code);
+  }
+  const int signal = code - kSignalBase;
+  return "signal " + std::to_string(signal) + " (" + strsignal(signal) + ")";
+}
 
 }  // namespace standin

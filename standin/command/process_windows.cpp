@@ -1,4 +1,6 @@
 #include <algorithm>
+#include <array>
+#include <cstdio>
 #include <filesystem>
 
 #include <windows.h>
@@ -66,10 +68,12 @@ struct Process::Running {
   Running& operator=(const Running&) = delete;
   ~Running() {
     if (process != nullptr) {
-      TerminateProcess(process, 1);
+      Kill();
       Wait();
     }
   }
+
+  void Kill() const { TerminateProcess(process, 1); }
 
   int Wait() {
     CloseHandle(pipe);
@@ -104,20 +108,25 @@ void Process::Write(const void* bytes, std::size_t size) {
   }
 }
 
-bool Process::Read(void* bytes, std::size_t size) {
-  char* next = static_cast<char*>(bytes);
-  while (size > 0) {
-    DWORD count = 0;
-    const auto part = static_cast<DWORD>(std::min<std::size_t>(size, kLargestTransfer));
-    if (ReadFile(running_->pipe, next, part, &count, nullptr) == 0 || count == 0) {
-      return false;
-    }
-    next += count;
-    size -= count;
-  }
-  return true;
+std::size_t Process::ReadSome(void* bytes, std::size_t size) {
+  DWORD count = 0;
+  const auto part = static_cast<DWORD>(std::min<std::size_t>(size, kLargestTransfer));
+  return ReadFile(running_->pipe, bytes, part, &count, nullptr) == 0 ? 0 : count;
 }
 
+void Process::Kill() { running_->Kill(); }
+
 int Process::Wait() { return running_->Wait(); }
+
+std::string Process::EndText(int code) {
+  constexpr unsigned kFirstException = 0x8000'0000;
+  const auto number = static_cast<unsigned>(code);
+  if (number < kFirstException) {
+    return code == 0 ? "" : "exit code " + std::to_string(code);
+  }
+  std::array<char, 16> text{};
+  std::snprintf(text.data(), text.size(), "0x%08x", number);
+  return "exception " + std::string(text.data());
+}
 
 }  // namespace standin

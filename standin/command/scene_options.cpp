@@ -30,9 +30,6 @@ std::optional<Setting> ReadSetting(const std::string& text) {
   return Setting{text.substr(0, sign), *value, "--set \"" + text + "\""};
 }
 
-/// The plug-in beside this program, whether it is there or not.
-std::string DefaultPlugin() { return (ThisProgram().parent_path() / kPluginFile).string(); }
-
 HostOptions OptionsFor(const PluginLibrary& library) {
   HostOptions options;
   options.pluginPath = library.Path();
@@ -40,6 +37,8 @@ HostOptions OptionsFor(const PluginLibrary& library) {
 }
 
 }  // namespace
+
+std::string DefaultPlugin() { return (ThisProgram().parent_path() / kPluginFile).string(); }
 
 void AddSceneOptions(CLI::App& command, SceneOptions& options) {
   command.add_option("scene", options.scene, "The scene, a JSON file")

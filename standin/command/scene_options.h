@@ -70,6 +70,9 @@ std::optional<Number> ReadNumber(std::string_view text) {
                                                                   : std::nullopt;
 }
 
+/// The plug-in beside this program, whether it is there or not.
+std::string DefaultPlugin();
+
 /// --exact, --fast and --set as they are played; those of --set that are no LABEL=NUMBER are kept
 /// as faults.
 PlayOptions ReadPlayOptions(const SceneOptions& options, OptionFaults& faults);

@@ -19,6 +19,9 @@ extern const char* const kPluginFile;
 /// True iff standard error is a terminal, where a line can be drawn anew.
 bool ErrorIsTerminal();
 
+/// A crash of this program ends it, without a window that waits for somebody to close it.
+void EndAtOnceOnCrash();
+
 /// Standard output passes every byte on as it is from now on.
 void MakeOutputBinary();
 

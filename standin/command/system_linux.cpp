@@ -18,6 +18,8 @@ std::filesystem::path ThisProgram() { return std::filesystem::read_symlink("/pro
 
 bool ErrorIsTerminal() { return isatty(STDERR_FILENO) != 0; }
 
+void EndAtOnceOnCrash() {}  // it always does
+
 void MakeOutputBinary() {}  // it always is
 
 std::string Quoted(const std::string& word) {

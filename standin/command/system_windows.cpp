@@ -32,6 +32,14 @@ std::filesystem::path ThisProgram() {
 
 bool ErrorIsTerminal() { return _isatty(_fileno(stderr)) != 0; }
 
+void EndAtOnceOnCrash() {
+  SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX);
+  SetUnhandledExceptionFilter([](EXCEPTION_POINTERS* fault) -> LONG {
+    TerminateProcess(GetCurrentProcess(), fault->ExceptionRecord->ExceptionCode);
+    return EXCEPTION_EXECUTE_HANDLER;
+  });
+}
+
 void MakeOutputBinary() { _setmode(_fileno(stdout), _O_BINARY); }
 
 std::string Quoted(const std::string& word) {

@@ -14,13 +14,15 @@
 namespace standin {
 namespace {
 
-constexpr AddCommand kCommands[] = {AddRender, AddExplain, AddFlips, AddSheet, AddDiff, AddWatch};
+constexpr AddCommand kCommands[] = {AddRender, AddExplain, AddFlips, AddSheet,
+                                    AddDiff,   AddWatch,   AddCheck};
 
 constexpr const char* kFooter = R"(Examples:
   tarvo render examples/wave/wave.json -o wave.png
   tarvo explain examples/wave/wave.json --at 650,330
+  tarvo check
 
-Exit codes: 0 made; 1 two pictures differ; 2 a file, a scene or an option is wrong; 3 the plug-in
+Exit codes: 0 made; 1 two pictures differ, or the plug-in is not sound; 2 a file, a scene or an option is wrong; 3 the plug-in
 returned an error or broke a rule of its host; 4 the plug-in cannot be loaded, or this machine
 cannot run it (no OpenGL, no memory, no ffmpeg for a movie); 5 frames are missing at the end;
 130 interrupted.

@@ -286,7 +286,7 @@ class Stage {
   standin::Layer& SetTheScene() {
     host.gate.KeepLog(false);
     ExpectOk(host.StartUp(), "start");
-    support::ResizeRenderTarget(kTargetSide, kTargetSide);
+    check::ResizeRenderTarget(kTargetSide, kTargetSide);
     standin::Composition& composition = host.project.AddComposition("Stage");
     host.project.Activate(composition);
     return composition.AddLayer("Puppet", kLayerWidth, kLayerHeight);

@@ -5,29 +5,29 @@
 
 #include <gtest/gtest.h>
 
+#include "check/support/pieces.h"
 #include "standin/compare.h"
 #include "standin/overlap_picture.h"
-#include "tests/support/pieces.h"
 
 // The judge of the plug-in's pictures is itself judged by values worked out by hand.
 
 namespace {
 
+using check::Piece;
 using standin::Overlap;
 using standin::OverlapBone;
 using standin::OverlapPicture;
 using standin::OverlapView;
 using standin::Picture;
 using standin::Rgba;
-using support::Piece;
 
-constexpr support::Box kWholeCut{.left = 1, .top = 1, .width = 6, .height = 6};
+constexpr check::Box kWholeCut{.left = 1, .top = 1, .width = 6, .height = 6};
 
 OverlapPicture Draw(const std::vector<OverlapBone>& bones, const OverlapView& view) {
   return DrawOverlap(Overlap(bones, view));
 }
 
-OverlapBone Bone(Rgba colour, const support::Box& place, double opacity = 1) {
+OverlapBone Bone(Rgba colour, const check::Box& place, double opacity = 1) {
   return {.pieces = {Piece(place, kWholeCut, 0.5)},
           .imageA = Picture(8, 8, colour),
           .imageB = {},
@@ -38,7 +38,7 @@ Rgba CentreOf(const std::vector<OverlapBone>& bones, bool exact = false) {
   return Draw(bones, {.width = 10, .height = 10, .exact = exact}).picture.At(5, 5);
 }
 
-constexpr support::Box kSquare{.left = 2, .top = 2, .width = 6, .height = 6};
+constexpr check::Box kSquare{.left = 2, .top = 2, .width = 6, .height = 6};
 
 TEST(Overlap, OpaquePieceCoversItsPixelsAndNoOthers) {
   const Rgba red{.red = 200, .green = 10, .blue = 20, .alpha = 255};

@@ -3,8 +3,8 @@
 #include <string>
 #include <vector>
 
+#include "check/support/rig.h"
 #include "sdk/aegp_suites.h"
-#include "tests/support/rig.h"
 
 namespace {
 
@@ -16,7 +16,7 @@ constexpr PF_Pixel kRed{255, 200, 0, 0};
 constexpr Rgba kShown{200, 0, 0, 255};
 
 /// The sample on a layer with the plug-in: it talks with both by itself.
-class SampleCompanionTest : public support::RigTest {
+class SampleCompanionTest : public check::RigTest {
  protected:
   SampleCompanionTest() : effect_(rig.host.AddCompanion(rig.layer, "Sample")) {}
 

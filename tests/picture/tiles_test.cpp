@@ -8,27 +8,24 @@
 
 #include <gtest/gtest.h>
 
-#include "entry/entry_point.h"
+#include "check/support/pieces.h"
+#include "check/support/rig.h"
 #include "gl/framework.h"
 #include "standin/compare.h"
-#include "tests/support/pieces.h"
 #include "tests/support/render_target.h"
-#include "tests/support/rig.h"
 
 namespace {
 
+using check::Box;
+using check::WarpedPieces;
 using standin::Picture;
-using support::Box;
-using support::WarpedPieces;
 
-class TilesTest : public support::RigTest {
+class TilesTest : public check::RigTest {
  protected:
-  TilesTest() : RigTest(EntryPointFunc) {}
-
   /// Overlapping warped pieces of three images all over an area.
   void Scatter(std::uint32_t seed, const Box& area, int pieces) {
     for (std::uint32_t bone = 0; bone < 3; ++bone) {
-      rig.AddBone(support::Pattern(64, 48, seed + bone, bone == 1 ? 170 : 255),
+      rig.AddBone(check::Pattern(64, 48, seed + bone, bone == 1 ? 170 : 255),
                   WarpedPieces(seed * 10 + bone, pieces, area, 64, 48));
       rig.SetDepth(static_cast<int>(bone) + 1, 1.0 - bone, bone - 1.5);
     }
@@ -49,7 +46,7 @@ TEST_P(SmallTargets, DrawWhatOneLargeTargetDoes) {
   rig.SetFast(!exact);
   Scatter(21, {.left = 0, .top = 0, .width = 200, .height = 160}, 10);
   const Picture untiled = rig.Render().picture;
-  support::ResizeRenderTarget(target.width, target.height);
+  check::ResizeRenderTarget(target.width, target.height);
   ASSERT_EQ(AESDK_OpenGL::gState.targetWidth, target.width);
   const Picture tiled = rig.Render().picture;
 
@@ -81,43 +78,15 @@ TEST_P(SmallTargets, ShowNothingOfWhatTheTargetHeldBefore) {
   rig.SetFast(!exact);
   for (const double left : {-20.0, 30.0, 500.0}) {
     const Box area{.left = left, .top = -20, .width = 130, .height = 140};
-    rig.AddBone(support::Pattern(32, 32, 5, 150), WarpedPieces(33, 8, area, 32, 32));
+    rig.AddBone(check::Pattern(32, 32, 5, 150), WarpedPieces(33, 8, area, 32, 32));
   }
   rig.Send();
-  support::ResizeRenderTarget(target.width, target.height);
+  check::ResizeRenderTarget(target.width, target.height);
   const standin::FrameExtent extent{.width = 150, .height = 110, .originX = 3, .originY = -4};
   const Picture first = rig.host.RenderInto(rig.renderer, extent).picture;
   EXPECT_NE(first, Picture(150, 110));
-  support::SoilRenderTarget();
+  check::SoilRenderTarget();
   EXPECT_EQ(rig.host.RenderInto(rig.renderer, extent).picture, first);
-}
-
-/// Wider than any target that the plug-in makes for itself, without help from the test.
-TEST_F(TilesTest, BannerIsWhatTheSoftwareRendererDraws) {
-  for (std::uint32_t bone = 0; bone < 3; ++bone) {
-    std::vector<PieceQuad> pieces;
-    for (int i = 0; i < 24; ++i) {
-      const Box area{.left = 180.0 * i, .top = 0, .width = 220, .height = 60};
-      pieces.push_back(
-          WarpedPieces(700 + bone * 100 + static_cast<std::uint32_t>(i), 1, area, 64, 48).front());
-    }
-    // One across the place where the first tile ends.
-    pieces.push_back(
-        support::Piece({.left = 3700, .top = 5.0 + 8 * bone, .width = 500, .height = 30},
-                       {.left = 3, .top = 3, .width = 58, .height = 42}, 0.5));
-    rig.AddBone(support::Pattern(64, 48, 31 + bone, 220), pieces);
-  }
-  rig.Send();
-  for (const bool exact : {false, true}) {
-    rig.SetFast(!exact);
-    const Picture picture = rig.Render().picture;
-    ASSERT_GT(picture.width, 4096);
-    ASSERT_LT(AESDK_OpenGL::gState.targetWidth, picture.width);
-    const auto expected = rig.Expected(picture);
-    const auto comparison = standin::Compare(picture, expected.picture, 2, expected.decided);
-    std::cout << (exact ? "exact: " : "fast: ") << comparison.Text() << "\n";
-    EXPECT_LE(comparison.beyond, exact ? comparison.compared / 20'000 : 0);
-  }
 }
 
 }  // namespace

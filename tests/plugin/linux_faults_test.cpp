@@ -1,15 +1,15 @@
 // What the window systems of users' machines refuse and this one does not.
 
+#include "check/support/host_test.h"
 #include "platform/linux/window_system_faults.h"
-#include "tests/plugin/plugin_fixture.h"
 
 namespace {
 
-class FaultsTest : public PluginTest {
+class FaultsTest : public check::HostTest {
  protected:
   void TearDown() override {
     gWindowSystemFaults = {};
-    PluginTest::TearDown();
+    HostTest::TearDown();
   }
 };
 
@@ -25,9 +25,9 @@ TEST_F(FaultsTest, AStartThatTheSystemRefusesIsToldAndTheNextOneWorks) {
     gWindowSystemFaults = {};
     EXPECT_EQ(result.code, PF_Err_INTERNAL_STRUCT_DAMAGED);
     EXPECT_EQ(result.message, "OS specific calls failed!");
-    TearDown();
+    EndHost();
     StartHost();
-    TearDown();
+    EndHost();
   }
 }
 

@@ -2,7 +2,7 @@
 
 #include "gl/framework.h"
 
-namespace support {
+namespace check {
 
 using namespace AESDK_OpenGL;  // NOLINT(google-build-using-namespace): its operations, by name
 
@@ -36,4 +36,4 @@ void SoilRenderTarget() {
   });
 }
 
-}  // namespace support
+}  // namespace check

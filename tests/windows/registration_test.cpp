@@ -11,7 +11,7 @@
 #include <window_system.h>
 
 #include "standin/host.h"
-#include "tests/support/rig.h"
+#include "check/support/rig.h"
 
 /// \file
 /// What hosts and the Explorer read from the plug-in's file without calling it.
@@ -95,7 +95,7 @@ std::string Pascal(const std::string& text) {
 }
 
 HMODULE Module() {
-  support::InstalledPlugin();  // loaded from now on
+  check::PluginUnderCheck();  // loaded from now on
   return GetModuleHandleA("Tarvo_overlaps_manager.aex");
 }
 
@@ -109,7 +109,7 @@ std::string_view Registration() {
 
 TEST(RegistrationTest, AgreesWithWhatThePluginReports) {
   const Table table = TableReader(Registration()).Read();
-  support::Rig rig(support::InstalledPlugin());
+  check::Rig rig(check::PluginUnderCheck());
   const auto reported = [](auto value) { return FourBytes(static_cast<std::uint32_t>(value)); };
   const auto property = [](const char* key, const std::string& data) {
     return Property{"8BIM", key, 0, data};
@@ -132,7 +132,7 @@ TEST(RegistrationTest, AgreesWithWhatThePluginReports) {
                                   property("aeFL", FourBytes(8)),
                                   property("eMNA", Pascal("QEZ_Tarvo_renderer")),
                               }));
-  support::ExpectBalanced(rig.host);
+  check::ExpectBalanced(rig.host);
 }
 
 TEST(RegistrationTest, TheFileCarriesTheVersionOfTheRelease) {

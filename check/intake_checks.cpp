@@ -1,0 +1,231 @@
+// What companions send: filing, taking images, numbering bones.
+
+#include <array>
+#include <cstddef>
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "check/support/bone_numbers.h"
+#include "check/support/host_test.h"
+#include "check/support/pieces.h"
+#include "check/support/promise.h"
+
+namespace {
+
+using check::BoneNumbers;
+using standin::Companion;
+using standin::Host;
+using standin::Kind;
+using standin::Picture;
+using standin::RendererInstance;
+using Numbers = std::vector<int>;
+
+constexpr A_long kLayerWidth = 200;  // of the output as long as there are no pieces
+
+class Intake : public check::HostTest {
+ protected:
+  /// A companion that BoneNumbers can tell.
+  Companion& AddBone(Host& host, int number, int position = -1) {
+    Companion& companion = host.AddCompanion(TheLayer(), std::to_string(number), position);
+    BoneNumbers::Dress(companion, number);
+    return companion;
+  }
+
+  /// A companion with a piece and one image.
+  Companion& AddPiece(Host& host, const Picture& image) {
+    Companion& companion = host.AddCompanion(TheLayer(), "A");
+    companion.pieces = {check::Piece({10, 10, 40, 40}, {1, 1, 6, 6}, 0.5)};
+    companion.imageA.Set(image);
+    return companion;
+  }
+
+  static CompanionSlot RecordOf(const std::vector<PieceQuad>& pieces, std::int32_t effectIndex) {
+    CompanionSlot record{};
+    record.quads = {
+        pieces.data(), pieces.data() + pieces.size(), pieces.data() + pieces.size(), {}};
+    record.effectIndex = effectIndex;
+    return record;
+  }
+
+  static A_long WidthOf(Host& host, RendererInstance& renderer) {
+    return host.FrameSetup(renderer).width;
+  }
+};
+
+CHECK_F(Intake, NumbersSwitchedOnCompanionsFromTheTop,
+        "Bone 1 is the first switched-on companion of the stack, bone 2 the second; nobody else "
+        "counts, and who is switched off is not drawn.") {
+  Host& host = StartHost();
+  Companion& first = AddBone(host, 1);
+  auto& renderer = host.AddRenderer(TheLayer());
+  Companion& last = AddBone(host, 3);
+  Companion& middle = AddBone(host, 2, 2);
+  host.AddEffect(TheLayer(), "qez_tarvo", 0);
+  host.AddEffect(TheLayer(), "QEZ_Tarvo ", 2);
+  for (Companion* bone : {&last, &first, &middle}) host.Send(*bone, renderer);
+  EXPECT_EQ(BoneNumbers::Seen(host, renderer, 3), (Numbers{1, 2, 3}));
+
+  first.active = false;
+  host.Send(last, renderer);
+  EXPECT_EQ(BoneNumbers::Seen(host, renderer, 2), (Numbers{2, 3}));
+  middle.active = false;
+  host.Send(last, renderer);
+  EXPECT_EQ(BoneNumbers::Seen(host, renderer, 2), (Numbers{3, 3}));
+}
+
+CHECK_F(Intake, EmptiesWhatComesFromBeyondTheStack,
+        "A record from a place where no companion stands is not drawn.") {
+  Host& host = StartHost();
+  auto& renderer = host.AddRenderer(TheLayer());
+  AddBone(host, 1);
+  const auto pieces = check::WarpedPieces(1, 3, {0, 0, 100, 100}, 8, 8);
+  for (const std::int32_t place : {0, 5}) {  // the renderer's own, and one past the end
+    auto record = RecordOf(pieces, place);
+    EXPECT_EQ(host.SendRecord(renderer, &record).code, PF_Err_NONE);
+    EXPECT_EQ(WidthOf(host, renderer), kLayerWidth) << place;
+  }
+}
+
+CHECK_F(Intake, KeepsTheOldNumbersWithoutALayer,
+        "When the host cannot name the layer, bones keep their numbers.") {
+  Host& host = StartHost();
+  Companion& first = AddBone(host, 1);
+  auto& renderer = host.AddRenderer(TheLayer());
+  Companion& last = AddBone(host, 2);
+  host.Send(first, renderer);
+  host.Send(last, renderer);
+  renderer.layerIsKnown = false;
+  first.active = false;
+  EXPECT_TRUE(host.Send(last, renderer).command.Ok());
+  const auto pieces = check::WarpedPieces(1, 3, {0, 0, 100, 100}, 8, 8);
+  auto record = RecordOf(pieces, 3);
+  EXPECT_EQ(host.SendRecord(renderer, &record).code, PF_Err_NONE);
+  EXPECT_EQ(BoneNumbers::Seen(host, renderer, 2), (Numbers{1, 2}));
+}
+
+/// The record lies at an odd address, between bytes that must not change.
+CHECK_F(Intake, ReadsRecordsAtAnyAddressAndChangesTheirFlagsAlone,
+        "A record may lie anywhere; of its bytes only the flags of images that were taken change, "
+        "and those images' worlds are given back.") {
+  Host& host = StartHost();
+  auto& renderer = host.AddRenderer(TheLayer());
+  host.AddCompanion(TheLayer(), "A");
+  const std::vector<PieceQuad> pieces{
+      check::Piece({0, 0, 40, 20}, {1, 1, 6, 3}, 0.5, TARVO_IMAGE_B)};
+  auto record = RecordOf(pieces, 1);
+  const auto world = host.worlds.From(check::Pattern(8, 5, 1), "image B");
+  std::memcpy(record.imageB, &world, sizeof record.imageB);
+  record.newImageB = 7;
+  record.newImageA = 1;  // with an image A of no size: nothing is taken
+  record.opacityB = 1;
+  std::array<unsigned char, sizeof record + 3> bytes{};
+  bytes.fill(0xA5);
+  std::memcpy(bytes.data() + 1, &record, sizeof record);
+  auto expected = bytes;
+  expected[1 + offsetof(CompanionSlot, newImageB)] = 0;
+
+  EXPECT_EQ(host.SendRecord(renderer, bytes.data() + 1).code, PF_Err_NONE);
+  EXPECT_EQ(bytes, expected);
+  EXPECT_FALSE(host.worlds.Alive(world));
+  EXPECT_EQ(host.books.Count(Kind::kWorld), 1U);  // the plug-in's own
+  const auto frame = host.Render(renderer);
+  EXPECT_EQ(frame.picture.width, 44);
+  EXPECT_EQ(frame.picture.At(22, 11).alpha, 255);
+}
+
+CHECK_F(Intake, RefusesWhatCannotBeMeant,
+        "A record that cannot be meant, and none at all, returns 516 and changes nothing.") {
+  Host& host = StartHost();
+  auto& renderer = host.AddRenderer(TheLayer());
+  host.AddCompanion(TheLayer(), "A");
+  const std::vector<PieceQuad> pieces(2);
+  const auto* const first = reinterpret_cast<const char*>(pieces.data());
+  const auto at = [&](std::ptrdiff_t bytes) {
+    return reinterpret_cast<const PieceQuad*>(first + bytes);
+  };
+  struct Case {
+    const char* what;
+    std::int32_t effectIndex;
+    const PieceQuad* begin;
+    const PieceQuad* end;
+  };
+  const Case cases[] = {
+      {"index below 0", -1, pieces.data(), at(312)},
+      {"index beyond all stacks", 65'536, pieces.data(), at(312)},
+      {"end before start", 1, at(156), pieces.data()},
+      {"part of a piece", 1, pieces.data(), at(155)},
+      {"null with a length", 1, nullptr, at(312)},
+      {"more than a million", 1, pieces.data(), at(156LL * 1'000'001)},
+  };
+  for (const Case& wrong : cases) {
+    auto record = RecordOf(pieces, wrong.effectIndex);
+    record.quads.first = wrong.begin;
+    record.quads.last = wrong.end;
+    const CompanionSlot before = record;
+    EXPECT_EQ(host.SendRecord(renderer, &record).code, 516) << wrong.what;
+    EXPECT_EQ(std::memcmp(&record, &before, sizeof record), 0) << wrong.what;
+    EXPECT_EQ(WidthOf(host, renderer), kLayerWidth) << wrong.what;
+  }
+  EXPECT_EQ(host.SendRecord(renderer, nullptr).code, 516);
+}
+
+/// A message without an image must neither lose the image that waits nor bring in the sender's.
+CHECK_F(
+    Intake, KeepsAWaitingImageUntilANewOneComes,
+    "An image that waits for a frame outlives messages without one, and gives way to a new one.") {
+  constexpr standin::Rgba kRed{.red = 200, .green = 0, .blue = 0, .alpha = 255};
+  constexpr standin::Rgba kBlue{.red = 0, .green = 0, .blue = 200, .alpha = 255};
+  Host& host = StartHost();
+  Companion& companion = AddPiece(host, Picture(8, 8, kRed));
+  auto& renderer = host.AddRenderer(TheLayer());
+  EXPECT_TRUE(host.Send(companion, renderer).tookA);
+  host.Send(companion, renderer);
+  EXPECT_EQ(host.books.Count(Kind::kWorld), 1U);
+  EXPECT_EQ(host.Render(renderer).picture.At(22, 22), kRed);
+
+  const std::size_t others = host.books.Count(Kind::kWorld);
+  companion.imageA.Set(Picture(8, 8, kRed));
+  EXPECT_TRUE(host.Send(companion, renderer).tookA);
+  companion.imageA.Set(Picture(9, 7, kBlue));
+  EXPECT_TRUE(host.Send(companion, renderer).tookA);
+  EXPECT_EQ(host.books.Count(Kind::kWorld), others + 1);
+  EXPECT_EQ(host.Render(renderer).picture.At(22, 22), kBlue);
+}
+
+/// Image B is not taken either: the chain.
+CHECK_F(Intake, LosesNothingWhenATakeFails,
+        "A take that the host fails returns its code and leaves no world behind; the next message "
+        "and frame go well.") {
+  for (const std::string operation : {"new_world", "copy", "dispose_world"}) {
+    Host& host = StartHost();
+    Companion& companion = AddPiece(host, check::Pattern(8, 8, 1));
+    companion.imageB.Set(check::Pattern(6, 6, 2));
+    auto& renderer = host.AddRenderer(TheLayer());
+    host.gate.FailOperation(operation, 1, {.code = 55});
+    EXPECT_EQ(host.Send(companion, renderer).command.code, 55) << operation;
+    EXPECT_EQ(host.books.Count(Kind::kWorld), operation == "dispose_world" ? 1U : 0U) << operation;
+    EXPECT_TRUE(host.Send(companion, renderer).command.Ok()) << operation;
+    EXPECT_TRUE(host.Render(renderer).command.Ok()) << operation;
+    companion.SendImagesAgain();
+    EXPECT_TRUE(host.Send(companion, renderer).tookA) << operation;
+    EXPECT_EQ(host.Render(renderer).picture.At(22, 22).alpha, 255) << operation;
+    EndHost();
+  }
+}
+
+CHECK_F(Intake, CountsAFailedDisposalUnlessSomethingFailedBefore,
+        "A reference that the host fails to take back is the result, unless something failed "
+        "before it.") {
+  Host& host = StartHost();
+  Companion& companion = AddPiece(host, check::Pattern(8, 8, 1));
+  auto& renderer = host.AddRenderer(TheLayer());
+  host.gate.FailOperation("AEGP_DisposeEffect", 1, {.code = 61});
+  EXPECT_EQ(host.Send(companion, renderer).command.code, 61);
+  host.gate.FailOperation("AEGP_GetEffectFlags", 1, {.code = 62});
+  host.gate.FailOperation("AEGP_DisposeEffect", 1, {.code = 61});
+  EXPECT_EQ(host.Send(companion, renderer).command.code, 62);
+  EXPECT_EQ(WidthOf(host, renderer), kLayerWidth);  // nobody was numbered
+}
+
+}  // namespace

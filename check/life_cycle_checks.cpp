@@ -1,0 +1,258 @@
+// Global set-up and set-down, the life of instances, and what of it survives saving and copying.
+
+#include <cstdint>
+#include <cstring>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "check/support/host_test.h"
+#include "check/support/pieces.h"
+#include "check/support/promise.h"
+
+namespace {
+
+using standin::Host;
+using standin::RendererInstance;
+
+constexpr const char* kNoHook = "QEZ_Tarvo_overlaps_manager: Could not register command hook.";
+constexpr A_long kEmptyWidth = 200;
+constexpr A_long kPieceWidth = 44;  // 40 and 5 % a side
+
+/// What an instance keeps in its handle, as projects have it saved.
+struct Store {
+  A_long number;
+  std::uint64_t scene;
+};
+
+Store StoreOf(const RendererInstance& renderer) {
+  Store store{};
+  std::memcpy(&store, *renderer.sequenceData, sizeof store);
+  return store;
+}
+
+A_long NumberOf(const RendererInstance& renderer) { return StoreOf(renderer).number; }
+
+A_long CounterOf(const Host& host) {
+  A_long counter = 0;
+  std::memcpy(&counter, *host.GlobalData(), sizeof counter);
+  return counter;
+}
+
+using GlobalSetup = check::HostTest;
+
+class Instances : public check::HostTest {
+ protected:
+  /// Between commands, when the handle is not locked unless a case does so.
+  static void SetCounter(Host& host, A_long value) {
+    host.memory.HostLock(host.GlobalData());
+    std::memcpy(*host.GlobalData(), &value, sizeof value);
+    host.memory.HostUnlock(host.GlobalData());
+  }
+
+  /// A companion above the renderer, one piece with one image sent.
+  standin::Companion& SendOnePiece(Host& host, RendererInstance& renderer) {
+    auto& companion = host.AddCompanion(TheLayer(), "Arm", 0);
+    companion.pieces = {check::Piece({10, 10, 40, 40}, {1, 1, 6, 6}, 0.5)};
+    companion.imageA.Set(check::Pattern(8, 8, 1));
+    EXPECT_TRUE(host.Send(companion, renderer).tookA);
+    return companion;
+  }
+};
+
+CHECK_F(GlobalSetup, ReportsItselfAndLeavesNumberOneNext,
+        "Global set-up tells version and flags, keeps four bytes whose number is 1, and registers "
+        "one idle hook.") {
+  Host& host = StartHost();
+  EXPECT_EQ(host.PluginVersion(), 0x00100000U);
+  EXPECT_EQ(host.OutFlags(), 0x04001200);
+  EXPECT_EQ(host.OutFlags2(), 0);
+  EXPECT_EQ(host.memory.Size(host.GlobalData(), "test"), 4U);
+  EXPECT_EQ(CounterOf(host), 1);
+  EXPECT_EQ(host.IdleHooks(), 1U);
+  EXPECT_TRUE(host.Reports().empty());
+}
+
+CHECK_F(GlobalSetup, SwitchesOpenGlOffOnlyWhereOldHostsHaveIt,
+        "The host's OpenGL preference is set to 0 where it exists in a host before version 11, and "
+        "never made.") {
+  const std::pair<std::string, std::string> key{"AE_OpenGL", "Enabled2"};
+  const struct {
+    A_short major;
+    bool exists;
+    bool touched;
+  } cases[] = {{10, true, true}, {10, false, false}, {11, true, false}, {13, true, false}};
+  for (const auto& [major, exists, touched] : cases) {
+    standin::HostOptions options{.versionMajor = major};
+    if (exists) options.preferences[key] = 1;
+    Host& host = StartHost(options);
+    EXPECT_EQ(host.Preferences().count(key), exists ? 1U : 0U) << major;
+    if (exists) {
+      EXPECT_EQ(host.Preferences().at(key), touched ? 0 : 1) << major;
+    }
+    EXPECT_EQ(host.gate.Calls("AEGP_GetApplicationBlob"), major < 11 ? 1U : 0U);
+    EndHost();
+  }
+}
+
+/// A failure of the host's does not keep OpenGL from starting nor the global data from being made,
+/// but no idle hook is registered and the user is told.
+CHECK_F(GlobalSetup, GoesOnAfterAHostFailureAndReportsIt,
+        "A host failure in global set-up is its result and is told to the user; the global data "
+        "are there all the same.") {
+  const char* operations[] = {"AEGP_RegisterWithAEGP", "AEGP_GetApplicationBlob",
+                              "AEGP_DoesKeyExist", "AEGP_SetLong"};
+  for (const char* operation : operations) {
+    Host& host = MakeHost({.versionMajor = 10, .preferences = {{{"AE_OpenGL", "Enabled2"}, 1}}});
+    host.gate.FailOperation(operation, 1, {.code = 21});
+    EXPECT_EQ(host.GlobalSetup().code, 21) << operation;
+    EXPECT_NE(host.GlobalData(), nullptr) << operation;
+    EXPECT_EQ(host.IdleHooks(), 0U);
+    EXPECT_EQ(host.Reports(), std::vector<std::string>{kNoHook});
+    EndHost();
+  }
+}
+
+CHECK_F(GlobalSetup, ReportsARefusedIdleHook,
+        "An idle hook that the host refuses is the result and is told to the user.") {
+  Host& host = MakeHost();
+  host.gate.FailOperation("AEGP_RegisterIdleHook", 1, {.code = 33});
+  host.gate.FailOperation("AEGP_ReportInfo", 1, {.code = 34});
+  EXPECT_EQ(host.GlobalSetup().code, 33);
+  EXPECT_EQ(host.gate.Injected("AEGP_ReportInfo"), 1U);
+}
+
+CHECK_F(GlobalSetup, IsOutOfMemoryWithoutGlobalData,
+        "Without a handle for the global data the result is 4, whatever else failed.") {
+  Host& host = MakeHost();
+  host.gate.FailOperation("AEGP_RegisterWithAEGP", 1, {.code = 21});
+  host.gate.FailOperation("host_new_handle");
+  EXPECT_EQ(host.GlobalSetup().code, PF_Err_OUT_OF_MEMORY);
+}
+
+CHECK_F(Instances, AreNumberedAndNumbersStartOver,
+        "Instances are numbered from 1 to 9999, then from 0, and one that goes gives its number "
+        "back.") {
+  Host& host = StartHost();
+  auto& first = host.AddRenderer(TheLayer());
+  auto& second = host.AddRenderer(TheLayer());
+  EXPECT_EQ(NumberOf(first), 1);
+  EXPECT_EQ(NumberOf(second), 2);
+  EXPECT_EQ(host.memory.Size(first.sequenceData, "test"), sizeof(Store));
+  SetCounter(host, 9999);
+  EXPECT_EQ(NumberOf(host.AddRenderer(TheLayer())), 9999);
+  EXPECT_EQ(NumberOf(host.AddRenderer(TheLayer())), 0);
+  EXPECT_EQ(CounterOf(host), 1);
+  host.Remove(second);
+  EXPECT_EQ(CounterOf(host), 0);
+}
+
+CHECK_F(
+    Instances, NeverFollowSavedOrCopiedBytes,
+    "A duplicated or reopened instance starts without pieces, and the original keeps its own.") {
+  Host& host = StartHost();
+  auto& original = host.AddRenderer(TheLayer());
+  SendOnePiece(host, original);
+  ASSERT_EQ(host.FrameSetup(original).width, kPieceWidth);
+
+  auto& copy = host.Duplicate(original);
+  EXPECT_TRUE(copy.setup.Ok());
+  EXPECT_EQ(host.FrameSetup(copy).width, kEmptyWidth);
+  EXPECT_EQ(host.FrameSetup(original).width, kPieceWidth);
+  EXPECT_NE(NumberOf(copy), NumberOf(original));
+
+  host.SaveAndReopen();
+  EXPECT_EQ(host.FrameSetup(original).width, kEmptyWidth);
+}
+
+CHECK_F(Instances, OfACopyWithoutMemoryDoNotReachTheOriginal,
+        "A copy that could not be given memory of its own does not touch the original's pieces.") {
+  Host& host = StartHost();
+  auto& original = host.AddRenderer(TheLayer());
+  SendOnePiece(host, original);
+  host.gate.FailOperation("host_new_handle");
+  auto& copy = host.Duplicate(original);
+  EXPECT_EQ(host.gate.Injected(), 1U);
+  CompanionSlot record{};
+  EXPECT_EQ(host.SendRecord(copy, &record).code, PF_Err_NONE);
+  EXPECT_EQ(host.FrameSetup(original).width, kPieceWidth);
+}
+
+/// A handle that no resetup has seen.
+CHECK_F(Instances, TakeForeignBytesForNone,
+        "Bytes that look like the plug-in's own, with an address of nobody's, are not followed.") {
+  Host& host = StartHost();
+  auto& renderer = host.AddRenderer(TheLayer());
+  Store store = StoreOf(renderer);
+  store.scene = 0x1234568;
+  host.memory.HostLock(renderer.sequenceData);
+  std::memcpy(*renderer.sequenceData, &store, sizeof store);
+  host.memory.HostUnlock(renderer.sequenceData);
+  EXPECT_TRUE(host.Render(renderer).command.Ok());
+  CompanionSlot record{};
+  EXPECT_EQ(host.SendRecord(renderer, &record).code, PF_Err_NONE);
+}
+
+CHECK_F(Instances, GoWithoutMemoryOrLock,
+        "A sequence set-up without a handle returns 4; without a lock it succeeds, and frames stay "
+        "transparent.") {
+  Host& host = StartHost();
+  const auto idleWorks = [&] {
+    const auto calls = host.gate.Calls();
+    host.Idle();
+    return host.gate.Calls() != calls;
+  };
+  host.AddRenderer(TheLayer());
+  EXPECT_TRUE(idleWorks());
+  host.gate.FailOperation("host_new_handle");
+  EXPECT_EQ(host.AddRenderer(TheLayer()).setup.code, PF_Err_OUT_OF_MEMORY);
+  EXPECT_FALSE(idleWorks());
+  host.gate.FailOperation("host_lock_handle");
+  auto& unlocked = host.AddRenderer(TheLayer());
+  EXPECT_EQ(unlocked.setup.code, PF_Err_NONE);
+  EXPECT_EQ(unlocked.sequenceData, nullptr);
+  EXPECT_TRUE(idleWorks());
+  // Handlers do without a store: nothing is read, a frame is transparent.
+  CompanionSlot record{};
+  EXPECT_EQ(host.SendRecord(unlocked, &record).code, PF_Err_NONE);
+  const auto frame = host.RenderInto(unlocked, {.width = 8, .height = 8});
+  EXPECT_EQ(frame.command.code, PF_Err_NONE);
+  EXPECT_EQ(frame.picture, standin::Picture(8, 8));
+}
+
+CHECK_F(Instances, KeepTheOldStoreThatAResetupCannotReplace,
+        "A resetup without memory keeps the old handle.") {
+  Host& host = StartHost();
+  auto& renderer = host.AddRenderer(TheLayer());
+  const PF_Handle before = renderer.sequenceData;
+  const struct {
+    const char* operation;
+    PF_Err expected;
+  } cases[] = {{"host_new_handle", PF_Err_NONE},
+               {"host_lock_handle", PF_Err_INTERNAL_STRUCT_DAMAGED}};
+  for (const auto& [operation, expected] : cases) {
+    host.gate.FailOperation(operation);
+    PF_InData in = host.InputRecord(&renderer);
+    PF_OutData out{};
+    EXPECT_EQ(host.CallWith(PF_Cmd_SEQUENCE_RESETUP, in, out, nullptr, nullptr, nullptr).code,
+              expected);
+    EXPECT_EQ(in.sequence_data, before) << operation;
+    EXPECT_EQ(out.sequence_data, nullptr) << operation;
+  }
+}
+
+/// Images that no frame uploaded, and textures that frames did, go with their instance.
+CHECK_F(Instances, GiveBackWhatTheyHold,
+        "Images that no frame has used and that frames have used go with their instance.") {
+  Host& host = StartHost();
+  auto& renderer = host.AddRenderer(TheLayer());
+  SendOnePiece(host, renderer);
+  ASSERT_TRUE(host.Render(renderer).command.Ok());
+  const auto before = host.books.Count(standin::Kind::kWorld);  // the host's own
+  SendOnePiece(host, renderer);
+  EXPECT_EQ(host.books.Count(standin::Kind::kWorld), before + 1);
+  host.Remove(renderer);
+  EXPECT_EQ(host.books.Count(standin::Kind::kWorld), before);
+}
+
+}  // namespace

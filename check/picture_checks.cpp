@@ -1,0 +1,297 @@
+// The plug-in's pictures against the stand-in's own model, and against values worked out by hand.
+
+#include <string>
+#include <tuple>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "check/support/parameters.h"
+#include "check/support/pieces.h"
+#include "check/support/promise.h"
+#include "check/support/rig.h"
+#include "standin/compare.h"
+
+namespace {
+
+using check::Box;
+using check::Pattern;
+using check::Piece;
+using check::Rig;
+using check::RigTest;
+using check::SoftPattern;
+using check::WarpedPieces;
+using standin::Companion;
+using standin::FrameExtent;
+using standin::FrameRequest;
+using standin::Picture;
+using standin::RenderResult;
+using standin::Rgba;
+
+constexpr Box kLayerArea{.left = 0, .top = 0, .width = 200, .height = 160};
+constexpr Box kCut{.left = 2, .top = 2, .width = 60, .height = 44};
+constexpr Rgba kOrange{.red = 240, .green = 120, .blue = 40, .alpha = 255};
+
+/// 8-bit steps that honest rounding may add up to: one where the texture is read, which the second
+/// pass all but doubles, one in each blend and one in the conversion to straight colour.
+constexpr int kTolerance = 4;
+/// Packed coordinates lose a pixel now and then: at most one in this many.
+constexpr std::size_t kPixelsPerLostOne = 20'000;
+
+struct Case {
+  const char* name;
+  void (*build)(Rig& rig);
+  FrameRequest request{};
+};
+
+void OpaquePiece(Rig& rig) {
+  rig.AddBone(Pattern(64, 48, 1),
+              {Piece({.left = 10, .top = 20, .width = 100, .height = 50}, kCut, 0.5)});
+}
+
+void HalfOpacity(Rig& rig) {
+  OpaquePiece(rig);
+  rig.ActiveCompanions().front()->imageA.opacity = 0.5;
+}
+
+void OverlappingImages(Rig& rig) {
+  rig.AddBone(Pattern(64, 48, 2),
+              {Piece({.left = 10, .top = 10, .width = 90, .height = 80}, kCut, 0.5)});
+  rig.AddBone(Pattern(64, 48, 3, 170),
+              {Piece({.left = 50, .top = 40, .width = 90, .height = 80}, kCut, 0.5)});
+  rig.AddBone(SoftPattern(64, 48, 4),
+              {Piece({.left = 30, .top = 20, .width = 120, .height = 120}, kCut, 0.5)});
+  rig.SetDepth(1, -1.5, -1.5);  // between bone 2 and bone 3
+}
+
+void OverlapWithinOneImage(Rig& rig) {
+  rig.AddBone(Pattern(64, 48, 5, 160),
+              {Piece({.left = 10, .top = 10, .width = 100, .height = 80},
+                     {.left = 2, .top = 2, .width = 30, .height = 40}, 0.25),
+               Piece({.left = 60, .top = 50, .width = 100, .height = 80},
+                     {.left = 30, .top = 4, .width = 30, .height = 40}, 0.75),
+               Piece({.left = 90, .top = 20, .width = 40, .height = 100},
+                     {.left = 10, .top = 6, .width = 30, .height = 40}, 0.5)});
+}
+
+void BothImagesOfOneBone(Rig& rig) {
+  Companion& bone = rig.AddBone(Pattern(64, 48, 6, 200), WarpedPieces(61, 5, kLayerArea, 64, 48));
+  bone.imageB.Set(Pattern(90, 30, 7, 220));
+  bone.imageB.opacity = 0.7;
+  const auto fromB = WarpedPieces(62, 5, kLayerArea, 90, 30, TARVO_IMAGE_B);
+  bone.pieces.insert(bone.pieces.end(), fromB.begin(), fromB.end());
+}
+
+void ManyWarpedPieces(Rig& rig, std::uint32_t seed) {
+  for (std::uint32_t bone = 0; bone < 4; ++bone) {
+    const Picture image =
+        bone % 2 == 0 ? SoftPattern(64, 48, seed + bone) : Pattern(64, 48, seed + bone, 210);
+    rig.AddBone(image, WarpedPieces(seed * 10 + bone, 12, kLayerArea, 64, 48));
+    rig.SetDepth(static_cast<int>(bone) + 1, 1.0 - bone, bone - 2.0);
+  }
+}
+
+void WarpedPiecesSeed11(Rig& rig) { ManyWarpedPieces(rig, 11); }
+void WarpedPiecesSeed12(Rig& rig) { ManyWarpedPieces(rig, 12); }
+void WarpedPiecesSeed13(Rig& rig) { ManyWarpedPieces(rig, 13); }
+
+/// Bars side by side and across, each passing through all the others in depth.
+void EightBonesCrossingInDepth(Rig& rig) {
+  for (int bone = 1; bone <= 8; ++bone) {
+    std::vector<PieceQuad> bar;
+    for (int i = 0; i < 8; ++i) {
+      const double along = 4 + 22.0 * i;
+      const double across = 4 + 17.0 * (bone - 1);
+      const Box place = bone % 2 == 0
+                            ? Box{.left = along, .top = across, .width = 26, .height = 22}
+                            : Box{.left = across, .top = along, .width = 22, .height = 26};
+      bar.push_back(
+          Piece(place, {.left = 2 + 6.0 * i, .top = 2, .width = 12, .height = 44}, (i + 0.5) / 8));
+    }
+    rig.AddBone(Pattern(64, 48, 20 + static_cast<std::uint32_t>(bone), 235), bar);
+    rig.SetDepth(bone, bone - 4.5, 4.25 - bone);
+  }
+}
+
+/// Bones whose image never came, or whose pieces name no image; one that can be drawn.
+void PiecesWithoutAPicture(Rig& rig) {
+  OpaquePiece(rig);
+  rig.AddBone(Picture{}, WarpedPieces(31, 4, kLayerArea, 64, 48));
+  rig.AddBone(Pattern(64, 48, 8), WarpedPieces(32, 4, kLayerArea, 64, 48, 1));
+  rig.AddBone(Pattern(64, 48, 9), WarpedPieces(33, 4, kLayerArea, 64, 48, TARVO_IMAGE_B));
+}
+
+void TwentySevenBones(Rig& rig) {
+  for (std::uint32_t bone = 0; bone < 27; ++bone) {
+    rig.AddBone(Pattern(32, 24, 40 + bone, 225), WarpedPieces(70 + bone, 2, kLayerArea, 32, 24));
+  }
+  rig.SetDepth(25, -30, -30);  // the pair that bones 25, 26 and 27 share, by their number
+}
+
+const std::vector<Case> kCases{
+    {"OpaquePiece", OpaquePiece},
+    {"HalfOpacity", HalfOpacity},
+    {"OverlappingImages", OverlappingImages},
+    {"OverlapWithinOneImage", OverlapWithinOneImage},
+    {"BothImagesOfOneBone", BothImagesOfOneBone},
+    {"WarpedPiecesSeed11", WarpedPiecesSeed11},
+    {"WarpedPiecesSeed12", WarpedPiecesSeed12},
+    {"WarpedPiecesSeed13", WarpedPiecesSeed13},
+    {"HalfResolution", WarpedPiecesSeed11, {.downsampleX = 2, .downsampleY = 2}},
+    {"QuarterHeight", WarpedPiecesSeed12, {.downsampleX = 1, .downsampleY = 4}},
+    {"PreEffectOrigin", WarpedPiecesSeed13, {.preEffectOriginX = 30, .preEffectOriginY = -17}},
+    {"EightBonesCrossingInDepth", EightBonesCrossingInDepth},
+    {"PiecesWithoutAPicture", PiecesWithoutAPicture},
+    {"TwentySevenBones", TwentySevenBones},
+};
+
+class Pictures : public RigTest, public ::testing::WithParamInterface<std::tuple<Case, bool>> {};
+
+CHECK_P(Pictures, AreWhatTheModelDraws,
+        "A frame is what an independent model of the two passes draws, in both modes.") {
+  const auto& [scene, exact] = GetParam();
+  scene.build(rig);
+  rig.SetFast(!exact);
+  rig.Send();
+  const RenderResult result = rig.Render(scene.request);
+  const auto expected = rig.Expected(result.picture, scene.request);
+  const auto comparison =
+      standin::Compare(result.picture, expected.picture, kTolerance, expected.decided);
+  RecordProperty("pixels compared", std::to_string(comparison.compared));
+  RecordProperty("largest difference", comparison.largest);
+  // Most of the picture is held against the other, or the rig is no test.
+  EXPECT_GT(comparison.compared, result.picture.pixels.size() / 4);
+  EXPECT_LE(comparison.beyond, exact ? comparison.compared / kPixelsPerLostOne : 0);
+}
+
+std::string NameOf(const ::testing::TestParamInfo<std::tuple<Case, bool>>& table) {
+  const auto& [scene, exact] = table.param;
+  return std::string(scene.name) + (exact ? "Exact" : "Fast");
+}
+
+INSTANTIATE_TEST_SUITE_P(, Pictures,
+                         ::testing::Combine(::testing::ValuesIn(kCases), ::testing::Bool()),
+                         NameOf);
+
+class Picturing : public RigTest {
+ protected:
+  /// Expects the picture to be the model's.
+  void ExpectExpected(const Picture& picture, const FrameRequest& request = {}) {
+    const auto expected = rig.Expected(picture, request);
+    const auto comparison =
+        standin::Compare(picture, expected.picture, kTolerance, expected.decided);
+    EXPECT_EQ(comparison.beyond, 0U) << comparison.Text();
+  }
+};
+
+CHECK_F(Picturing, OpaquePieceLandsOnItsPixels,
+        "An opaque piece along the axes colours exactly its own pixels, and the output is 5 % "
+        "wider on each side.") {
+  rig.AddBone(Picture(64, 48, kOrange),
+              {Piece({.left = 10, .top = 20, .width = 100, .height = 50}, kCut, 0.5)});
+  rig.Send();
+  const Picture picture = rig.Render().picture;
+  // 5 % of 100 and of 50 on each side; the layer's corner lies at (-5, -17).
+  ASSERT_EQ(picture.width, 110);
+  ASSERT_EQ(picture.height, 56);
+  for (int y = 0; y < picture.height; ++y) {
+    for (int x = 0; x < picture.width; ++x) {
+      const bool covered = x >= 5 && x < 105 && y >= 3 && y < 53;
+      ASSERT_EQ(picture.At(x, y), covered ? kOrange : Rgba{}) << x << ", " << y;
+    }
+  }
+}
+
+CHECK_F(Picturing, OpacityIsStrengthenedByTheTwoPasses,
+        "Half opacity shows as three quarters: the two passes add up.") {
+  Companion& bone =
+      rig.AddBone(Picture(64, 48, kOrange),
+                  {Piece({.left = 10, .top = 20, .width = 100, .height = 50}, kCut, 0.5)});
+  bone.imageA.opacity = 0.5;
+  rig.Send();
+  // 1 - 0.5 * 0.5 = 0.75, or 191.25, of the full colour.
+  const Rgba pixel = rig.Render().picture.At(50, 30);
+  EXPECT_NEAR(pixel.alpha, 191, 1);
+  EXPECT_NEAR(pixel.red, kOrange.red, 1);
+  EXPECT_NEAR(pixel.green, kOrange.green, 1);
+  EXPECT_NEAR(pixel.blue, kOrange.blue, 1);
+}
+
+CHECK_F(Picturing, CheckboxAboveOneIsOn, "A fast transparency above 1 is as good as 1.") {
+  OverlapWithinOneImage(rig);
+  rig.Send();
+  const Picture fast = rig.Render().picture;
+  rig.SetFast(false);
+  const Picture exact = rig.Render().picture;
+  EXPECT_TRUE(rig.host.SetParameter(rig.renderer, check::kFastTransparency, 3).Ok());
+  EXPECT_EQ(rig.Render().picture, fast);
+  EXPECT_NE(exact, fast);
+}
+
+CHECK_F(Picturing, LaterMessagesReplaceEarlierOnes,
+        "Moved pieces and new images show in the next frame, and nothing of the old ones does.") {
+  WarpedPiecesSeed12(rig);
+  rig.Send();
+  const Picture first = rig.Render().picture;
+  EXPECT_EQ(rig.Render().picture, first);  // from the textures alone
+
+  Companion& bone = *rig.ActiveCompanions().front();
+  bone.pieces = WarpedPieces(99, 6, kLayerArea, 64, 48);  // moved, the image as it was
+  rig.Send();
+  const Picture moved = rig.Render().picture;
+  EXPECT_NE(moved, first);
+  ExpectExpected(moved);
+
+  bone.imageA.Set(Pattern(50, 80, 77, 230));  // an image of another shape, and an opacity
+  bone.imageA.opacity = 0.6;
+  bone.pieces = WarpedPieces(98, 6, kLayerArea, 50, 80);
+  rig.SetFast(false);
+  rig.Send();
+  ExpectExpected(rig.Render().picture);
+}
+
+CHECK_F(Picturing, OpacityIsTakenOverWithAnImageOnly,
+        "A new opacity shows once an image comes with it.") {
+  OpaquePiece(rig);
+  rig.Send();
+  const Picture opaque = rig.Render().picture;
+  Companion& bone = *rig.ActiveCompanions().front();
+  bone.imageA.opacity = 0.25;
+  rig.Send();
+  EXPECT_EQ(rig.Render().picture, opaque);
+  bone.imageA.isNew = true;
+  rig.Send();
+  ExpectExpected(rig.Render().picture);
+}
+
+CHECK_F(Picturing, ImageWaitsForPieces, "An image that came before its pieces is not lost.") {
+  Companion& bone = rig.AddBone(Pattern(64, 48, 1), {});
+  rig.AddBone(Pattern(64, 48, 2), WarpedPieces(5, 4, kLayerArea, 64, 48));
+  rig.Send();
+  rig.Render();
+  bone.pieces = WarpedPieces(6, 4, kLayerArea, 64, 48);
+  rig.Send();
+  ExpectExpected(rig.Render().picture);
+}
+
+CHECK_F(Picturing, EmptySceneAndTinyOutputsStayTransparent,
+        "Without pieces, and in outputs below four pixels a side, the frame is transparent.") {
+  const Picture empty = rig.Render().picture;
+  EXPECT_EQ(empty, Picture(200, 160));
+  rig.AddBone(Picture(64, 48, kOrange), {Piece(kLayerArea, kCut, 0.5)});
+  rig.Send();
+  struct Size {
+    int width;
+    int height;
+    bool drawn;
+  };
+  for (const Size size : {Size{3, 50, false}, Size{50, 3, false}, Size{4, 4, true}}) {
+    const FrameExtent extent{.command = {}, .width = size.width, .height = size.height};
+    const RenderResult result = rig.host.RenderInto(rig.renderer, extent);
+    EXPECT_TRUE(result.command.Ok());
+    const Picture expected(size.width, size.height, size.drawn ? kOrange : Rgba{});
+    EXPECT_EQ(result.picture, expected) << size.width << "x" << size.height;
+  }
+}
+
+}  // namespace

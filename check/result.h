@@ -1,0 +1,35 @@
+#pragma once
+
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <nlohmann/json_fwd.hpp>
+
+namespace check {
+
+/// How a check ends. Crashed and timed out are told from outside its process.
+enum class Verdict { kPassed, kFailed, kSkipped, kCrashed, kTimedOut };
+
+struct Result {
+  std::string name;
+  std::string promise;
+  Verdict verdict = Verdict::kPassed;
+  double seconds = 0;
+  /// What was expected and what came, with the place in the sources; or why it was skipped, or how
+  /// the process ended.
+  std::vector<std::string> messages;
+  /// What the case counted and measured, in its order.
+  std::vector<std::pair<std::string, std::string>> figures;
+};
+
+/// "passed", "failed", "skipped", "crashed", "timed out".
+std::string Name(Verdict verdict);
+/// True iff the build is at fault.
+bool IsBad(Verdict verdict);
+
+nlohmann::ordered_json ToJson(const Result& result);
+/// Reads what ToJson made. Throws nlohmann::json::exception for anything else.
+Result ResultFrom(const nlohmann::ordered_json& json);
+
+}  // namespace check

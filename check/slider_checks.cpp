@@ -1,0 +1,235 @@
+// Labels and visibility of the sliders, nudges, the idle hook.
+
+#include <cstddef>
+#include <cstdint>
+#include <limits>
+#include <string>
+#include <vector>
+
+#include "check/support/host_test.h"
+#include "check/support/parameters.h"
+#include "check/support/promise.h"
+
+namespace {
+
+using standin::Host;
+using standin::RendererInstance;
+
+using Sliders = check::HostTest;
+using Nudges = check::HostTest;
+using Idle = check::HostTest;
+
+std::string Label(const RendererInstance& renderer, int index) {
+  return renderer.parameters[static_cast<std::size_t>(index)].Name();
+}
+
+int ShownCount(const RendererInstance& renderer) {
+  int shown = 0;
+  for (int index = 1; index <= check::kHidden; ++index) {
+    shown += renderer.parameters[static_cast<std::size_t>(index)].Hidden() ? 0 : 1;
+  }
+  return shown;
+}
+
+double ValueOf(const RendererInstance& renderer, int index) {
+  return renderer.parameters[static_cast<std::size_t>(index)].Value();
+}
+
+CHECK_F(Sliders, FollowTheSwitchedOnCompanions,
+        "Each switched-on companion shows two sliders that bear its name, cut to 31 characters; "
+        "what has not changed is not sent.") {
+  Host& host = StartHost();
+  auto& arm = host.AddCompanion(TheLayer(), "Arm");
+  auto& off = host.AddCompanion(TheLayer(), "Off");
+  off.active = false;
+  host.AddEffect(TheLayer(), "Blur");
+  auto& renderer = host.AddRenderer(TheLayer());
+  host.AddCompanion(TheLayer(), std::string(31, 'x'));
+  ASSERT_TRUE(host.UpdateParamsUi(renderer).Ok());
+  EXPECT_EQ(ShownCount(renderer), 4);
+  EXPECT_EQ(Label(renderer, 1), "Arm start Z");
+  EXPECT_EQ(Label(renderer, 2), "Arm end Z");
+  EXPECT_EQ(Label(renderer, 3), std::string(31, 'x'));
+  EXPECT_EQ(Label(renderer, 5), "Bone 3 start Z");
+  EXPECT_EQ(host.gate.Calls("PF_UpdateParamUI"), 4U);
+  EXPECT_NE(renderer.parameters[1].definition.ui_flags & PF_PUI_INVISIBLE, 0);
+
+  // Nothing has changed: nothing is sent and nothing set.
+  const auto flagsSet = host.gate.Calls("AEGP_SetDynamicStreamFlag");
+  EXPECT_EQ(flagsSet, 47U);
+  ASSERT_TRUE(host.UpdateParamsUi(renderer).Ok());
+  EXPECT_EQ(host.gate.Calls("PF_UpdateParamUI"), 4U);
+  EXPECT_EQ(host.gate.Calls("AEGP_SetDynamicStreamFlag"), flagsSet);
+
+  // One name changes; a companion goes, and its sliders keep their labels.
+  arm.groupName = "Left arm";
+  ASSERT_TRUE(host.UpdateParamsUi(renderer).Ok());
+  EXPECT_EQ(host.gate.Calls("PF_UpdateParamUI"), 6U);
+  host.Remove(arm);
+  ASSERT_TRUE(host.UpdateParamsUi(renderer).Ok());
+  EXPECT_EQ(ShownCount(renderer), 2);
+  EXPECT_EQ(Label(renderer, 1), std::string(31, 'x'));
+  EXPECT_EQ(Label(renderer, 4), std::string(31, 'x'));
+}
+
+CHECK_F(Sliders, AreHiddenWithoutCompanionsAndShownWithMany,
+        "Without companions no slider is shown; of more than 25 the first ones have sliders.") {
+  Host& host = StartHost();
+  auto& renderer = host.AddRenderer(TheLayer());
+  ASSERT_TRUE(host.UpdateParamsUi(renderer).Ok());
+  EXPECT_EQ(ShownCount(renderer), 0);
+  EXPECT_EQ(host.gate.Calls("PF_UpdateParamUI"), 0U);
+  for (int bone = 1; bone <= 27; ++bone) {
+    host.AddCompanion(TheLayer(), "B" + std::to_string(bone));
+  }
+  ASSERT_TRUE(host.UpdateParamsUi(renderer).Ok());
+  EXPECT_EQ(ShownCount(renderer), 51);
+  EXPECT_EQ(Label(renderer, 50), "B25 end Z");
+  EXPECT_EQ(Label(renderer, 51), "B26 start Z");
+  EXPECT_EQ(Label(renderer, 52), "Updater:");
+}
+
+CHECK_F(Sliders, StayAsTheyAreWithoutAReference,
+        "Where the host has no reference to the instance, its sliders stay as they are.") {
+  Host& host = StartHost();
+  auto& renderer = host.AddRenderer(TheLayer());
+  host.AddCompanion(TheLayer(), "Arm");
+  renderer.withoutReference = true;
+  EXPECT_TRUE(host.UpdateParamsUi(renderer).Ok());
+  EXPECT_EQ(ShownCount(renderer), 51);
+  EXPECT_EQ(Label(renderer, 1), "Bone 1 start Z");
+}
+
+CHECK_F(Nudges, ReachEachSwitchedOnCompanionOnce,
+        "Each change of a slider raises parameter 89 of every switched-on companion by one.") {
+  Host& host = StartHost();
+  auto& first = host.AddCompanion(TheLayer(), "A");
+  auto& off = host.AddCompanion(TheLayer(), "B");
+  auto& renderer = host.AddRenderer(TheLayer());
+  auto& last = host.AddCompanion(TheLayer(), "C");
+  off.active = false;
+  first.parameters[standin::kNudgeParameter].SetValue(999);
+  ASSERT_TRUE(host.SetParameter(renderer, 1, 2.5).Ok());
+  EXPECT_EQ(first.NudgeCounter(), 0);
+  EXPECT_EQ(off.NudgeCounter(), 0);
+  EXPECT_EQ(last.NudgeCounter(), 1);
+  ASSERT_TRUE(host.SetParameter(renderer, check::kUpdater, 2).Ok());
+  EXPECT_EQ(last.NudgeCounter(), 2);
+  EXPECT_EQ(ValueOf(renderer, check::kUpdater), 1);
+  ASSERT_TRUE(host.SetParameter(renderer, check::kFastTransparency, 0).Ok());
+  EXPECT_EQ(last.NudgeCounter(), 2);
+}
+
+CHECK_F(Nudges, StopAtACompanionThatCannotBeNudged,
+        "A nudge that the host refuses ends the nudging, and its code is the result.") {
+  for (const char* operation : {"AEGP_GetNewEffectStreamByIndex", "AEGP_GetNewStreamValue",
+                                "AEGP_SetStreamValue", "AEGP_DisposeStreamValue"}) {
+    Host& host = StartHost();
+    host.AddCompanion(TheLayer(), "A");
+    auto& last = host.AddCompanion(TheLayer(), "B");
+    auto& renderer = host.AddRenderer(TheLayer());
+    host.gate.FailOperation(operation, 1, {.code = 44});
+    EXPECT_EQ(host.SetParameter(renderer, check::kUpdater, 2).code, 44) << operation;
+    EXPECT_EQ(last.NudgeCounter(), 0) << operation;
+    EXPECT_EQ(ValueOf(renderer, check::kUpdater), 2) << operation;
+    EndHost();
+  }
+}
+
+CHECK_F(Nudges, CountInWholeNumbersModuloAThousand,
+        "Whatever a companion holds in parameter 89, the nudge counts on in whole numbers below a "
+        "thousand.") {
+  Host& host = StartHost();
+  auto& companion = host.AddCompanion(TheLayer(), "A");
+  auto& renderer = host.AddRenderer(TheLayer());
+  const double cases[][2] = {{999, 0},
+                             {5, 6},
+                             {3.7, 4},
+                             {-5, -4},
+                             {-1.5, 0},
+                             {-2001, 0},
+                             {-1502, -501},
+                             {1e300, 647},
+                             {-1e9, -999},
+                             {-1e300, -648},
+                             {std::numeric_limits<double>::quiet_NaN(), 0}};
+  for (const auto& [before, after] : cases) {
+    companion.parameters[standin::kNudgeParameter].SetValue(before);
+    ASSERT_TRUE(host.SetParameter(renderer, 1, 2.5).Ok());
+    EXPECT_EQ(companion.NudgeCounter(), after) << before;
+  }
+}
+
+CHECK_F(Idle, SwitchesHiddenOnInOneNamelessUndoGroup,
+        "The first idle call after a set-up switches \"Hidden\" on in every instance, as one undo "
+        "step.") {
+  Host& host = StartHost();
+  auto& below = host.project.ActiveComposition()->AddLayer("Below", 10, 10);
+  auto& renderer = host.AddRenderer(TheLayer());
+  auto& other = host.AddRenderer(below);
+  other.active = false;  // switched off counts too
+  ASSERT_EQ(host.Idle(), A_Err_NONE);
+  EXPECT_EQ(ValueOf(renderer, check::kHidden), 1);
+  EXPECT_EQ(ValueOf(other, check::kHidden), 1);
+  EXPECT_EQ(host.UndoGroups(), std::vector<std::string>{""});
+  ASSERT_EQ(host.Changes().size(), 2U);
+  EXPECT_TRUE(host.Changes()[0].inUndoGroup && host.Changes()[1].inUndoGroup);
+
+  // Quiet until the next set-up; then what is on already is not written again.
+  const auto calls = host.gate.Calls();
+  ASSERT_EQ(host.Idle(), A_Err_NONE);
+  EXPECT_EQ(host.gate.Calls(), calls);
+  auto& third = host.AddRenderer(TheLayer());
+  ASSERT_EQ(host.Idle(), A_Err_NONE);
+  EXPECT_EQ(ValueOf(third, check::kHidden), 1);
+  EXPECT_EQ(host.Changes().size(), 3U);
+}
+
+CHECK_F(Idle, WorkIsNotRetriedWithoutAComposition,
+        "Where no composition is active, the idle work is done with.") {
+  for (const int what : {0, 1, 2}) {
+    Host& host = StartHost();
+    auto& renderer = host.AddRenderer(TheLayer());
+    auto* const composition = host.project.ActiveComposition();
+    if (what == 0) host.project.ActivateNothing();
+    if (what == 1) host.project.ActivateFootage();
+    if (what == 2) host.project.open = false;
+    EXPECT_EQ(host.Idle(), A_Err_NONE) << what;
+    host.project.open = true;
+    host.project.Activate(*composition);
+    EXPECT_EQ(host.Idle(), A_Err_NONE);
+    EXPECT_EQ(ValueOf(renderer, check::kHidden), 0) << what;
+    EndHost();
+  }
+}
+
+/// Errors inside a quiet section count only as far as its end says so; the counter goes on.
+CHECK_F(Idle, ErrorsEndWithTheirQuietSection,
+        "Errors in idle time count as far as the end of their quiet section says so, and the work "
+        "is not repeated.") {
+  const struct {
+    const char* operation;
+    std::uint64_t occurrence;
+    A_Err expected;
+  } cases[] = {
+      {"AEGP_GetNumProjects", 1, 71}, {"AEGP_GetActiveItem", 1, 0},
+      {"AEGP_GetItemType", 1, 0},     {"AEGP_GetCompFromItem", 1, 0},
+      {"AEGP_EndQuietErrors", 1, 71}, {"AEGP_GetCompNumLayers", 1, 0},
+      {"AEGP_StartUndoGroup", 1, 0},  {"AEGP_GetNewStreamValue", 1, 0},
+      {"AEGP_SetStreamValue", 1, 0},  {"AEGP_EndUndoGroup", 1, 0},
+      {"AEGP_EndQuietErrors", 2, 71}, {"AcquireSuite", 1, PF_Err_BAD_CALLBACK_PARAM},
+  };
+  for (const auto& [operation, occurrence, expected] : cases) {
+    Host& host = StartHost();
+    host.AddRenderer(TheLayer());
+    host.gate.FailOperation(operation, occurrence, {.code = 71});
+    EXPECT_EQ(host.Idle(), expected) << operation;
+    EXPECT_EQ(host.gate.Injected(operation), 1U) << operation;
+    const auto calls = host.gate.Calls();
+    EXPECT_EQ(host.Idle(), A_Err_NONE) << operation;
+    EXPECT_EQ(host.gate.Calls(), calls) << operation;
+    EndHost();
+  }
+}
+
+}  // namespace

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <vector>
+
+#include "standin/host.h"
+
+namespace check {
+
+/// Companions whose pieces lie on one another in colours of their own, so that frames tell which
+/// one the plug-in takes for which bone: whoever's slider is moved to the front is seen.
+class BoneNumbers {
+ public:
+  /// The colour that stands for a companion, by a number of 1 to 250 of the caller's choice.
+  static standin::Rgba ColourOf(int companion);
+  /// Gives the companion one piece and an image in its colour, all over a small square.
+  static void Dress(standin::Companion& companion, int number);
+  /// The numbers of the companions that are seen as bone 1, bone 2 …, as many as are asked for;
+  /// 0 where nobody is. The sliders of those bones are 0 afterwards. REQUIRES: at most 25.
+  static std::vector<int> Seen(standin::Host& host, standin::RendererInstance& renderer, int bones);
+};
+
+}  // namespace check

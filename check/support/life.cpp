@@ -1,0 +1,121 @@
+#include "check/support/life.h"
+
+#include "check/support/parameters.h"
+#include "check/support/pieces.h"
+#include "check/support/plugin_under_check.h"
+#include "check/support/settings.h"
+
+namespace check {
+namespace {
+
+using standin::CommandResult;
+using standin::Companion;
+using standin::Layer;
+using standin::RendererInstance;
+
+constexpr int kSide = 48;  // small pictures: what counts are the calls
+constexpr Box kArea{.left = 0, .top = 0, .width = kSide, .height = kSide};
+/// Wider than any render target that the plug-in makes: drawn in two tiles.
+constexpr standin::FrameExtent kTiled{.command = {}, .width = 4100, .height = 8};
+
+void AddBone(standin::Host& host, Layer& layer, std::uint32_t seed) {
+  Companion& bone = host.AddCompanion(layer, "Bone " + std::to_string(seed));
+  bone.imageA.Set(Pattern(8, 6, seed));
+  bone.imageB.Set(Pattern(5, 7, seed + 50));
+  bone.pieces = WarpedPieces(seed, 2, kArea, 8, 6);
+  bone.pieces.push_back(WarpedPieces(seed + 50, 1, kArea, 5, 7, TARVO_IMAGE_B).front());
+}
+
+}  // namespace
+
+Life::Life() : host(PluginUnderCheck()) {}
+
+template <typename Action>
+void Life::Do(const std::string& name, Action action) {
+  host.gate.ClearLog();
+  const std::uint64_t before = host.gate.Injected();
+  Step step{.name = name, .result = action(), .injected = {}};
+  if (host.gate.Injected() != before) {
+    for (const standin::CallRecord& call : host.gate.Log()) {
+      if (call.injected) step.injected.push_back(call);
+    }
+  }
+  steps.push_back(std::move(step));
+}
+
+void Life::BuildStacks() {
+  standin::Composition& composition = host.project.AddComposition("Stage");
+  host.project.Activate(composition);
+  puppet_ = &composition.AddLayer("Puppet", kSide, kSide);
+  other_ = &composition.AddLayer("Other", kSide, kSide);
+  AddBone(host, *puppet_, 1);
+  host.AddEffect(*puppet_, "Glow");
+  AddBone(host, *puppet_, 2);
+  AddBone(host, *other_, 3);
+}
+
+void Life::SendAll() {
+  for (RendererInstance* renderer : {renderers_.front(), renderers_.back()}) {
+    for (const auto& effect : renderer->OnLayer().effects) {
+      auto* bone = dynamic_cast<Companion*>(effect.get());
+      if (bone == nullptr) continue;
+      bone->SendImagesAgain();
+      Do("send " + bone->groupName, [&] { return host.Send(*bone, *renderer).command; });
+    }
+  }
+}
+
+void Life::Picture(const std::string& name) {
+  Do("render " + name, [&] { return host.Render(*renderers_.front()).command; });
+}
+
+void Life::Begin() {
+  Do("global setup", [&] { return host.GlobalSetup(); });
+  if (!steps.back().result.Ok()) return;  // a host gives up here
+  TheSettings().afterGlobalSetup();
+  Do("parameters", [&] { return host.ParamsSetup(); });
+  if (!steps.back().result.Ok()) return;
+  BuildStacks();
+  for (Layer* layer : {puppet_, other_}) {
+    Do("apply", [&] {
+      renderers_.push_back(&host.AddRenderer(*layer));
+      return renderers_.back()->setup;
+    });
+  }
+  Do("duplicate", [&] {
+    renderers_.push_front(&host.Duplicate(*renderers_.front()));
+    return renderers_.front()->setup;
+  });
+  Do("reopen", [&] {
+    host.SaveAndReopen();
+    for (const RendererInstance* renderer : renderers_) {
+      if (!renderer->setup.Ok()) return renderer->setup;
+    }
+    return CommandResult{};
+  });
+  RendererInstance& renderer = *renderers_.front();
+  Do("idle", [&] {
+    CommandResult result;
+    result.code = host.Idle();
+    return result;
+  });
+  Do("labels", [&] { return host.UpdateParamsUi(renderer); });
+  SendAll();
+  Do("depth", [&] { return host.SetParameter(renderer, StartZ(1), -2); });
+  Do("update", [&] { return host.SetParameter(renderer, kUpdater, 2); });
+  Picture("fast");
+  Do("exact", [&] { return host.SetParameter(renderer, kFastTransparency, 0); });
+  SendAll();
+  Picture("exact");
+  Do("render in tiles", [&] { return host.RenderInto(renderer, kTiled).command; });
+  Do("about", [&] { return host.About(); });
+}
+
+void Life::End() {
+  for (RendererInstance* renderer : renderers_) {
+    Do("remove", [&] { return host.Remove(*renderer); });
+  }
+  Do("global setdown", [&] { return host.GlobalSetdown(); });
+}
+
+}  // namespace check

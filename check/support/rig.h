@@ -1,0 +1,74 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "check/support/plugin_under_check.h"
+#include "standin/companion.h"
+#include "standin/host.h"
+#include "standin/overlap_picture.h"
+
+namespace check {
+
+/// Ends the host's business with nothing failing any more, and expects that it was in order:
+/// nothing leaked, and no misuse noted but what `isExcused` accepts.
+void ExpectBalanced(
+    standin::Host& host, const std::function<bool(const std::string& misuse)>& isExcused =
+                             [](const auto&) { return false; });
+
+/// A host with the plug-in applied to one layer, at the top of its stack; a small language for
+/// tests:
+///
+///     Rig rig(entryPoint);
+///     rig.AddBone(image, pieces);
+///     rig.SetDepth(1, 0, -3);
+///     rig.Send();
+///     EXPECT_EQ(rig.Render().picture, …);
+///
+/// What should go well is expected to, here.
+class Rig {
+ public:
+  explicit Rig(PF_EntryPoint entryPoint, standin::HostOptions options = {});
+
+  /// Another companion, at the bottom of the stack unless told otherwise.
+  standin::Companion& AddBone(const standin::Picture& image, std::vector<PieceQuad> pieces,
+                              int position = -1);
+  /// Start Z and end Z of a bone, counted from 1.
+  void SetDepth(int bone, double start, double end);
+  /// "Fast transparency" on or off.
+  void SetFast(bool fast);
+  /// Every active companion sends what it holds.
+  void Send();
+  /// Renders, and expects success.
+  standin::RenderResult Render(const standin::FrameRequest& request = {});
+
+  /// What the stand-in's own model makes of the companions that are active now, in a frame of the
+  /// picture's size and origin. Images and opacities are those that the companions hold. Where an
+  /// effect before this one has grown the layer, the request says by how much.
+  [[nodiscard]] standin::OverlapPicture Expected(const standin::Picture& like,
+                                                 const standin::FrameRequest& request = {}) const;
+  /// The active companions, from the top of the stack.
+  [[nodiscard]] std::vector<standin::Companion*> ActiveCompanions() const;
+
+  standin::Host host;
+  standin::Layer& layer;
+  standin::RendererInstance& renderer;
+
+ private:
+  /// Starts the plug-in and makes the layer.
+  standin::Layer& SetTheScene();
+};
+
+/// A test with one rig whose books are held against reality at its end, whatever it did.
+class RigTest : public ::testing::Test {
+ protected:
+  explicit RigTest(PF_EntryPoint entryPoint = PluginUnderCheck()) : rig(entryPoint) {}
+  void TearDown() override { ExpectBalanced(rig.host); }
+
+  Rig rig;
+};
+
+}  // namespace check

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+
+namespace check {
+
+/// What the user chose for all checks of a run.
+struct Settings {
+  /// Cases that draw lots start from it: the same seed gives the same lots.
+  std::uint32_t seed = 1;
+  /// Long lives are lived in full length, which takes minutes.
+  bool isLong = false;
+  /// Lives with failures are lived for every host call, not for some.
+  bool failsEveryCall = false;
+  /// Called in the middle of lives, once the plug-in is set up. Where the plug-in is linked in, it
+  /// may be given a small render target: thousands of large ones take minutes to clear.
+  std::function<void()> afterGlobalSetup = [] {};
+  /// Counts the names that the plug-in holds in its OpenGL context, which a host cannot; empty
+  /// where the plug-in is not linked in.
+  std::function<double()> glNames;
+};
+
+/// The settings of this process.
+inline Settings& TheSettings() {
+  static Settings settings;
+  return settings;
+}
+
+}  // namespace check

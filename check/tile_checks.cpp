@@ -1,0 +1,44 @@
+// Outputs larger than the render target are drawn in tiles; nobody must be able to tell.
+
+#include <cstdint>
+#include <vector>
+
+#include "check/support/pieces.h"
+#include "check/support/promise.h"
+#include "check/support/rig.h"
+#include "standin/compare.h"
+
+namespace {
+
+using check::Box;
+using check::WarpedPieces;
+using standin::Picture;
+using Tiles = check::RigTest;
+
+/// Wider than any target that the plug-in makes for itself: 4096 pixels.
+CHECK_F(Tiles, OfABannerAreWhatTheModelDraws,
+        "An output wider than any render target is drawn as if it were one.") {
+  for (std::uint32_t bone = 0; bone < 3; ++bone) {
+    std::vector<PieceQuad> pieces;
+    for (int i = 0; i < 24; ++i) {
+      const Box area{.left = 180.0 * i, .top = 0, .width = 220, .height = 60};
+      pieces.push_back(
+          WarpedPieces(700 + bone * 100 + static_cast<std::uint32_t>(i), 1, area, 64, 48).front());
+    }
+    // One across the place where the first tile ends.
+    pieces.push_back(check::Piece({.left = 3700, .top = 5.0 + 8 * bone, .width = 500, .height = 30},
+                                  {.left = 3, .top = 3, .width = 58, .height = 42}, 0.5));
+    rig.AddBone(check::Pattern(64, 48, 31 + bone, 220), pieces);
+  }
+  rig.Send();
+  for (const bool exact : {false, true}) {
+    rig.SetFast(!exact);
+    const Picture picture = rig.Render().picture;
+    ASSERT_GT(picture.width, 4096);
+    const auto expected = rig.Expected(picture);
+    const auto comparison = standin::Compare(picture, expected.picture, 2, expected.decided);
+    EXPECT_LE(comparison.beyond, exact ? comparison.compared / 20'000 : 0);
+  }
+}
+
+}  // namespace

@@ -1,0 +1,64 @@
+// Two versions of the plug-in installed side by side are two files in one process.
+
+#include <filesystem>
+#include <optional>
+#include <random>
+#include <string>
+
+#include "check/support/pieces.h"
+#include "check/support/promise.h"
+#include "check/support/rig.h"
+#include "standin/plugin_library.h"
+
+namespace {
+
+using check::Rig;
+
+/// A library of its own: a copy of the installed file under another name.
+class OtherFile {
+ public:
+  ~OtherFile() { std::filesystem::remove(path_); }
+
+  [[nodiscard]] std::string Path() const { return path_.string(); }
+
+ private:
+  static std::filesystem::path Copy() {
+    std::filesystem::path path = std::filesystem::path(testing::TempDir()) /
+                                 ("other-" + std::to_string(std::random_device{}()) + ".aex");
+    std::filesystem::copy_file(check::PluginFile(), path);
+    return path;
+  }
+
+  const std::filesystem::path path_ = Copy();
+};
+
+standin::Picture Draw(Rig& rig, unsigned seed) {
+  rig.AddBone(check::Pattern(64, 64, seed),
+              {check::Piece({20, 20, 120, 100}, {1, 1, 63, 63}, 0.5)});
+  rig.Send();
+  return rig.Render().picture;
+}
+
+CHECK(TwoLibraries, StartRenderAndStopWithoutMeeting,
+      "Two files of the plug-in in one process draw and end without meeting.") {
+  if (check::PluginFile().empty()) GTEST_SKIP() << "the plug-in is linked in: there is one";
+  const OtherFile file;
+  const standin::PluginLibrary other(file.Path());
+  ASSERT_NE(other.EntryPoint(), check::PluginUnderCheck());
+  Rig alone(check::PluginUnderCheck());
+  const standin::Picture expected = Draw(alone, 1);
+  const standin::Picture expectedOther = Draw(alone, 2);
+  check::ExpectBalanced(alone.host);
+
+  std::optional<Rig> first(check::PluginUnderCheck());
+  Rig second(other.EntryPoint());
+  EXPECT_EQ(Draw(*first, 1), expected);
+  Draw(second, 1);
+  EXPECT_EQ(Draw(second, 2), expectedOther);
+  // One goes, and the other draws on.
+  check::ExpectBalanced(first->host);
+  EXPECT_EQ(second.Render().picture, expectedOther);
+  check::ExpectBalanced(second.host);
+}
+
+}  // namespace

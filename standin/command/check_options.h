@@ -1,0 +1,37 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <CLI/CLI.hpp>
+
+namespace standin {
+
+/// What `tarvo check` takes from its command line.
+struct CheckOptions {
+  std::string plugin;  ///< empty: the one beside this program
+  std::vector<std::string> only;
+  int jobs = 1;
+  double timeLimit = 120;  ///< seconds, for one check
+  std::optional<unsigned> seed;
+  bool isLong = false;
+  bool list = false;
+  bool inProcess = false;
+  bool trace = false;
+  bool json = false;
+  std::string junit;
+  /// One line of JSON for each result: how a process that runs a check tells the one that started
+  /// it.
+  bool report = false;
+};
+
+/// Adds them to a command. REQUIRES: `options` outlives the parsing.
+void AddCheckOptions(CLI::App& command, CheckOptions& options);
+
+/// The words of a command line, less the program's name, that runs one check, or none, in its own
+/// process and reports.
+std::vector<std::string> ReportingCommandLine(const CheckOptions& options,
+                                              const std::string& check);
+
+}  // namespace standin

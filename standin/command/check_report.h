@@ -1,0 +1,40 @@
+#pragma once
+
+#include <iosfwd>
+#include <string>
+#include <vector>
+
+#include "check/result.h"
+#include "standin/command/command.h"
+
+namespace standin {
+
+/// The results of a run and what is said of them.
+class CheckReport {
+ public:
+  /// Every result is written as text to `out` as soon as it is there, unless `json` asks for all of
+  /// it at the end.
+  CheckReport(std::string plugin, unsigned seed, bool json, const Console& console)
+      : plugin_(std::move(plugin)), seed_(seed), json_(json), console_(console) {}
+
+  void Take(const check::Result& result);
+
+  /// Says what it comes to: "sound: 97 checks passed, 2 skipped"; the exit code that agrees.
+  int End() const;
+  /// The results in JUnit's form.
+  [[nodiscard]] std::string JUnit() const;
+
+ private:
+  [[nodiscard]] std::size_t Count(check::Verdict verdict) const;
+  [[nodiscard]] bool IsSound() const;
+  [[nodiscard]] std::string Verdict() const;
+  [[nodiscard]] std::string Json() const;
+
+  std::string plugin_;
+  unsigned seed_;
+  bool json_;
+  const Console& console_;
+  std::vector<check::Result> results_;
+};
+
+}  // namespace standin

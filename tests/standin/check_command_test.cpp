@@ -1,0 +1,76 @@
+// `tarvo check`: that its last line, its exit code and its files tell the same, and the truth.
+
+#include <string>
+
+#include <nlohmann/json.hpp>
+
+#include "tests/standin/command_fixture.h"
+
+namespace {
+
+constexpr const char* kOneCheck = " --only Commands.AboutTellsNameAndVersion";
+
+class CheckCommand : public CommandTest {
+ protected:
+  static std::string LastLine(const std::string& text) {
+    const std::size_t start = text.rfind('\n', text.size() - 2);
+    return text.substr(start + 1, text.size() - start - 2);
+  }
+};
+
+TEST_F(CheckCommand, EndsWithAVerdictThatAgreesWithTheExitCode) {
+  const struct {
+    std::string arguments;
+    int code;
+    std::string lastLine;
+  } cases[] = {
+      {Quoted(TARVO_PLUGIN) + kOneCheck, 0, "sound: 1 check passed, 0 skipped"},
+      {kOneCheck + std::string(" --in-process"), 0, "sound: 1 check passed, 0 skipped"},
+      {Quoted(TARVO_FAILING_PLUGIN) + kOneCheck, 1, "not sound: 1 failed"},
+      {Quoted(TARVO_FAILING_PLUGIN) + kOneCheck + " --in-process", 1, "not sound: 1 failed"},
+  };
+  for (const auto& [arguments, code, lastLine] : cases) {
+    const Outcome outcome = Run("check " + arguments);
+    EXPECT_EQ(outcome.code, code) << arguments << outcome.err;
+    EXPECT_EQ(LastLine(outcome.out), lastLine) << arguments;
+  }
+  for (const std::string mode : {"", " --in-process"}) {
+    const std::string entryless = "check " + Quoted(TARVO_ENTRYLESS_PLUGIN) + mode;
+    ExpectFailure(entryless, 4, "cannot be loaded: the library ");
+    ExpectFailure("check no-such-file" + mode, 4, "cannot be loaded: cannot load the plug-in ");
+  }
+  ExpectFailure("check --only NoSuchCheck", 2, "--list");
+  ExpectFailure("check --jobs 0", 2, "--jobs");
+}
+
+TEST_F(CheckCommand, TellsTheSameInJsonAndJUnit) {
+  const std::string arguments = "check " + Quoted(TARVO_FAILING_PLUGIN) +
+                                " --only Parameters.* --seed 7 --json --junit " +
+                                Quoted(File("checks.xml"));
+  const Outcome outcome = Run(arguments);
+  EXPECT_EQ(outcome.code, 1);
+  EXPECT_EQ(LastLine(outcome.err), "not sound: 2 failed");
+  const auto json = nlohmann::json::parse(outcome.out);
+  EXPECT_EQ(json.at("sound"), false);
+  EXPECT_EQ(json.at("verdict"), "not sound: 2 failed");
+  EXPECT_EQ(json.at("seed"), 7);
+  const std::string junit = TextOf(standin::ReadWholeFile(File("checks.xml")));
+  EXPECT_NE(junit.find("tests=\"2\" failures=\"2\" errors=\"0\""), std::string::npos) << junit;
+  for (const auto& check : json.at("checks")) {
+    EXPECT_EQ(check.at("result"), "failed");
+    EXPECT_FALSE(check.at("promise").get<std::string>().empty());
+    const std::string name = check.at("name").get<std::string>().substr(11);
+    EXPECT_NE(junit.find("name=\"" + name + "\""), std::string::npos) << name;
+  }
+}
+
+TEST_F(CheckCommand, ListsNamesAndPromises) {
+  const Outcome outcome = Run("check --list");
+  EXPECT_EQ(outcome.code, 0);
+  EXPECT_NE(outcome.out.find("Commands.AboutTellsNameAndVersion\n    About tells"),
+            std::string::npos);
+  EXPECT_NE(Run(std::string("check --trace") + kOneCheck).err.find("> PF_Cmd_ABOUT"),
+            std::string::npos);
+}
+
+}  // namespace
