@@ -1,5 +1,8 @@
-#include <psapi.h>
+// The second needs what the first declares.
+// clang-format off
 #include <windows.h>
+#include <psapi.h>
+// clang-format on
 
 #include "check/support/usage.h"
 

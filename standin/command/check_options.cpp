@@ -6,14 +6,14 @@
 namespace standin {
 namespace {
 
-constexpr int kMostJobs = 256;
+constexpr int kMostAtOnce = 256;
 constexpr double kLongestTimeLimit = 86'400;
 constexpr unsigned kHighestSeed = 4'294'967'295U;
 
 }  // namespace
 
 void AddCheckOptions(CLI::App& command, CheckOptions& options) {
-  options.jobs = std::clamp(static_cast<int>(std::thread::hardware_concurrency()), 1, kMostJobs);
+  options.jobs = std::clamp(static_cast<int>(std::thread::hardware_concurrency()), 1, kMostAtOnce);
   command
       .add_option("plugin,--plugin", options.plugin,
                   "The build to be checked; the one beside this program otherwise")
@@ -25,7 +25,7 @@ void AddCheckOptions(CLI::App& command, CheckOptions& options) {
       ->allow_extra_args(false);
   command.add_option("--jobs", options.jobs, "Checks that run at once; as many as there are cores")
       ->type_name("N")
-      ->check(CLI::Range(1, kMostJobs));
+      ->check(CLI::Range(1, kMostAtOnce));
   command.add_option("--time-limit", options.timeLimit, "What one check may take; 120 otherwise")
       ->type_name("SECONDS")
       ->check(CLI::Range(0.01, kLongestTimeLimit));

@@ -10,8 +10,8 @@
 #include <gtest/gtest.h>
 #include <window_system.h>
 
-#include "standin/host.h"
 #include "check/support/rig.h"
+#include "standin/host.h"
 
 /// \file
 /// What hosts and the Explorer read from the plug-in's file without calling it.
