@@ -15,8 +15,6 @@ using standin::RendererInstance;
 
 constexpr int kSide = 48;  // small pictures: what counts are the calls
 constexpr Box kArea{.left = 0, .top = 0, .width = kSide, .height = kSide};
-/// Wider than any render target that the plug-in makes: drawn in two tiles.
-constexpr standin::FrameExtent kTiled{.command = {}, .width = 4100, .height = 8};
 
 void AddBone(standin::Host& host, Layer& layer, std::uint32_t seed) {
   Companion& bone = host.AddCompanion(layer, "Bone " + std::to_string(seed));
@@ -107,7 +105,9 @@ void Life::Begin() {
   Do("exact", [&] { return host.SetParameter(renderer, kFastTransparency, 0); });
   SendAll();
   Picture("exact");
-  Do("render in tiles", [&] { return host.RenderInto(renderer, kTiled).command; });
+  const standin::FrameExtent wide{
+      .command = {}, .width = TheSettings().tiledWidth, .height = kSide};
+  Do("render in tiles", [&] { return host.RenderInto(renderer, wide).command; });
   Do("about", [&] { return host.About(); });
 }
 

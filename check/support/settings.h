@@ -16,6 +16,8 @@ struct Settings {
   /// Called in the middle of lives, once the plug-in is set up. Where the plug-in is linked in, it
   /// may be given a small render target: thousands of large ones take minutes to clear.
   std::function<void()> afterGlobalSetup = [] {};
+  /// Width in pixels of an output that no render target holds.
+  int tiledWidth = 4100;
   /// Counts the names that the plug-in holds in its OpenGL context, which a host cannot; empty
   /// where the plug-in is not linked in.
   std::function<double()> glNames;

@@ -1,25 +1,16 @@
 #include "check/support/usage.h"
 
+#include <algorithm>
 #include <cstddef>
 
 namespace check {
 
 double Slope::PerStep() const {
-  const std::size_t first = values_.size() / 2;
-  const auto count = static_cast<double>(values_.size() - first);
-  if (count < 2) return 0;
-  double x = 0;
-  double y = 0;
-  double xx = 0;
-  double xy = 0;
-  for (std::size_t i = first; i < values_.size(); ++i) {
-    const auto at = static_cast<double>(i);
-    x += at;
-    y += values_[i];
-    xx += at * at;
-    xy += at * values_[i];
-  }
-  return (count * xy - x * y) / (count * xx - x * x);
+  const auto quarter = static_cast<std::ptrdiff_t>(values_.size() / 4);
+  if (quarter == 0) return 0;
+  const double before = *std::min_element(values_.end() - 2 * quarter, values_.end() - quarter);
+  const double after = *std::min_element(values_.end() - quarter, values_.end());
+  return (after - before) / static_cast<double>(quarter);
 }
 
 }  // namespace check

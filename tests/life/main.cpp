@@ -11,15 +11,17 @@ namespace {
 using AESDK_OpenGL::AESDK_OpenGL_MakeCurrent;
 using AESDK_OpenGL::gState;
 
-/// The lowest name that is free in the plug-in's context: OpenGL gives that one first.
-double GlNames() {
+/// Textures of the plug-in's context. OpenGL gives names in their order, freed ones not again.
+double CountTextures() {
   AESDK_OpenGL::AESDK_OpenGL_SaveCurrentContext(gState);
   AESDK_OpenGL_MakeCurrent(gState.deviceContext, gState.renderContext);
-  GLuint name = 0;
-  glGenTextures(1, &name);
-  glDeleteTextures(1, &name);
+  GLuint next = 0;
+  glGenTextures(1, &next);
+  glDeleteTextures(1, &next);
+  double count = 0;
+  for (GLuint name = 1; name < next; ++name) count += glIsTexture(name) == GL_TRUE ? 1 : 0;
   AESDK_OpenGL_MakeCurrent(gState.savedDeviceContext, gState.savedRenderContext);
-  return name;
+  return count;
 }
 
 }  // namespace
@@ -29,7 +31,8 @@ int main(int argc, char** argv) {
   testing::InitGoogleTest(&argc, argv);
   check::UseEntryPoint(EntryPointFunc);
   check::TheSettings().failsEveryCall = true;
-  check::TheSettings().glNames = GlNames;
+  check::TheSettings().tiledWidth = 2 * kSide - 10;
+  check::TheSettings().glNames = CountTextures;
   check::TheSettings().afterGlobalSetup = [] { check::ResizeRenderTarget(kSide, kSide); };
   return RUN_ALL_TESTS();
 }
