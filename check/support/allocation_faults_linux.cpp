@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <cstdlib>
@@ -77,39 +78,55 @@ struct Plan {
 /// Of this thread alone: other threads are OpenGL's.
 thread_local Plan gPlan;
 
-/// True iff the plug-in asks for the memory, be it through the C++ library.
-bool PluginAsks() {
-  std::array<void*, 12> stack{};
+/// True iff the plug-in asks for the memory, be it through the C++ library. `asker` is the address
+/// to which the operator returns.
+bool PluginAsks(const void* asker) {
+  std::array<void*, 16> stack{};
   const int depth = backtrace(stack.data(), static_cast<int>(stack.size()));
-  for (int i = 2; i < depth; ++i) {  // 0 and 1 are this file's
-    const void* const address = stack.at(static_cast<std::size_t>(i));
-    if (!gPlan.cppLibrary.Holds(address)) return gPlan.plugin.Holds(address);
-  }
-  return false;
+  const auto end = stack.begin() + depth;
+  const auto first = std::find(stack.begin(), end, asker);
+  const auto outside = std::find_if(
+      first, end, [](const void* address) { return !gPlan.cppLibrary.Holds(address); });
+  return outside != end && gPlan.plugin.Holds(*outside);
 }
 
-/// Counts one allocation; true iff it is to fail. Not inlined: PluginAsks counts the frames.
-[[gnu::noinline]] bool IsDue() {
-  if (!PluginAsks()) return false;
-  if (--gPlan.left != 0) return false;
+/// Counts one allocation; true iff it is to fail.
+bool IsDue(const void* asker) {
+  if (!PluginAsks(asker) || --gPlan.left != 0) return false;
   gPlan.isOn = false;
   gPlan.fired = true;
   return true;
 }
 
-}  // namespace
-
-// The program's own operators, which the files that it loads use too.
-
-[[gnu::noinline]] void* operator new(std::size_t size) {
-  if (gPlan.isOn && IsDue()) throw std::bad_alloc();
+void* Allocate(std::size_t size, const void* asker) {
+  if (gPlan.isOn && IsDue(asker)) throw std::bad_alloc();
   void* const memory = std::malloc(size == 0 ? 1 : size);
   if (memory == nullptr) throw std::bad_alloc();
   return memory;
 }
 
+}  // namespace
+
+// The program's own operators, which the files that it loads use too. All of a kind are here: where
+// a sanitizer brings the others, what one gave would come back to another.
+
+void* operator new(std::size_t size) { return Allocate(size, __builtin_return_address(0)); }
+void* operator new[](std::size_t size) { return Allocate(size, __builtin_return_address(0)); }
+
+void* operator new(std::size_t size, const std::nothrow_t& /*tag*/) noexcept {
+  return std::malloc(size == 0 ? 1 : size);  // the plug-in has no use for it
+}
+
+void* operator new[](std::size_t size, const std::nothrow_t& tag) noexcept {
+  return operator new(size, tag);
+}
+
 void operator delete(void* memory) noexcept { std::free(memory); }
+void operator delete[](void* memory) noexcept { std::free(memory); }
 void operator delete(void* memory, std::size_t /*size*/) noexcept { std::free(memory); }
+void operator delete[](void* memory, std::size_t /*size*/) noexcept { std::free(memory); }
+void operator delete(void* memory, const std::nothrow_t& /*tag*/) noexcept { std::free(memory); }
+void operator delete[](void* memory, const std::nothrow_t& /*tag*/) noexcept { std::free(memory); }
 
 namespace check {
 
