@@ -18,11 +18,16 @@ constexpr check::Verdict kVerdicts[] = {check::Verdict::kFailed, check::Verdict:
                                         check::Verdict::kSkipped};
 
 std::string Indented(const std::string& text) {
-  std::string lines = "    ";
+  constexpr const char* kIndent = "    ";
+  std::string lines = kIndent;
   for (const char letter : text) {
-    lines += letter == '\n' ? "\n    " : std::string(1, letter);
+    lines += letter;
+    if (letter == '\n') {
+      lines += kIndent;
+    }
   }
-  return lines + "\n";
+  lines += '\n';
+  return lines;
 }
 
 std::string TextOf(const Result& result) {
@@ -160,7 +165,7 @@ int CheckReport::End() const {
 }
 
 std::string CheckReport::JUnit() const {
-  const auto counted = [this](const char* what, std::size_t count) {
+  const auto counted = [](const char* what, std::size_t count) {
     return " " + std::string(what) + "=\"" + std::to_string(count) + "\"";
   };
   std::string text =

@@ -20,7 +20,7 @@ class CheckReport {
   void Take(const check::Result& result);
 
   /// Says what it comes to: "sound: 97 checks passed, 2 skipped"; the exit code that agrees.
-  int End() const;
+  [[nodiscard]] int End() const;
   /// The results in JUnit's form.
   [[nodiscard]] std::string JUnit() const;
 
