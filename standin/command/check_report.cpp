@@ -41,7 +41,7 @@ std::string TextOf(const Result& result) {
     text << Indented(message);
   }
   for (const auto& [what, figure] : result.figures) {
-    text << Indented(what + ": " + figure);
+    text << "    " << what << ": " << figure << '\n';
   }
   return text.str();
 }
