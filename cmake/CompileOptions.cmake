@@ -33,7 +33,7 @@ set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bin)
 set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bin)
 
-# Compiles a target's sources in groups of so many, unless a preset joins them all: where large
+# Compiles a target's sources in groups of so many, unless a preset says how many: where large
 # headers of libraries take most of the time, or would be compiled over and over.
 function(join_sources target size)
   if(NOT DEFINED CMAKE_UNITY_BUILD_BATCH_SIZE)
