@@ -68,7 +68,7 @@ void CreateContext(AESDK_OpenGL_State& state) {
 }
 
 void DeleteShaderObjects(const AESDK_OpenGL_State& state) {
-  if (state.renderContext == nullptr || gEntryPoints.glDeleteObjectARB == nullptr) return;
+  if (!MayCallEntryPoints(state)) return;  // the context takes its objects with it
   gEntryPoints.glDeleteObjectARB(state.vertexShader);
   gEntryPoints.glDeleteObjectARB(state.fragmentShader);
   gEntryPoints.glDeleteObjectARB(state.program);
@@ -99,8 +99,9 @@ void DestroyHiddenWindow(AESDK_OpenGL_State& state) {
 AESDK_OpenGL_Err AESDK_OpenGL_StartUp(AESDK_OpenGL_State& state,
                                       const AESDK_OpenGL_LookUp& lookUp) {
   if (IsRunning(state)) return AESDK_OpenGL_Err_None;
-  // A start-up that failed has left a window, which this one would put out of reach.
-  if (state.window != nullptr) AESDK_OpenGL_ShutDown(state);
+  // A start-up that failed has left a class, perhaps with a window, which this one would put out of
+  // reach.
+  if (state.className.front() != '\0') AESDK_OpenGL_ShutDown(state);
   const AESDK_OpenGL_Err result = ResultOf([&] {
     RegisterWindowClass(state);
     CreateHiddenWindow(state);

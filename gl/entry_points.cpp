@@ -1,5 +1,6 @@
 #include "gl/entry_points.h"
 
+#include <cstdint>
 #include <cstring>
 #include <type_traits>
 
@@ -28,11 +29,19 @@ struct EntryPoint {
   bool (*store)(PROC address);
 };
 
+// Some drivers say 1, 2, 3 or -1 for "none".
+bool IsFunction(PROC address) {
+  const auto value = reinterpret_cast<std::intptr_t>(address);
+  return value < -1 || value > 3;
+}
+
 template <auto member>
 bool Store(PROC address) {
   auto& entryPoint = gEntryPoints.*member;
   using Pointer = std::remove_reference_t<decltype(entryPoint)>;
-  entryPoint = reinterpret_cast<Pointer>(reinterpret_cast<void (*)()>(address));
+  entryPoint = IsFunction(address)
+                   ? reinterpret_cast<Pointer>(reinterpret_cast<void (*)()>(address))
+                   : nullptr;
   return entryPoint != nullptr;
 }
 

@@ -21,9 +21,16 @@ inline void Require(bool condition, AESDK_OpenGL_Err code) {
 }
 
 /// Returns true iff start-up has completed and its context still exists: only then are there entry
-/// points to call and objects to name.
+/// points and objects.
 inline bool IsRunning(const AESDK_OpenGL_State& state) {
   return state.started && state.renderContext != nullptr;
+}
+
+/// Returns true iff the framework runs and its context is current: only then may an entry point be
+/// called. Their addresses lead straight into the driver, which need not look whether it has a
+/// context when the window system refused to make this one current.
+inline bool MayCallEntryPoints(const AESDK_OpenGL_State& state) {
+  return IsRunning(state) && wglGetCurrentContext() == state.renderContext;
 }
 
 }  // namespace AESDK_OpenGL

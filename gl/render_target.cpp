@@ -106,7 +106,7 @@ AESDK_OpenGL_Err AESDK_OpenGL_PrepareRenderTarget(AESDK_OpenGL_State& state, std
                                                   std::uint16_t height) {
   return ResultOf([&] {
     // Without entry points there is no target to make; binding it reports that.
-    if (!IsRunning(state)) return;
+    if (!MayCallEntryPoints(state)) return;
     if (width == 0) return Prepare(state, width, height);
     // A request beyond the limit, kept as it is, would find every target too small.
     Prepare(state, std::min(width, LargestTargetSide()), std::min(height, LargestTargetSide()));
@@ -115,7 +115,7 @@ AESDK_OpenGL_Err AESDK_OpenGL_PrepareRenderTarget(AESDK_OpenGL_State& state, std
 
 AESDK_OpenGL_Err AESDK_OpenGL_DeleteRenderTarget(AESDK_OpenGL_State& state) {
   return ResultOf([&] {
-    if (IsRunning(state)) {
+    if (MayCallEntryPoints(state)) {
       gEntryPoints.glDeleteFramebuffersEXT(1, &state.framebuffer);
       gEntryPoints.glDeleteRenderbuffersEXT(1, &state.depthRenderbuffer);
       gEntryPoints.glDeleteRenderbuffersEXT(1, &state.spareRenderbuffer);
@@ -130,7 +130,7 @@ AESDK_OpenGL_Err AESDK_OpenGL_DeleteRenderTarget(AESDK_OpenGL_State& state) {
 
 AESDK_OpenGL_Err AESDK_OpenGL_BindRenderTarget(const AESDK_OpenGL_State& state) {
   return ResultOf([&] {
-    Require(IsRunning(state), AESDK_OpenGL_Err_ResourceLoad);
+    Require(MayCallEntryPoints(state), AESDK_OpenGL_Err_ResourceLoad);
     gEntryPoints.glBindFramebufferEXT(GL_FRAMEBUFFER_EXT, state.framebuffer);
     glDrawBuffer(GL_COLOR_ATTACHMENT0_EXT);
     Require(AESDK_OpenGL_FramebufferStatusText() == "OK", AESDK_OpenGL_Err_ResourceLoad);

@@ -144,8 +144,9 @@ BOOL wglMakeCurrent(HDC deviceContext, HGLRC context) {
     return !nothingToRelease && Bind({}) ? TRUE : FALSE;
   }
   const std::optional<Drawable> drawable = DrawableOf(deviceContext);
-  const bool allowed = drawable && !gWindowSystemFaults.makeCurrentRefused;
-  if (allowed && Bind({*drawable, context})) return TRUE;
+  const auto refused = gWindowSystemFaults.makeCurrentRefused;
+  const bool allowed = refused == nullptr || !refused(context);
+  if (drawable && allowed && Bind({*drawable, context})) return TRUE;
   Bind({});
   return FALSE;
 }

@@ -17,15 +17,9 @@ class RefusedContext : public CleanProcess {
     gWindowSystemFaults = {};
     CleanProcess::TearDown();
   }
-};
 
-TEST_F(RefusedContext, GivesCodeOneAndTheNextStartUpWorks) {
-  using Faults = WindowSystemFaults;
-  for (const auto fault :
-       {&Faults::classRefused, &Faults::windowRefused, &Faults::deviceContextRefused,
-        &Faults::pixelFormatNotFound, &Faults::pixelFormatRefused, &Faults::contextRefused,
-        &Faults::makeCurrentRefused}) {
-    gWindowSystemFaults.*fault = true;
+  static void ExpectRefusal(const WindowSystemFaults& faults) {
+    gWindowSystemFaults = faults;
     EXPECT_EQ(AESDK_OpenGL_StartUp(gState), AESDK_OpenGL_Err_OSCalls);
     EXPECT_FALSE(gState.started);
     const AESDK_OpenGL_State failed = gState;
@@ -37,6 +31,29 @@ TEST_F(RefusedContext, GivesCodeOneAndTheNextStartUpWorks) {
     EXPECT_EQ(AESDK_OpenGL_StartUp(gState), AESDK_OpenGL_Err_None);
     EXPECT_EQ(AESDK_OpenGL_ShutDown(gState), AESDK_OpenGL_Err_None);
   }
+};
+
+TEST_F(RefusedContext, GivesCodeOneAndTheNextStartUpWorks) {
+  using Faults = WindowSystemFaults;
+  for (const auto fault :
+       {&Faults::classRefused, &Faults::windowRefused, &Faults::deviceContextRefused,
+        &Faults::pixelFormatNotFound, &Faults::pixelFormatRefused, &Faults::contextRefused}) {
+    WindowSystemFaults faults;
+    faults.*fault = true;
+    ExpectRefusal(faults);
+  }
+  ExpectRefusal({.makeCurrentRefused = [](HGLRC) { return true; }});
+}
+
+/// Without a shut-down between them, the second start-up gives back what the first one left.
+TEST_F(RefusedContext, LeavesNoClassToTheNextStartUp) {
+  gWindowSystemFaults.windowRefused = true;
+  EXPECT_EQ(AESDK_OpenGL_StartUp(gState), AESDK_OpenGL_Err_OSCalls);
+  const AESDK_OpenGL_State failed = gState;
+  gWindowSystemFaults = {};
+  EXPECT_EQ(AESDK_OpenGL_StartUp(gState), AESDK_OpenGL_Err_None);
+  EXPECT_FALSE(UnregisterClassA(failed.className.data(), nullptr)) << "was left registered";
+  EXPECT_EQ(AESDK_OpenGL_ShutDown(gState), AESDK_OpenGL_Err_None);
 }
 
 // A host that uses EGL itself and another API than OpenGL.

@@ -3,7 +3,9 @@
 
 #include <algorithm>
 #include <functional>
+#include <iostream>
 #include <string>
+#include <string_view>
 
 #include <window_system.h>
 
@@ -13,6 +15,32 @@
 #include "platform/linux/window_system_faults.h"
 
 namespace {
+
+/// Refuses one call of an operation, chosen by its number.
+class OneRefusal {
+ public:
+  /// The call after `before` others will be refused.
+  void Plan(int before) {
+    left_ = before;
+    happened_ = false;
+  }
+  void Cease() { left_ = -1; }
+  bool Happened() const { return happened_; }
+
+  /// Counts a call; true iff it is the one.
+  bool Now() {
+    if (left_ < 0) return false;
+    happened_ = left_-- == 0;
+    return happened_;
+  }
+
+ private:
+  int left_ = -1;
+  bool happened_ = false;
+};
+
+OneRefusal gMakeCurrent;   ///< of the plug-in's context: no context is current then
+OneRefusal gCompleteness;  ///< the framebuffer is said to be unsupported
 
 /// The largest render buffer that OpenGL claims to have, in pixels a side; 0 is the true one.
 GLint gLargest = 0;
@@ -53,8 +81,55 @@ namespace {
 using check::Life;
 using standin::LifeCycle;
 
+/// OpenGL's own entry points of the names below.
+AESDK_OpenGL::AESDK_OpenGL_EntryPoints gTrue;
+
+/// Other drivers than this machine's may crash without a current context.
+void ExpectContext() { EXPECT_NE(wglGetCurrentContext(), nullptr) << "an entry point was called"; }
+
+GLenum APIENTRY Status(GLenum target) {
+  ExpectContext();
+  if (gCompleteness.Now()) return GL_FRAMEBUFFER_UNSUPPORTED_EXT;
+  return gTrue.glCheckFramebufferStatusEXT(target);
+}
+
+void APIENTRY DeleteFramebuffers(GLsizei count, const GLuint* names) {
+  ExpectContext();
+  gTrue.glDeleteFramebuffersEXT(count, names);
+}
+
+void APIENTRY DeleteObject(GLhandleARB object) {
+  ExpectContext();
+  gTrue.glDeleteObjectARB(object);
+}
+
+/// Keeps `found` for `own`, which takes its place.
+template <typename Function>
+PROC InPlaceOf(PROC found, Function& kept, Function own) {
+  kept = reinterpret_cast<Function>(found);
+  return reinterpret_cast<PROC>(own);
+}
+
+/// Finds the operations above in place of OpenGL's own.
+PROC FindWatched(const char* name) {
+  const PROC found = wglGetProcAddress(name);
+  const std::string_view wanted = name;
+  if (wanted == "glCheckFramebufferStatusEXT") {
+    return InPlaceOf(found, gTrue.glCheckFramebufferStatusEXT, Status);
+  }
+  if (wanted == "glDeleteFramebuffersEXT") {
+    return InPlaceOf(found, gTrue.glDeleteFramebuffersEXT, DeleteFramebuffers);
+  }
+  if (wanted == "glDeleteObjectARB") {
+    return InPlaceOf(found, gTrue.glDeleteObjectARB, DeleteObject);
+  }
+  return found;
+}
+
 /// Everything as it is.
 void Mend() {
+  gMakeCurrent.Cease();
+  gCompleteness.Cease();
   gLargest = 0;
   gTexturesLeft = -1;
   gWindowSystemFaults = {};
@@ -110,6 +185,41 @@ TEST_F(GlLife, OutlivesTexturesWithoutMemory) {
   }
   EXPECT_GE(refused, 1);  // without a target no frame is drawn
   ExpectRecovery();
+}
+
+/// For its length, plug-ins that start find the watched entry points.
+class EntryPointsAreWatched {
+ public:
+  EntryPointsAreWatched() { AESDK_OpenGL::gLookUp.entryPoint = FindWatched; }
+  ~EntryPointsAreWatched() { AESDK_OpenGL::gLookUp = whole_; }
+  EntryPointsAreWatched(const EntryPointsAreWatched&) = delete;
+  EntryPointsAreWatched& operator=(const EntryPointsAreWatched&) = delete;
+
+ private:
+  const AESDK_OpenGL::AESDK_OpenGL_LookUp whole_ = AESDK_OpenGL::gLookUp;
+};
+
+TEST_F(GlLife, OutlivesEachSingleRefusal) {
+  constexpr int kMost = 500;
+  const EntryPointsAreWatched watched;
+  for (OneRefusal* const refusal : {&gMakeCurrent, &gCompleteness}) {
+    long lives = 0;
+    long failed = 0;
+    for (; lives < kMost; ++lives) {
+      SCOPED_TRACE(lives);
+      failed += LiveWith([&] {
+        refusal->Plan(static_cast<int>(lives));
+        gWindowSystemFaults.makeCurrentRefused = [](HGLRC context) {
+          return context == AESDK_OpenGL::gState.renderContext && gMakeCurrent.Now();
+        };
+      });
+      if (!refusal->Happened()) break;
+    }
+    EXPECT_LT(lives, kMost);
+    EXPECT_GE(failed, 3);  // every frame's are among them
+    ExpectRecovery();
+    std::cout << lives << " lives with a refusal each, " << failed << " steps failed\n";
+  }
 }
 
 TEST_F(GlLife, OutlivesAWindowSystemThatRefuses) {

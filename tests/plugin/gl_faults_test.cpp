@@ -64,9 +64,10 @@ TEST_F(GlFaultsTest, AMissingExtensionIsToldInWords) {
 TEST_F(GlFaultsTest, EachEntryPointIsNeeded) {
   static std::vector<std::string> asked;
   static std::string missing;
+  static PROC none = nullptr;
   gLookUp.entryPoint = [](const char* name) -> PROC {
     asked.emplace_back(name);
-    return name == missing ? nullptr : wglGetProcAddress(name);
+    return name == missing ? none : wglGetProcAddress(name);
   };
   const auto lookUp = gLookUp;
   StartHost();
@@ -76,6 +77,11 @@ TEST_F(GlFaultsTest, EachEntryPointIsNeeded) {
   for (const std::string& name : names) {
     SCOPED_TRACE(name);
     missing = name;
+    gLookUp = lookUp;
+    ExpectRefusal("Appropriate OpenGL extensions not found!");
+  }
+  for (const std::intptr_t saysNone : {1, 3, -1}) {
+    none = reinterpret_cast<PROC>(saysNone);
     gLookUp = lookUp;
     ExpectRefusal("Appropriate OpenGL extensions not found!");
   }
