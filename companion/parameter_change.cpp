@@ -10,7 +10,7 @@
 namespace tarvo {
 namespace {
 
-/// The companion parameter that counts nudges.
+/// The companion parameter that counts nudges. companion.h tells companions the same.
 constexpr PF_ParamIndex kNudgeParameter = 89;
 constexpr A_long kNudgeModulus = 1000;
 constexpr double kFirstChoice = 1.0;

@@ -6,6 +6,11 @@
 #ifndef TARVO_ENTRY_REGISTRATION_H
 #define TARVO_ENTRY_REGISTRATION_H
 
+/*
+ * A name of another length needs another length byte, size and filling in entry/windows/pipl.rc; the
+ * entry point's name also stands in the lists of exports beside it, and the match name in
+ * host/match_name.h and companion.h.
+ */
 #define TARVO_DISPLAY_NAME "Tarvo_overlaps_manager"
 #define TARVO_CATEGORY "QEZ"
 #define TARVO_MATCH_NAME "QEZ_Tarvo_renderer"

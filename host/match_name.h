@@ -7,7 +7,8 @@
 
 namespace tarvo {
 
-/// This effect's own match name, under which hosts register it.
+/// This effect's own match name, under which hosts register it. What companions are told of both
+/// names stands in companion.h.
 inline constexpr const char* kOwnMatchName = "QEZ_Tarvo_renderer";
 /// The match name of the companion effect, one instance of which stands for one bone.
 inline constexpr const char* kCompanionMatchName = "QEZ_Tarvo";

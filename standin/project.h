@@ -8,14 +8,15 @@
 
 #include "sdk/aegp.h"
 #include "sdk/effect.h"
+#include "tarvo/companion.h"
 
 namespace standin {
 
 class Layer;
 
-/// Match names of the two kinds of effect that belong together.
-inline constexpr const char* kRendererMatchName = "QEZ_Tarvo_renderer";
-inline constexpr const char* kCompanionMatchName = "QEZ_Tarvo";
+/// Match names of the two kinds of effect that belong together, as makers of companions know them.
+inline constexpr const char* kRendererMatchName = TARVO_RENDERER_MATCH_NAME;
+inline constexpr const char* kCompanionMatchName = TARVO_COMPANION_MATCH_NAME;
 
 /// A parameter of an effect: its definition and current value, and its stream's flags.
 struct Parameter {

@@ -52,12 +52,13 @@ struct Host {
   Held<PF_WorldSuite1> worlds;
 };
 
-bool IsRenderer(const Host& host, AEGP_EffectRefH effect) {
+A_Err IsRenderer(const Host& host, AEGP_EffectRefH effect, bool& isRenderer) {
   AEGP_InstalledEffectKey key = 0;
   A_char name[kMatchNameBytes] = "";
-  return host.effects->AEGP_GetInstalledKeyFromLayerEffect(effect, &key) == A_Err_NONE &&
-         host.effects->AEGP_GetEffectMatchName(key, name) == A_Err_NONE &&
-         std::string_view(name) == TARVO_RENDERER_MATCH_NAME;
+  A_Err err = host.effects->AEGP_GetInstalledKeyFromLayerEffect(effect, &key);
+  if (err == A_Err_NONE) err = host.effects->AEGP_GetEffectMatchName(key, name);
+  isRenderer = std::string_view(name) == TARVO_RENDERER_MATCH_NAME;
+  return err;
 }
 
 /// A reference to the first renderer on the companion's layer, to be disposed of; null for none.
@@ -71,7 +72,9 @@ A_Err FindRenderer(const Host& host, const PF_InData& in, AEGP_PluginID id,
     AEGP_EffectRefH effect = nullptr;
     err = host.effects->AEGP_GetLayerEffectByIndex(id, layer, index, &effect);
     if (err != A_Err_NONE || effect == nullptr) continue;
-    if (IsRenderer(host, effect)) {
+    bool isRenderer = false;
+    err = IsRenderer(host, effect, isRenderer);
+    if (isRenderer && err == A_Err_NONE) {
       renderer = effect;
     } else {
       host.effects->AEGP_DisposeEffect(effect);
@@ -138,15 +141,18 @@ A_Err SampleCompanion::Send(const PF_InData& in, A_long place, double left, doub
 
   const PieceQuad piece = Square(left, top);
   CompanionSlot record = RecordOf(piece, place);
+  if (place != place_) imageIsNew_ = true;  // images belong to the place, not to the effect
+  place_ = place;
   if (imageIsNew_) err = AddImage(host, in, colour_, record);
   if (err == A_Err_NONE) {
     const A_Time now{in.current_time, in.time_scale};
     err = host.effects->AEGP_EffectCallGeneric(id_, renderer, &now, PF_Cmd_COMPLETELY_GENERAL,
                                                &record);
     // A flag that is still set says that the image was not taken, and that its world is ours. A
-    // cleared one says that the world is no longer ours, even when the call failed.
-    imageIsNew_ = record.newImageA != 0;
-    if (imageIsNew_) DisposeOfImage(host, in, record);
+    // cleared one says that the world is no longer ours; when the call failed, the image may be
+    // lost all the same.
+    if (record.newImageA != 0) DisposeOfImage(host, in, record);
+    imageIsNew_ = imageIsNew_ && (record.newImageA != 0 || err != A_Err_NONE);
   }
   host.effects->AEGP_DisposeEffect(renderer);
   return err;

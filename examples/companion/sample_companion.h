@@ -19,15 +19,17 @@ class SampleCompanion {
   /// the host or of the renderer is the result; a layer without a renderer is none.
   A_Err Send(const PF_InData& in, A_long place, double left, double top);
 
-  /// True until the renderer has taken the image over: it goes with the next record.
+  /// True until the renderer has the image: it goes with the next record.
   [[nodiscard]] bool ImageIsNew() const { return imageIsNew_; }
-  /// For a renderer that has lost the image, as all have when a project is opened again.
+  /// For a renderer that has no image: all have lost theirs when a project was opened, one that was
+  /// duplicated has too, and one that was just applied never had any.
   void SendImageAgain() { imageIsNew_ = true; }
 
  private:
   AEGP_PluginID id_;
   PF_Pixel colour_;
   bool imageIsNew_ = true;
+  A_long place_ = -1;  ///< of the latest record
 };
 
 }  // namespace sample

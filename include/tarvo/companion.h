@@ -12,7 +12,9 @@
  *     slot.quads.first = pieces;
  *     slot.quads.last = pieces + 2;
  *     slot.quads.reservedEnd = pieces + 2;
- *     slot.effectIndex = 3;                        our own 0-based place in the effect stack
+ *     slot.effectIndex = 3;                        our own 0-based place in the effect stack, as
+ *                                                  in AEGP_GetLayerEffectByIndex(plugin_id, layer,
+ *                                                  3, &effect), which gives this very effect
  *     slot.opacityA = 1.0;                         in each record: the next upload takes it
  *     if (we have an image that the renderer was not given yet) {
  *       new_world(effect_ref, width, height, flags, &world);
@@ -21,17 +23,25 @@
  *       slot.newImageA = 1;
  *     }
  *     err = AEGP_EffectCallGeneric(plugin_id, renderer, &time, PF_Cmd_COMPLETELY_GENERAL, &slot);
- *     if (slot.newImageA) {                        not taken: the world is still ours, and
- *       dispose_world(effect_ref, &world);         the image goes with the next record
+ *     if (slot.newImageA) {                        not taken: the world is still ours
+ *       dispose_world(effect_ref, &world);
+ *     }
+ *     if (slot.newImageA || err) {
+ *       ... the image goes with the next record, in a new world ...
  *     }
  *
  * The command's result is 0 or an error of the host's. PF_Err_BAD_CALLBACK_PARAM (516) also says
  * that the record was refused: an effectIndex below 0 or above 65,535, or addresses of pieces that
- * make no sense. The flag says whose a world is whatever the result, so look at it in every case.
+ * make no sense. The flag says whose a world is, whatever the result: cleared, it is never the
+ * sender's to dispose of. It does not say that the image arrived: when the host failed, as the
+ * result then tells, the renderer may have no image, so make another one and send it.
  *
- * Each record replaces the pieces of the one before. Images stay until new ones come, but not
- * beyond the end of a session: after a project was opened the renderer has none. Bones are numbered
- * by the place of their companions in the stack; companions that are switched off are left out.
+ * Each record replaces the pieces of the one before. Images stay until new ones come, but they
+ * belong to a place in the stack, in one renderer: send yours again when your place has changed
+ * (effects were moved, added or deleted above), and to a renderer that has none: all have lost
+ * theirs after a project was opened or the effect was duplicated, and one that the user has just
+ * applied never had any. The simplest companion sends its images whenever it is nudged. Bones are
+ * numbered by the place of their companions in the stack; those switched off are left out.
  *
  * Both plug-ins live in one process on a little-endian machine with 64-bit addresses. The layout is
  * a fixed byte format: packed, 296 bytes a record, 156 bytes a piece. The header is plain C (C11)
@@ -91,8 +101,8 @@ typedef struct CompanionSlot {
   PieceQuadList quads;
   uint8_t imageA[TARVO_WORLD_BYTES]; /* a PF_EffectWorld, 8 bits a channel */
   uint8_t imageB[TARVO_WORLD_BYTES];
-  uint8_t newImageA; /* nonzero: imageA is new and passes to the receiver, who clears the flag */
-  uint8_t newImageB; /* and disposes of the world; a flag still set says the world is yours */
+  uint8_t newImageA; /* nonzero: imageA is new and passes to the receiver, who clears the flag; */
+  uint8_t newImageB; /* a flag still set afterwards says that the world is yours */
   uint8_t padding[2];
   double opacityA; /* 0 to 1, for pieces drawn from image A; counts from the next new image on */
   double opacityB; /* the same for image B */
@@ -102,19 +112,24 @@ typedef struct CompanionSlot {
 #pragma pack(pop)
 
 TARVO_LAYOUT(sizeof(PieceQuad) == 156);
+TARVO_LAYOUT(offsetof(PieceQuad, corners) == 0);
 TARVO_LAYOUT(offsetof(PieceQuad, texCoords) == 64);
 TARVO_LAYOUT(offsetof(PieceQuad, boneT) == 128);
 TARVO_LAYOUT(offsetof(PieceQuad, opacity) == 136);
 TARVO_LAYOUT(offsetof(PieceQuad, imageSelect) == 144);
 TARVO_LAYOUT(offsetof(PieceQuad, reserved) == 148);
 TARVO_LAYOUT(sizeof(PieceQuadList) == 32);
+TARVO_LAYOUT(offsetof(PieceQuadList, first) == 0);
 TARVO_LAYOUT(offsetof(PieceQuadList, last) == 8);
 TARVO_LAYOUT(offsetof(PieceQuadList, reservedEnd) == 16);
+TARVO_LAYOUT(offsetof(PieceQuadList, unused) == 24);
 TARVO_LAYOUT(sizeof(CompanionSlot) == 296);
+TARVO_LAYOUT(offsetof(CompanionSlot, quads) == 0);
 TARVO_LAYOUT(offsetof(CompanionSlot, imageA) == 32);
 TARVO_LAYOUT(offsetof(CompanionSlot, imageB) == 152);
 TARVO_LAYOUT(offsetof(CompanionSlot, newImageA) == 272);
 TARVO_LAYOUT(offsetof(CompanionSlot, newImageB) == 273);
+TARVO_LAYOUT(offsetof(CompanionSlot, padding) == 274);
 TARVO_LAYOUT(offsetof(CompanionSlot, opacityA) == 276);
 TARVO_LAYOUT(offsetof(CompanionSlot, opacityB) == 284);
 TARVO_LAYOUT(offsetof(CompanionSlot, effectIndex) == 292);

@@ -38,7 +38,8 @@ class SampleCompanionTest : public check::RigTest {
     const std::size_t worlds = rig.host.books.Count(Kind::kWorld);
     const A_Err err = sample_.Send(in, place, left, top);
     // Whether it was taken or not, the sender's world is gone; the plug-in's own one waits.
-    EXPECT_EQ(rig.host.books.Count(Kind::kWorld), worlds + (sample_.ImageIsNew() ? 0 : waiting_));
+    EXPECT_EQ(rig.host.books.Count(Kind::kWorld),
+              worlds + (sample_.ImageIsNew() ? lost_ : waiting_));
     EXPECT_TRUE(rig.host.books.Balanced());
     return err;
   }
@@ -48,10 +49,11 @@ class SampleCompanionTest : public check::RigTest {
   }
 
   std::size_t waiting_ = 1;
+  std::size_t lost_ = 0;
+  standin::Companion& effect_;
 
  private:
   SPBasicSuite* basic_ = rig.host.InputRecord(nullptr).pica_basicP;
-  standin::Companion& effect_;
 
  protected:
   sample::SampleCompanion sample_{Register(), kRed};
@@ -76,7 +78,8 @@ TEST_F(SampleCompanionTest, KeepsWhatWasNotTakenForTheNextTime) {
     return err;
   };
   for (const char* operation : {"AEGP_GetEffectLayer", "AEGP_GetLayerNumEffects", "new_world",
-                                "AEGP_GetLayerEffectByIndex", "AEGP_EffectCallGeneric"}) {
+                                "AEGP_GetLayerEffectByIndex", "AEGP_GetEffectMatchName",
+                                "AEGP_GetInstalledKeyFromLayerEffect", "AEGP_EffectCallGeneric"}) {
     EXPECT_EQ(failing(operation), standin::kInjectedFailure) << operation;
   }
   EXPECT_EQ(failing("AcquireSuite"), PF_Err_BAD_CALLBACK_PARAM);
@@ -85,6 +88,31 @@ TEST_F(SampleCompanionTest, KeepsWhatWasNotTakenForTheNextTime) {
 
   EXPECT_EQ(Send(20, 30), PF_Err_NONE);
   EXPECT_FALSE(sample_.ImageIsNew());
+  EXPECT_EQ(PixelAt(36, 46), kShown);
+}
+
+/// The renderer clears the flag though it could not copy the image, whose world is then nobody's.
+TEST_F(SampleCompanionTest, SendsAnImageAgainThatWasLostOnItsWay) {
+  rig.host.gate.FailOperation("copy");
+  lost_ = 1;
+  EXPECT_EQ(Send(20, 30), standin::kInjectedFailure);
+  rig.host.gate.FailNothing();
+  lost_ = 0;
+  EXPECT_TRUE(sample_.ImageIsNew());
+  EXPECT_EQ(Send(20, 30), PF_Err_NONE);
+  EXPECT_EQ(PixelAt(36, 46), kShown);
+
+  check::ExpectBalanced(rig.host, [](const std::string& misuse) {
+    return misuse.find("left world") != std::string::npos;
+  });
+  rig.host.books.ClearMisuses();
+}
+
+/// The renderer keeps images by the place of their companions.
+TEST_F(SampleCompanionTest, SendsItsImageAgainFromANewPlace) {
+  EXPECT_EQ(Send(20, 30), PF_Err_NONE);
+  rig.host.AddCompanion(rig.layer, "Other", effect_.Position());
+  EXPECT_EQ(Send(20, 30), PF_Err_NONE);
   EXPECT_EQ(PixelAt(36, 46), kShown);
 }
 
