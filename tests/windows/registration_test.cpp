@@ -9,6 +9,8 @@
 
 #include <gtest/gtest.h>
 #include <window_system.h>
+// It needs what the one above declares.
+#include <tlhelp32.h>
 
 #include "check/support/rig.h"
 #include "standin/host.h"
@@ -99,6 +101,12 @@ HMODULE Module() {
   return GetModuleHandleA("Tarvo_overlaps_manager.aex");
 }
 
+std::filesystem::path FileOf(HMODULE module) {
+  std::array<wchar_t, MAX_PATH> path{};
+  GetModuleFileNameW(module, path.data(), path.size());
+  return path.data();
+}
+
 std::string_view Registration() {
   const HRSRC found =
       FindResourceExA(Module(), "PIPL", MAKEINTRESOURCEA(16000), MAKELANGID(LANG_ENGLISH, 1));
@@ -135,11 +143,37 @@ TEST(RegistrationTest, AgreesWithWhatThePluginReports) {
   check::ExpectBalanced(rig.host);
 }
 
+/// Threads of this process.
+int CountThreads() {
+  const HANDLE snapshot = CreateToolhelp32Snapshot(TH32CS_SNAPTHREAD, 0);
+  THREADENTRY32 thread{};
+  thread.dwSize = sizeof thread;
+  int count = 0;
+  for (BOOL more = Thread32First(snapshot, &thread); more; more = Thread32Next(snapshot, &thread)) {
+    if (thread.th32OwnerProcessID == GetCurrentProcessId()) ++count;
+  }
+  CloseHandle(snapshot);
+  return count;
+}
+
+/// A library that starts threads while it is loaded may lock up its host.
+TEST(RegistrationTest, LoadingTheFileStartsNoThread) {
+  const auto copy = std::filesystem::temp_directory_path() / "loaded_once_more.aex";
+  std::filesystem::copy_file(FileOf(Module()), copy,
+                             std::filesystem::copy_options::overwrite_existing);
+  const int before = CountThreads();
+  EXPECT_GT(before, 0);
+  const HMODULE loaded = LoadLibraryW(copy.c_str());
+  EXPECT_NE(loaded, nullptr);
+  EXPECT_EQ(CountThreads(), before);
+  FreeLibrary(loaded);
+  std::filesystem::remove(copy);
+}
+
 TEST(RegistrationTest, TheFileCarriesTheVersionOfTheRelease) {
-  std::array<wchar_t, MAX_PATH> path{};
-  GetModuleFileNameW(Module(), path.data(), path.size());
-  std::vector<char> block(GetFileVersionInfoSizeW(path.data(), nullptr));
-  ASSERT_TRUE(GetFileVersionInfoW(path.data(), 0, static_cast<DWORD>(block.size()), block.data()));
+  const std::filesystem::path path = FileOf(Module());
+  std::vector<char> block(GetFileVersionInfoSizeW(path.c_str(), nullptr));
+  ASSERT_TRUE(GetFileVersionInfoW(path.c_str(), 0, static_cast<DWORD>(block.size()), block.data()));
   const auto query = [&](const wchar_t* what) {
     void* found = nullptr;
     UINT size = 0;
