@@ -3,13 +3,14 @@
 #include "check/support/host_test.h"
 #include "check/support/promise.h"
 
+namespace check::commands {
 namespace {
 
 using standin::CommandResult;
 using standin::Failure;
 using standin::Host;
 
-using Commands = check::HostTest;
+using Commands = HostTest;
 
 CHECK_F(Commands, UnknownOnesAnswerNothingAndCallNothing,
         "A command that the plug-in does not know succeeds and calls nothing of the host.") {
@@ -69,3 +70,4 @@ CHECK_F(Commands, AHostWithoutAContextHasNoneAfterwards,
 }
 
 }  // namespace
+}  // namespace check::commands

@@ -9,11 +9,12 @@
 #include "check/support/host_test.h"
 #include "check/support/promise.h"
 
+namespace check::extent {
 namespace {
 
 using standin::Host;
 using Frame = standin::FrameRequest;
-using Extent = check::HostTest;
+using Extent = HostTest;
 
 struct ExtentCase {
   const char* what;
@@ -84,3 +85,4 @@ CHECK_F(Extent, EnclosesThePiecesWithAMargin,
 }
 
 }  // namespace
+}  // namespace check::extent

@@ -11,9 +11,9 @@
 #include "check/support/pieces.h"
 #include "check/support/promise.h"
 
+namespace check::intake {
 namespace {
 
-using check::BoneNumbers;
 using standin::Companion;
 using standin::Host;
 using standin::Kind;
@@ -23,7 +23,7 @@ using Numbers = std::vector<int>;
 
 constexpr A_long kLayerWidth = 200;  // of the output as long as there are no pieces
 
-class Intake : public check::HostTest {
+class Intake : public HostTest {
  protected:
   /// A companion that BoneNumbers can tell.
   Companion& AddBone(Host& host, int number, int position = -1) {
@@ -35,7 +35,7 @@ class Intake : public check::HostTest {
   /// A companion with a piece and one image.
   Companion& AddPiece(Host& host, const Picture& image) {
     Companion& companion = host.AddCompanion(TheLayer(), "A");
-    companion.pieces = {check::Piece({10, 10, 40, 40}, {1, 1, 6, 6}, 0.5)};
+    companion.pieces = {Piece({10, 10, 40, 40}, {1, 1, 6, 6}, 0.5)};
     companion.imageA.Set(image);
     return companion;
   }
@@ -79,7 +79,7 @@ CHECK_F(Intake, EmptiesWhatComesFromBeyondTheStack,
   Host& host = StartHost();
   auto& renderer = host.AddRenderer(TheLayer());
   AddBone(host, 1);
-  const auto pieces = check::WarpedPieces(1, 3, {0, 0, 100, 100}, 8, 8);
+  const auto pieces = WarpedPieces(1, 3, {0, 0, 100, 100}, 8, 8);
   for (const std::int32_t place : {0, 5}) {  // the renderer's own, and one past the end
     auto record = RecordOf(pieces, place);
     EXPECT_EQ(host.SendRecord(renderer, &record).code, PF_Err_NONE);
@@ -98,7 +98,7 @@ CHECK_F(Intake, KeepsTheOldNumbersWithoutALayer,
   renderer.layerIsKnown = false;
   first.active = false;
   EXPECT_TRUE(host.Send(last, renderer).command.Ok());
-  const auto pieces = check::WarpedPieces(1, 3, {0, 0, 100, 100}, 8, 8);
+  const auto pieces = WarpedPieces(1, 3, {0, 0, 100, 100}, 8, 8);
   auto record = RecordOf(pieces, 3);
   EXPECT_EQ(host.SendRecord(renderer, &record).code, PF_Err_NONE);
   EXPECT_EQ(BoneNumbers::Seen(host, renderer, 2), (Numbers{1, 2}));
@@ -111,10 +111,9 @@ CHECK_F(Intake, ReadsRecordsAtAnyAddressAndChangesTheirFlagsAlone,
   Host& host = StartHost();
   auto& renderer = host.AddRenderer(TheLayer());
   host.AddCompanion(TheLayer(), "A");
-  const std::vector<PieceQuad> pieces{
-      check::Piece({0, 0, 40, 20}, {1, 1, 6, 3}, 0.5, TARVO_IMAGE_B)};
+  const std::vector<PieceQuad> pieces{Piece({0, 0, 40, 20}, {1, 1, 6, 3}, 0.5, TARVO_IMAGE_B)};
   auto record = RecordOf(pieces, 1);
-  const auto world = host.worlds.From(check::Pattern(8, 5, 1), "image B");
+  const auto world = host.worlds.From(Pattern(8, 5, 1), "image B");
   std::memcpy(record.imageB, &world, sizeof record.imageB);
   record.newImageB = 7;
   record.newImageA = 1;  // with an image A of no size: nothing is taken
@@ -199,8 +198,8 @@ CHECK_F(Intake, LosesNothingWhenATakeFails,
         "and frame go well.") {
   for (const std::string operation : {"new_world", "copy", "dispose_world"}) {
     Host& host = StartHost();
-    Companion& companion = AddPiece(host, check::Pattern(8, 8, 1));
-    companion.imageB.Set(check::Pattern(6, 6, 2));
+    Companion& companion = AddPiece(host, Pattern(8, 8, 1));
+    companion.imageB.Set(Pattern(6, 6, 2));
     auto& renderer = host.AddRenderer(TheLayer());
     host.gate.FailOperation(operation, 1, {.code = 55});
     EXPECT_EQ(host.Send(companion, renderer).command.code, 55) << operation;
@@ -218,7 +217,7 @@ CHECK_F(Intake, CountsAFailedDisposalUnlessSomethingFailedBefore,
         "A reference that the host fails to take back is the result, unless something failed "
         "before it.") {
   Host& host = StartHost();
-  Companion& companion = AddPiece(host, check::Pattern(8, 8, 1));
+  Companion& companion = AddPiece(host, Pattern(8, 8, 1));
   auto& renderer = host.AddRenderer(TheLayer());
   host.gate.FailOperation("AEGP_DisposeEffect", 1, {.code = 61});
   EXPECT_EQ(host.Send(companion, renderer).command.code, 61);
@@ -229,3 +228,4 @@ CHECK_F(Intake, CountsAFailedDisposalUnlessSomethingFailedBefore,
 }
 
 }  // namespace
+}  // namespace check::intake

@@ -10,6 +10,7 @@
 #include "check/support/pieces.h"
 #include "check/support/promise.h"
 
+namespace check::life_cycle {
 namespace {
 
 using standin::Host;
@@ -39,9 +40,9 @@ A_long CounterOf(const Host& host) {
   return counter;
 }
 
-using GlobalSetup = check::HostTest;
+using GlobalSetup = HostTest;
 
-class Instances : public check::HostTest {
+class Instances : public HostTest {
  protected:
   /// Between commands, when the handle is not locked unless a case does so.
   static void SetCounter(Host& host, A_long value) {
@@ -53,8 +54,8 @@ class Instances : public check::HostTest {
   /// A companion above the renderer, one piece with one image sent.
   standin::Companion& SendOnePiece(Host& host, RendererInstance& renderer) {
     auto& companion = host.AddCompanion(TheLayer(), "Arm", 0);
-    companion.pieces = {check::Piece({10, 10, 40, 40}, {1, 1, 6, 6}, 0.5)};
-    companion.imageA.Set(check::Pattern(8, 8, 1));
+    companion.pieces = {Piece({10, 10, 40, 40}, {1, 1, 6, 6}, 0.5)};
+    companion.imageA.Set(Pattern(8, 8, 1));
     EXPECT_TRUE(host.Send(companion, renderer).tookA);
     return companion;
   }
@@ -256,3 +257,4 @@ CHECK_F(Instances, GiveBackWhatTheyHold,
 }
 
 }  // namespace
+}  // namespace check::life_cycle

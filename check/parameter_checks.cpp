@@ -6,11 +6,12 @@
 #include "check/support/host_test.h"
 #include "check/support/promise.h"
 
+namespace check::parameters {
 namespace {
 
 using standin::Host;
 
-using Parameters = check::HostTest;
+using Parameters = HostTest;
 
 struct DeclaredCase {
   int index;
@@ -67,3 +68,4 @@ CHECK_F(Parameters, EndWithARefusedOne,
 }
 
 }  // namespace
+}  // namespace check::parameters

@@ -12,15 +12,9 @@
 #include "check/support/rig.h"
 #include "standin/compare.h"
 
+namespace check::pictures {
 namespace {
 
-using check::Box;
-using check::Pattern;
-using check::Piece;
-using check::Rig;
-using check::RigTest;
-using check::SoftPattern;
-using check::WarpedPieces;
 using standin::Companion;
 using standin::FrameExtent;
 using standin::FrameRequest;
@@ -223,7 +217,7 @@ CHECK_F(Picturing, CheckboxAboveOneIsOn, "A fast transparency above 1 is as good
   const Picture fast = rig.Render().picture;
   rig.SetFast(false);
   const Picture exact = rig.Render().picture;
-  EXPECT_TRUE(rig.host.SetParameter(rig.renderer, check::kFastTransparency, 3).Ok());
+  EXPECT_TRUE(rig.host.SetParameter(rig.renderer, kFastTransparency, 3).Ok());
   EXPECT_EQ(rig.Render().picture, fast);
   EXPECT_NE(exact, fast);
 }
@@ -295,3 +289,4 @@ CHECK_F(Picturing, EmptySceneAndTinyOutputsStayTransparent,
 }
 
 }  // namespace
+}  // namespace check::pictures

@@ -8,6 +8,7 @@
 #include "check/support/failed_render_test.h"
 #include "check/support/promise.h"
 
+namespace check::failed_renders {
 namespace {
 
 using standin::Failure;
@@ -16,7 +17,7 @@ using standin::RenderResult;
 
 constexpr PF_Err kOther = 7002;  // not the code that the stand-in injects by itself
 
-using FailedRenders = check::FailedRenderTest;
+using FailedRenders = FailedRenderTest;
 
 /// A host operation that fails while a frame is rendered.
 struct HostFailure {
@@ -131,3 +132,4 @@ CHECK_F(FailedRenders, Return516WithoutASuite,
 }
 
 }  // namespace
+}  // namespace check::failed_renders

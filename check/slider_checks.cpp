@@ -10,14 +10,15 @@
 #include "check/support/parameters.h"
 #include "check/support/promise.h"
 
+namespace check::sliders {
 namespace {
 
 using standin::Host;
 using standin::RendererInstance;
 
-using Sliders = check::HostTest;
-using Nudges = check::HostTest;
-using Idle = check::HostTest;
+using Sliders = HostTest;
+using Nudges = HostTest;
+using Idle = HostTest;
 
 std::string Label(const RendererInstance& renderer, int index) {
   return renderer.parameters[static_cast<std::size_t>(index)].Name();
@@ -25,7 +26,7 @@ std::string Label(const RendererInstance& renderer, int index) {
 
 int ShownCount(const RendererInstance& renderer) {
   int shown = 0;
-  for (int index = 1; index <= check::kHidden; ++index) {
+  for (int index = 1; index <= kHidden; ++index) {
     shown += renderer.parameters[static_cast<std::size_t>(index)].Hidden() ? 0 : 1;
   }
   return shown;
@@ -113,10 +114,10 @@ CHECK_F(Nudges, ReachEachSwitchedOnCompanionOnce,
   EXPECT_EQ(first.NudgeCounter(), 0);
   EXPECT_EQ(off.NudgeCounter(), 0);
   EXPECT_EQ(last.NudgeCounter(), 1);
-  ASSERT_TRUE(host.SetParameter(renderer, check::kUpdater, 2).Ok());
+  ASSERT_TRUE(host.SetParameter(renderer, kUpdater, 2).Ok());
   EXPECT_EQ(last.NudgeCounter(), 2);
-  EXPECT_EQ(ValueOf(renderer, check::kUpdater), 1);
-  ASSERT_TRUE(host.SetParameter(renderer, check::kFastTransparency, 0).Ok());
+  EXPECT_EQ(ValueOf(renderer, kUpdater), 1);
+  ASSERT_TRUE(host.SetParameter(renderer, kFastTransparency, 0).Ok());
   EXPECT_EQ(last.NudgeCounter(), 2);
 }
 
@@ -129,9 +130,9 @@ CHECK_F(Nudges, StopAtACompanionThatCannotBeNudged,
     auto& last = host.AddCompanion(TheLayer(), "B");
     auto& renderer = host.AddRenderer(TheLayer());
     host.gate.FailOperation(operation, 1, {.code = 44});
-    EXPECT_EQ(host.SetParameter(renderer, check::kUpdater, 2).code, 44) << operation;
+    EXPECT_EQ(host.SetParameter(renderer, kUpdater, 2).code, 44) << operation;
     EXPECT_EQ(last.NudgeCounter(), 0) << operation;
-    EXPECT_EQ(ValueOf(renderer, check::kUpdater), 2) << operation;
+    EXPECT_EQ(ValueOf(renderer, kUpdater), 2) << operation;
     EndHost();
   }
 }
@@ -169,8 +170,8 @@ CHECK_F(Idle, SwitchesHiddenOnInOneNamelessUndoGroup,
   auto& other = host.AddRenderer(below);
   other.active = false;  // switched off counts too
   ASSERT_EQ(host.Idle(), A_Err_NONE);
-  EXPECT_EQ(ValueOf(renderer, check::kHidden), 1);
-  EXPECT_EQ(ValueOf(other, check::kHidden), 1);
+  EXPECT_EQ(ValueOf(renderer, kHidden), 1);
+  EXPECT_EQ(ValueOf(other, kHidden), 1);
   EXPECT_EQ(host.UndoGroups(), std::vector<std::string>{""});
   ASSERT_EQ(host.Changes().size(), 2U);
   EXPECT_TRUE(host.Changes()[0].inUndoGroup && host.Changes()[1].inUndoGroup);
@@ -181,7 +182,7 @@ CHECK_F(Idle, SwitchesHiddenOnInOneNamelessUndoGroup,
   EXPECT_EQ(host.gate.Calls(), calls);
   auto& third = host.AddRenderer(TheLayer());
   ASSERT_EQ(host.Idle(), A_Err_NONE);
-  EXPECT_EQ(ValueOf(third, check::kHidden), 1);
+  EXPECT_EQ(ValueOf(third, kHidden), 1);
   EXPECT_EQ(host.Changes().size(), 3U);
 }
 
@@ -198,7 +199,7 @@ CHECK_F(Idle, WorkIsNotRetriedWithoutAComposition,
     host.project.open = true;
     host.project.Activate(*composition);
     EXPECT_EQ(host.Idle(), A_Err_NONE);
-    EXPECT_EQ(ValueOf(renderer, check::kHidden), 0) << what;
+    EXPECT_EQ(ValueOf(renderer, kHidden), 0) << what;
     EndHost();
   }
 }
@@ -233,3 +234,4 @@ CHECK_F(Idle, ErrorsEndWithTheirQuietSection,
 }
 
 }  // namespace
+}  // namespace check::sliders

@@ -8,12 +8,11 @@
 #include "check/support/rig.h"
 #include "standin/compare.h"
 
+namespace check::tiles {
 namespace {
 
-using check::Box;
-using check::WarpedPieces;
 using standin::Picture;
-using Tiles = check::RigTest;
+using Tiles = RigTest;
 
 /// Wider than any target that the plug-in makes for itself: 4096 pixels.
 CHECK_F(Tiles, OfABannerAreWhatTheModelDraws,
@@ -26,9 +25,9 @@ CHECK_F(Tiles, OfABannerAreWhatTheModelDraws,
           WarpedPieces(700 + bone * 100 + static_cast<std::uint32_t>(i), 1, area, 64, 48).front());
     }
     // One across the place where the first tile ends.
-    pieces.push_back(check::Piece({.left = 3700, .top = 5.0 + 8 * bone, .width = 500, .height = 30},
-                                  {.left = 3, .top = 3, .width = 58, .height = 42}, 0.5));
-    rig.AddBone(check::Pattern(64, 48, 31 + bone, 220), pieces);
+    pieces.push_back(Piece({.left = 3700, .top = 5.0 + 8 * bone, .width = 500, .height = 30},
+                           {.left = 3, .top = 3, .width = 58, .height = 42}, 0.5));
+    rig.AddBone(Pattern(64, 48, 31 + bone, 220), pieces);
   }
   rig.Send();
   for (const bool exact : {false, true}) {
@@ -42,3 +41,4 @@ CHECK_F(Tiles, OfABannerAreWhatTheModelDraws,
 }
 
 }  // namespace
+}  // namespace check::tiles

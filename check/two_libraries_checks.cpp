@@ -10,9 +10,8 @@
 #include "check/support/rig.h"
 #include "standin/plugin_library.h"
 
+namespace check::two_libraries {
 namespace {
-
-using check::Rig;
 
 /// A library of its own: a copy of the installed file under another name.
 class OtherFile {
@@ -25,7 +24,7 @@ class OtherFile {
   static std::filesystem::path Copy() {
     std::filesystem::path path = std::filesystem::path(testing::TempDir()) /
                                  ("other-" + std::to_string(std::random_device{}()) + ".aex");
-    std::filesystem::copy_file(check::PluginFile(), path);
+    std::filesystem::copy_file(PluginFile(), path);
     return path;
   }
 
@@ -33,32 +32,32 @@ class OtherFile {
 };
 
 standin::Picture Draw(Rig& rig, unsigned seed) {
-  rig.AddBone(check::Pattern(64, 64, seed),
-              {check::Piece({20, 20, 120, 100}, {1, 1, 63, 63}, 0.5)});
+  rig.AddBone(Pattern(64, 64, seed), {Piece({20, 20, 120, 100}, {1, 1, 63, 63}, 0.5)});
   rig.Send();
   return rig.Render().picture;
 }
 
 CHECK(TwoLibraries, StartRenderAndStopWithoutMeeting,
       "Two files of the plug-in in one process draw and end without meeting.") {
-  if (check::PluginFile().empty()) GTEST_SKIP() << "the plug-in is linked in: there is one";
+  if (PluginFile().empty()) GTEST_SKIP() << "the plug-in is linked in: there is one";
   const OtherFile file;
   const standin::PluginLibrary other(file.Path());
-  ASSERT_NE(other.EntryPoint(), check::PluginUnderCheck());
-  Rig alone(check::PluginUnderCheck());
+  ASSERT_NE(other.EntryPoint(), PluginUnderCheck());
+  Rig alone(PluginUnderCheck());
   const standin::Picture expected = Draw(alone, 1);
   const standin::Picture expectedOther = Draw(alone, 2);
-  check::ExpectBalanced(alone.host);
+  ExpectBalanced(alone.host);
 
-  std::optional<Rig> first(check::PluginUnderCheck());
+  std::optional<Rig> first(PluginUnderCheck());
   Rig second(other.EntryPoint());
   EXPECT_EQ(Draw(*first, 1), expected);
   Draw(second, 1);
   EXPECT_EQ(Draw(second, 2), expectedOther);
   // One goes, and the other draws on.
-  check::ExpectBalanced(first->host);
+  ExpectBalanced(first->host);
   EXPECT_EQ(second.Render().picture, expectedOther);
-  check::ExpectBalanced(second.host);
+  ExpectBalanced(second.host);
 }
 
 }  // namespace
+}  // namespace check::two_libraries
