@@ -27,8 +27,8 @@ class Turn {
     core_.underWay = name_;
     core_.gate.SetCommand(name_);
     core_.gate.Note("> " + name_);
-    if (core_.context) {
-      core_.context->MakeCurrent();
+    if (const GlContext* context = core_.ContextHere()) {
+      context->MakeCurrent();
     } else {
       MakeNoContextCurrent();
     }
@@ -75,11 +75,12 @@ class Turn {
 
  private:
   void CheckContext() {
-    if (!core_.context) {
+    const GlContext* context = core_.ContextHere();
+    if (context == nullptr) {
       if (!NoContextIsCurrent()) {
         core_.books.Misuse(name_ + ": an OpenGL context is current; none was before the call");
       }
-    } else if (!core_.context->IsCurrent()) {
+    } else if (!context->IsCurrent()) {
       core_.books.Misuse(name_ + ": the host's OpenGL context is no longer current");
     } else if (!GlContext::IsUntouched()) {
       core_.books.Misuse(name_ + ": the host's OpenGL context was drawn in");
@@ -152,8 +153,8 @@ Records MakeRecords(Core& core, const RendererInstance* renderer) {
 }
 
 void ApplyRequest(const FrameRequest& request, PF_InData& in) {
-  in.downsample_x = {1, request.downsampleX};
-  in.downsample_y = {1, request.downsampleY};
+  in.downsample_x = {request.downsampleNumerator, request.downsampleX};
+  in.downsample_y = {request.downsampleNumerator, request.downsampleY};
   in.width = AtResolution(in.width, request.downsampleX);
   in.height = AtResolution(in.height, request.downsampleY);
   in.extent_hint = {0, 0, in.width, in.height};
@@ -214,9 +215,9 @@ A_Err ConverseIdle(Core& core, const IdleHookEntry& hook) {
   bool escaped = false;
   const A_Err code =
       turn.Ask([&] { return hook.hook(core.globalRefcon, hook.refcon, &sleep); }, escaped);
-  if (sleep < 0 || sleep > kLongestSleep) {
-    core.books.Misuse("idle: the sleep of at most " + std::to_string(kLongestSleep) + " was made " +
-                      std::to_string(sleep));
+  if (sleep != kLongestSleep) {
+    core.books.Misuse("idle: the longest sleep of " + std::to_string(kLongestSleep) + " was made " +
+                      std::to_string(sleep) + "; it is for others to shorten");
   }
   turn.Finish(code);
   return code;

@@ -54,6 +54,11 @@ struct Core {
   /// The match name behind such a number; null for a number that was never given out.
   [[nodiscard]] const std::string* MatchNameOf(AEGP_InstalledEffectKey key) const;
   AEGP_LayerH LayerHandle(Layer& layer);
+  /// The host's OpenGL context on this thread; null on other threads than the host's first, and in
+  /// a host without any.
+  [[nodiscard]] const GlContext* ContextHere() const {
+    return context && context->IsOfThisThread() ? context.get() : nullptr;
+  }
   /// Notes a change of the project.
   void NoteChange(std::string what);
   /// Ends a call: what was handed out since (an entry number of the books), is still out and should

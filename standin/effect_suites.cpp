@@ -7,6 +7,9 @@ namespace {
 
 // The longest match name that this host writes, with its terminating zero.
 constexpr std::size_t kWrittenMatchName = 48;
+// Beside the flag for a switched-on effect stand others, of which this host sets one in every
+// effect.
+constexpr AEGP_EffectFlags kAnotherFlag = 4;
 
 void PutName(const std::string& name, std::size_t room, A_char* text) {
   text[name.copy(text, room - 1)] = '\0';
@@ -73,7 +76,7 @@ A_Err GetEffectFlags(Core& core, AEGP_EffectRefH effect, AEGP_EffectFlags* flags
   if (found == nullptr || flags == nullptr) {
     return PF_Err_BAD_CALLBACK_PARAM;
   }
-  *flags = found->active ? AEGP_EffectFlags_ACTIVE : AEGP_EffectFlags_NONE;
+  *flags = kAnotherFlag | (found->active ? AEGP_EffectFlags_ACTIVE : AEGP_EffectFlags_NONE);
   return A_Err_NONE;
 }
 

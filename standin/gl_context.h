@@ -1,5 +1,7 @@
 #pragma once
 
+#include <thread>
+
 #include <window_system.h>
 
 namespace standin {
@@ -16,6 +18,8 @@ class GlContext {
   GlContext& operator=(const GlContext&) = delete;
   ~GlContext();
 
+  /// True iff this is the thread that made it: the one that it serves.
+  [[nodiscard]] bool IsOfThisThread() const { return std::this_thread::get_id() == thread_; }
   /// Binds it to this thread and sets its marks.
   void MakeCurrent() const;
   /// True iff this thread has exactly this context and device context bound.
@@ -29,6 +33,7 @@ class GlContext {
   HWND window_ = nullptr;
   HDC deviceContext_ = nullptr;
   HGLRC renderContext_ = nullptr;
+  const std::thread::id thread_ = std::this_thread::get_id();
 };
 
 /// Leaves this thread without an OpenGL context.

@@ -129,6 +129,11 @@ CommandResult Host::ParamsSetup() {
   CommandResult result = Converse(*core_, PF_Cmd_PARAMS_SETUP, records);
   core_->addingParameters = false;
   if (!result.Ok()) {
+    if (records.out.num_params != 0) {
+      core_->books.Misuse("PF_Cmd_PARAMS_SETUP: num_params is " +
+                          std::to_string(records.out.num_params) +
+                          " after a failure; it is set when all parameters are declared");
+    }
     return result;
   }
   if (static_cast<std::size_t>(records.out.num_params) != core_->declared.size()) {
@@ -144,6 +149,7 @@ CommandResult Host::GlobalSetdown() {
   Expect(*core_, "GlobalSetdown", {LifeCycle::kSetUp, LifeCycle::kReady, LifeCycle::kSetUpFailed});
   Records records = MakeRecords(*core_, nullptr);
   CommandResult result = Converse(*core_, PF_Cmd_GLOBAL_SETDOWN, records);
+  ExpectForgotten(*core_, result, "global data", records.in.global_data, records.out.global_data);
   core_->globalData = nullptr;
   core_->state = LifeCycle::kSetDown;
   FreeSequenceData(*core_);
@@ -209,8 +215,9 @@ const std::map<std::pair<std::string, std::string>, A_long>& Host::Preferences()
 std::size_t Host::AbandonedWorlds() const { return core_->abandonedWorlds; }
 
 bool Host::ContextIsCurrent() const {
-  return core_->context ? core_->context->IsCurrent() && GlContext::IsUntouched()
-                        : NoContextIsCurrent();
+  const GlContext* context = core_->ContextHere();
+  return context != nullptr ? context->IsCurrent() && GlContext::IsUntouched()
+                            : NoContextIsCurrent();
 }
 
 }  // namespace standin

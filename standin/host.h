@@ -63,6 +63,7 @@ struct FrameRequest {
   /// Resolution: 1 is full, 2 is half, and so on, in each direction.
   A_u_long downsampleX = 1;
   A_u_long downsampleY = 1;
+  A_long downsampleNumerator = 1;  ///< of both; a host's is always 1
   A_long preEffectOriginX = 0;
   A_long preEffectOriginY = 0;
   A_long time = 0;  ///< in frames of 1/25 second
@@ -116,10 +117,11 @@ struct Core;
 ///   GlobalSetup ParamsSetup (AddRenderer (Send | SetParameter | UpdateParamsUi | FrameSetup |
 ///   Render | Idle | Duplicate | SaveAndReopen)* Remove)* GlobalSetdown
 ///
-/// After every call it checks that its context is current again, that nothing temporary is left
-/// outstanding, that no picture was written outside its rows and that its records are unchanged;
-/// what it finds stands in `books.Misuses()`. Commands never throw for what the plug-in does.
-/// A command that comes at the wrong time throws LifeCycleError.
+/// Commands may be sent from any thread, one at a time; the host has its OpenGL context on the
+/// thread that made it, and none on others. After every call it checks that the context is current
+/// again, that nothing temporary is left outstanding, that no picture was written outside its rows
+/// and that its records are unchanged; what it finds stands in `books.Misuses()`. Commands never
+/// throw for what the plug-in does. A command that comes at the wrong time throws LifeCycleError.
 class Host {
  public:
   /// Throws std::runtime_error when no OpenGL context can be made.
@@ -223,7 +225,8 @@ class Host {
   [[nodiscard]] const std::map<std::pair<std::string, std::string>, A_long>& Preferences() const;
   /// Worlds that a failed take left with nobody, as the hand-over is agreed; this host freed them.
   [[nodiscard]] std::size_t AbandonedWorlds() const;
-  /// True iff this host's context, with its own state, is current on this thread.
+  /// True iff this host's context, with its own state, is current on this thread; on other threads
+  /// than the one that made the host, iff none is.
   [[nodiscard]] bool ContextIsCurrent() const;
 };
 

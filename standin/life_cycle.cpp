@@ -42,9 +42,22 @@ void ExpectInstance(const Core& core, const std::string& command, const Renderer
   }
 }
 
+void ExpectForgotten(Core& core, const CommandResult& result, const std::string& what,
+                     PF_Handle inInput, PF_Handle inOutput) {
+  if (result.Ok() && (inInput != nullptr || inOutput != nullptr)) {
+    core.books.Misuse("the " + what + " still stand in the " +
+                      (inInput != nullptr ? "input" : "output") +
+                      " record after the set-down; null was expected");
+  }
+}
+
 CommandResult SendSequence(Core& core, PF_Cmd command, RendererInstance& instance) {
   Records records = MakeRecords(core, &instance);
   CommandResult result = Converse(core, command, records);
+  if (command == PF_Cmd_SEQUENCE_SETDOWN) {
+    ExpectForgotten(core, result, "sequence data", records.in.sequence_data,
+                    records.out.sequence_data);
+  }
   TakeOverData(core, instance, command, records.out);
   return result;
 }

@@ -15,6 +15,9 @@ void ExpectInstance(const Core& core, const std::string& command, const Renderer
 
 /// Takes over what the answer to a command says is the sequence data of the instance.
 void TakeOverData(Core& core, RendererInstance& instance, A_long command, const PF_OutData& out);
+/// Notes a misuse if a set-down that went well left one of its records with the handle.
+void ExpectForgotten(Core& core, const CommandResult& result, const std::string& what,
+                     PF_Handle inInput, PF_Handle inOutput);
 /// Sends a sequence command and takes the sequence data of the answer over.
 CommandResult SendSequence(Core& core, PF_Cmd command, RendererInstance& instance);
 /// Sequence setup or resetup; the result stays in the instance too.

@@ -1,8 +1,10 @@
 #include <algorithm>
+#include <cstddef>
 #include <cstring>
 
 #include "sdk/effect_suites.h"
 #include "standin/callback.h"
+#include "standin/snapshot.h"
 
 namespace standin {
 namespace {
@@ -85,9 +87,15 @@ PF_Err UpdateParamUi(Core& core, PF_ProgPtr effect, PF_ParamIndex index,
     return core.Refuse("PF_UpdateParamUI", "no definition, or a name without a terminating zero");
   }
   PF_ParamDef& own = instance->parameters[static_cast<std::size_t>(index)].definition;
-  if (own.param_type != definition->param_type || own.uu.id != definition->uu.id) {
-    return core.Refuse("PF_UpdateParamUI",
-                       "the definition of another parameter than " + std::to_string(index));
+  const auto other =
+      Snapshot(&own, sizeof own)
+          .FirstChange(definition, {{offsetof(PF_ParamDef, name), sizeof own.name},
+                                    {offsetof(PF_ParamDef, ui_flags), sizeof own.ui_flags}});
+  if (other) {
+    return core.Refuse("PF_UpdateParamUI", "a definition that is not parameter " +
+                                               std::to_string(index) + "'s at byte " +
+                                               std::to_string(*other) +
+                                               "; its name and ui_flags alone may differ");
   }
   std::memcpy(own.name, definition->name, sizeof own.name);
   own.ui_flags = definition->ui_flags;
