@@ -1,6 +1,11 @@
 // Commands, the bracket around those that touch OpenGL, and what reaches the host of an exception.
 
+#include <string>
+#include <thread>
+
 #include "check/support/host_test.h"
+#include "check/support/parameters.h"
+#include "check/support/pieces.h"
 #include "check/support/promise.h"
 
 namespace check::commands {
@@ -28,22 +33,41 @@ CHECK_F(Commands, AboutTellsNameAndVersion, "About tells name, version and trade
   EXPECT_EQ(host.About().message, "QEZ_Tarvo_renderer, v1.0.3\rIK & rigging.");
 }
 
-/// Every command in turn finds no suite at all, so that its handler throws. The host compares its
-/// OpenGL context after each call; TearDown asks whether that found anything.
+/// Every command in turn finds no suite at all, so that its handler throws; renders have a check of
+/// their own. The host compares its OpenGL context after each call; TearDown asks whether that
+/// found anything.
 CHECK_F(Commands, MissingSuitesComeBackAsBadCallbackParam,
-        "Without any suite each command returns 516, and the context is handed back.") {
-  Host& host = StartHost();
+        "Without any suite each command that needs one returns 516, the others succeed, and the "
+        "context is handed back.") {
+  MakeHost().gate.FailOperation("AcquireSuite", 1, {}, true);
+  EXPECT_EQ(TheHost().GlobalSetup().code, PF_Err_BAD_CALLBACK_PARAM);
+  EndHost();
+  Host& host = MakeHost();
+  ASSERT_TRUE(host.GlobalSetup().Ok());
+  host.gate.FailOperation("AcquireSuite", 1, {}, true);
+  ASSERT_TRUE(host.ParamsSetup().Ok());
+  host.gate.FailNothing();
   auto& renderer = host.AddRenderer(TheLayer());
   CompanionSlot record{};
   PF_UserChangedParamExtra change{1};
+  const struct {
+    A_long command;
+    void* extra = nullptr;
+    PF_Err expected = PF_Err_BAD_CALLBACK_PARAM;
+  } cases[] = {{PF_Cmd_ABOUT},
+               {PF_Cmd_SEQUENCE_SETUP},
+               {PF_Cmd_SEQUENCE_RESETUP},
+               {PF_Cmd_SEQUENCE_SETDOWN},
+               {PF_Cmd_FRAME_SETUP, nullptr, PF_Err_NONE},
+               {PF_Cmd_UPDATE_PARAMS_UI},
+               {PF_Cmd_USER_CHANGED_PARAM, &change},
+               {PF_Cmd_COMPLETELY_GENERAL, &record},
+               {PF_Cmd_GLOBAL_SETDOWN}};
   host.gate.FailOperation("AcquireSuite", 1, {}, true);
-  EXPECT_EQ(host.About().code, PF_Err_BAD_CALLBACK_PARAM);
-  EXPECT_EQ(host.UpdateParamsUi(renderer).code, PF_Err_BAD_CALLBACK_PARAM);
-  EXPECT_EQ(host.SendRecord(renderer, &record).code, PF_Err_BAD_CALLBACK_PARAM);
-  EXPECT_EQ(host.Call(PF_Cmd_USER_CHANGED_PARAM, &renderer, &change).code,
-            PF_Err_BAD_CALLBACK_PARAM);
-  EXPECT_EQ(host.AddRenderer(TheLayer()).setup.code, PF_Err_BAD_CALLBACK_PARAM);
-  EXPECT_TRUE(host.ContextIsCurrent());
+  for (const auto& [command, extra, expected] : cases) {
+    EXPECT_EQ(host.Call(command, &renderer, extra).code, expected) << standin::CommandName(command);
+    EXPECT_TRUE(host.ContextIsCurrent()) << standin::CommandName(command);
+  }
 }
 
 /// A code thrown by a callback of the host's, in a handler without a guard of its own.
@@ -58,6 +82,61 @@ CHECK_F(Commands, ThrownCodesComeBackAsBadCallbackParam,
     EXPECT_EQ(host.SendRecord(renderer, &record).code, PF_Err_BAD_CALLBACK_PARAM) << operation;
     EXPECT_EQ(host.gate.Injected(operation), 1U);
     EXPECT_TRUE(host.ContextIsCurrent()) << operation;
+  }
+}
+
+/// As from a host that renders in threads of its own, where no OpenGL context is current.
+CHECK_F(Commands, MayComeFromAnyThread,
+        "Each command may come from another thread than the one before it: the picture is the "
+        "same, and what was current there is current again.") {
+  Host& host = StartHost();
+  auto& bone = host.AddCompanion(TheLayer(), "Arm");
+  bone.pieces = {Piece({10, 10, 40, 40}, {1, 1, 6, 6}, 0.5)};
+  auto& renderer = host.AddRenderer(TheLayer());
+  const auto sendAndRender = [&] {
+    bone.imageA.Set(Pattern(8, 8, 1));
+    EXPECT_TRUE(host.Send(bone, renderer).tookA);
+    const standin::RenderResult result = host.Render(renderer);
+    EXPECT_TRUE(result.command.Ok());
+    EXPECT_TRUE(host.ContextIsCurrent());
+    return result.picture;
+  };
+  const standin::Picture expected = sendAndRender();
+  standin::Picture elsewhere;
+  std::thread([&] {
+    EXPECT_TRUE(host.Remove(host.AddRenderer(TheLayer())).Ok());
+    elsewhere = sendAndRender();
+  }).join();
+  EXPECT_EQ(elsewhere, expected);
+  EXPECT_EQ(sendAndRender(), expected);
+}
+
+/// Arguments that change nothing in this host and much in others.
+CHECK_F(Commands, AskTheHostAsAgreed,
+        "The plug-in registers under its match name without a reference of its own, reads values "
+        "at layer time 0 after expressions and names as the user has them, changes what is shown "
+        "without an undo step, and reports no error of a quiet section.") {
+  Host& host = StartHost();
+  host.AddCompanion(TheLayer(), "Arm");
+  auto& renderer = host.AddRenderer(TheLayer());
+  EXPECT_EQ(host.Idle(), A_Err_NONE);
+  EXPECT_TRUE(host.UpdateParamsUi(renderer).Ok());
+  EXPECT_TRUE(host.SetParameter(renderer, kUpdater, 2).Ok());
+  const struct {
+    const char* operation;
+    const char* arguments;  // as the log has them, or a part of that
+  } cases[] = {{"AEGP_RegisterWithAEGP", "null, \"QEZ_Tarvo_renderer\", "},
+               {"AEGP_RegisterIdleHook", ", a function, null"},
+               {"AEGP_GetNewStreamValue", ", 0, 0/1 s, 0, "},
+               {"AEGP_GetStreamName", ", 0, "},
+               {"AEGP_SetDynamicStreamFlag", ", 2, 0, "},
+               {"AEGP_EndQuietErrors", "0, "}};
+  for (const auto& [operation, arguments] : cases) {
+    EXPECT_GT(host.gate.Calls(operation), 0U) << operation;
+    for (const standin::CallRecord& call : host.gate.Log()) {
+      if (call.operation != operation) continue;
+      EXPECT_NE(call.arguments.find(arguments), std::string::npos) << operation << call.arguments;
+    }
   }
 }
 

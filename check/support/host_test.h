@@ -27,6 +27,7 @@ class HostTest : public ::testing::Test {
     return *host_;
   }
 
+  standin::Host& TheHost() { return *host_; }
   standin::Layer& TheLayer() { return *layer_; }
 
   /// Ends the host, for a case that makes several.
