@@ -48,12 +48,16 @@ CHECK_F(Extent, EnclosesThePiecesWithAMargin,
   const double none = std::numeric_limits<double>::quiet_NaN();
   const Frame full{};
   const Frame half{.downsampleX = 2, .downsampleY = 2};
+  const Frame flat{.downsampleX = 1, .downsampleY = 4};
+  const Frame odd{.downsampleX = 2, .downsampleY = 2, .downsampleNumerator = 3};
   const Frame shifted{.preEffectOriginX = 30, .preEffectOriginY = 40};
   const ExtentCase cases[] = {
       {"no piece", {}, full, 1920, 1080, {0, 0}},
       {"no piece, shifted", {}, shifted, 1920, 1080, {-30, -40}},
       {"one quad", quad, full, 110, 56, {-5, -17}},
       {"half resolution", quad, half, 56, 29, {-2, -8}},
+      {"quarter height", quad, flat, 110, 15, {-5, -4}},
+      {"numerators beside 1", quad, odd, 56, 29, {-2, -8}},
       {"shifted", quad, shifted, 110, 56, {-35, -57}},
       {"single precision", wide, full, 90, 110, {55, 15}},
       {"a point between pixels", {{3.5, 4.5}}, full, 1, 1, {-3, -4}},
@@ -66,6 +70,7 @@ CHECK_F(Extent, EnclosesThePiecesWithAMargin,
        30'000,
        12,
        {std::numeric_limits<A_long>::max(), 1}},
+      {"taller than any image", {{0, -20'000}, {10, 20'000}}, full, 12, 30'000, {1, 22'000}},
   };
   Host& host = StartHost();
   for (const ExtentCase& expected : cases) {
