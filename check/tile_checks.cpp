@@ -14,18 +14,20 @@ namespace {
 using standin::Picture;
 using Tiles = RigTest;
 
-/// Wider than any target that the plug-in makes for itself: 4096 pixels.
-CHECK_F(Tiles, OfABannerAreWhatTheModelDraws,
-        "An output wider than any render target is drawn as if it were one.") {
+/// Longer than any target that the plug-in makes for itself: 4096 pixels.
+void ExpectDrawnAsOne(Rig& rig, bool tall) {
+  const auto laid = [&](double along, double across, double length, double breadth) {
+    return tall ? Box{.left = across, .top = along, .width = breadth, .height = length}
+                : Box{.left = along, .top = across, .width = length, .height = breadth};
+  };
   for (std::uint32_t bone = 0; bone < 3; ++bone) {
     std::vector<PieceQuad> pieces;
     for (int i = 0; i < 24; ++i) {
-      const Box area{.left = 180.0 * i, .top = 0, .width = 220, .height = 60};
-      pieces.push_back(
-          WarpedPieces(700 + bone * 100 + static_cast<std::uint32_t>(i), 1, area, 64, 48).front());
+      const std::uint32_t seed = 700 + bone * 100 + static_cast<std::uint32_t>(i);
+      pieces.push_back(WarpedPieces(seed, 1, laid(180.0 * i, 0, 220, 60), 64, 48).front());
     }
     // One across the place where the first tile ends.
-    pieces.push_back(Piece({.left = 3700, .top = 5.0 + 8 * bone, .width = 500, .height = 30},
+    pieces.push_back(Piece(laid(3700, 5.0 + 8 * bone, 500, 30),
                            {.left = 3, .top = 3, .width = 58, .height = 42}, 0.5));
     rig.AddBone(Pattern(64, 48, 31 + bone, 220), pieces);
   }
@@ -33,11 +35,21 @@ CHECK_F(Tiles, OfABannerAreWhatTheModelDraws,
   for (const bool exact : {false, true}) {
     rig.SetFast(!exact);
     const Picture picture = rig.Render().picture;
-    ASSERT_GT(picture.width, 4096);
+    ASSERT_GT(tall ? picture.height : picture.width, 4096);
     const auto expected = rig.Expected(picture);
     const auto comparison = standin::Compare(picture, expected.picture, 2, expected.decided);
     EXPECT_LE(comparison.beyond, exact ? comparison.compared / 20'000 : 0);
   }
+}
+
+CHECK_F(Tiles, OfABannerAreWhatTheModelDraws,
+        "An output wider than any render target is drawn as if it were one.") {
+  ExpectDrawnAsOne(rig, false);
+}
+
+CHECK_F(Tiles, OfATowerAreWhatTheModelDraws,
+        "An output taller than any render target is drawn as if it were one.") {
+  ExpectDrawnAsOne(rig, true);
 }
 
 }  // namespace
