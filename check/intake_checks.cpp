@@ -40,14 +40,6 @@ class Intake : public HostTest {
     return companion;
   }
 
-  static CompanionSlot RecordOf(const std::vector<PieceQuad>& pieces, std::int32_t effectIndex) {
-    CompanionSlot record{};
-    record.quads = {
-        pieces.data(), pieces.data() + pieces.size(), pieces.data() + pieces.size(), {}};
-    record.effectIndex = effectIndex;
-    return record;
-  }
-
   static A_long WidthOf(Host& host, RendererInstance& renderer) {
     return host.FrameSetup(renderer).width;
   }
@@ -63,6 +55,7 @@ CHECK_F(Intake, NumbersSwitchedOnCompanionsFromTheTop,
   Companion& middle = AddBone(host, 2, 2);
   host.AddEffect(TheLayer(), "qez_tarvo", 0);
   host.AddEffect(TheLayer(), "QEZ_Tarvo ", 2);
+  host.AddEffect(TheLayer(), std::string(47, 'x'));  // as long as hosts have them
   for (Companion* bone : {&last, &first, &middle}) host.Send(*bone, renderer);
   EXPECT_EQ(BoneNumbers::Seen(host, renderer, 3), (Numbers{1, 2, 3}));
 
@@ -192,17 +185,25 @@ CHECK_F(
   EXPECT_EQ(host.Render(renderer).picture.At(22, 22), kBlue);
 }
 
-/// Image B is not taken either: the chain.
+/// Image B is not copied either, but counts as taken all the same: the chain. A world that was not
+/// disposed of by then is left to nobody.
 CHECK_F(Intake, LosesNothingWhenATakeFails,
-        "A take that the host fails returns its code and leaves no world behind; the next message "
-        "and frame go well.") {
-  for (const std::string operation : {"new_world", "copy", "dispose_world"}) {
+        "A take that the host fails returns its code, clears the flags of both images and leaves "
+        "no world of the plug-in's behind; the next message and frame go well.") {
+  const struct {
+    std::string operation;
+    std::size_t abandoned;
+  } cases[] = {{"new_world", 2}, {"copy", 2}, {"dispose_world", 1}};
+  for (const auto& [operation, abandoned] : cases) {
     Host& host = StartHost();
     Companion& companion = AddPiece(host, Pattern(8, 8, 1));
     companion.imageB.Set(Pattern(6, 6, 2));
     auto& renderer = host.AddRenderer(TheLayer());
     host.gate.FailOperation(operation, 1, {.code = 55});
-    EXPECT_EQ(host.Send(companion, renderer).command.code, 55) << operation;
+    const standin::SendResult failed = host.Send(companion, renderer);
+    EXPECT_EQ(failed.command.code, 55) << operation;
+    EXPECT_TRUE(failed.tookA && failed.tookB) << operation;
+    EXPECT_EQ(host.AbandonedWorlds(), abandoned) << operation;
     EXPECT_EQ(host.books.Count(Kind::kWorld), operation == "dispose_world" ? 1U : 0U) << operation;
     EXPECT_TRUE(host.Send(companion, renderer).command.Ok()) << operation;
     EXPECT_TRUE(host.Render(renderer).command.Ok()) << operation;

@@ -84,6 +84,14 @@ std::vector<PieceQuad> WarpedPieces(std::uint32_t seed, int count, const Box& ar
   return pieces;
 }
 
+CompanionSlot RecordOf(const std::vector<PieceQuad>& pieces, std::int32_t place) {
+  CompanionSlot record{};
+  record.quads.first = pieces.data();
+  record.quads.last = record.quads.reservedEnd = pieces.data() + pieces.size();
+  record.effectIndex = place;
+  return record;
+}
+
 Picture Pattern(int width, int height, std::uint32_t seed, std::uint8_t alpha) {
   Dice dice(seed);
   const double red = dice.Between(0, 6);

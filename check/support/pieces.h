@@ -29,6 +29,10 @@ PieceQuad Piece(const Box& place, const Box& cut, double boneT,
 std::vector<PieceQuad> WarpedPieces(std::uint32_t seed, int count, const Box& area, int imageWidth,
                                     int imageHeight, std::uint32_t imageSelect = TARVO_IMAGE_A);
 
+/// What a companion at this place of the stack sends that has these pieces and no new image. The
+/// pieces must outlive the record.
+CompanionSlot RecordOf(const std::vector<PieceQuad>& pieces, std::int32_t place);
+
 /// A smooth pattern of one alpha; each seed has colours of its own.
 standin::Picture Pattern(int width, int height, std::uint32_t seed, std::uint8_t alpha = 255);
 /// The pattern with an alpha that falls from 255 in the middle to 0 at the border.
