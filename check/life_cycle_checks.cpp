@@ -51,13 +51,17 @@ class Instances : public HostTest {
     host.memory.HostUnlock(host.GlobalData());
   }
 
-  /// A companion above the renderer, one piece with one image sent.
+  /// A companion above the renderer, which has sent one piece with one image.
   standin::Companion& SendOnePiece(Host& host, RendererInstance& renderer) {
     auto& companion = host.AddCompanion(TheLayer(), "Arm", 0);
     companion.pieces = {Piece({10, 10, 40, 40}, {1, 1, 6, 6}, 0.5)};
+    SendImage(host, companion, renderer);
+    return companion;
+  }
+
+  static void SendImage(Host& host, standin::Companion& companion, RendererInstance& renderer) {
     companion.imageA.Set(Pattern(8, 8, 1));
     EXPECT_TRUE(host.Send(companion, renderer).tookA);
-    return companion;
   }
 };
 
@@ -84,7 +88,7 @@ CHECK_F(GlobalSetup, SwitchesOpenGlOffOnlyWhereOldHostsHaveIt,
     bool touched;
   } cases[] = {{10, true, true}, {10, false, false}, {11, true, false}, {13, true, false}};
   for (const auto& [major, exists, touched] : cases) {
-    standin::HostOptions options{.versionMajor = major};
+    standin::HostOptions options{.versionMajor = major, .pathIsWide = major >= 11};
     if (exists) options.preferences[key] = 1;
     Host& host = StartHost(options);
     EXPECT_EQ(host.Preferences().count(key), exists ? 1U : 0U) << major;
@@ -148,9 +152,9 @@ CHECK_F(Instances, AreNumberedAndNumbersStartOver,
   EXPECT_EQ(CounterOf(host), 0);
 }
 
-CHECK_F(
-    Instances, NeverFollowSavedOrCopiedBytes,
-    "A duplicated or reopened instance starts without pieces, and the original keeps its own.") {
+CHECK_F(Instances, NeverFollowSavedOrCopiedBytes,
+        "A duplicated or reopened instance starts without pieces and with a new number, and the "
+        "original keeps its own.") {
   Host& host = StartHost();
   auto& original = host.AddRenderer(TheLayer());
   SendOnePiece(host, original);
@@ -162,8 +166,45 @@ CHECK_F(
   EXPECT_EQ(host.FrameSetup(original).width, kPieceWidth);
   EXPECT_NE(NumberOf(copy), NumberOf(original));
 
+  SetCounter(host, 7);
   host.SaveAndReopen();
   EXPECT_EQ(host.FrameSetup(original).width, kEmptyWidth);
+  EXPECT_EQ(NumberOf(original), 5);  // two went, and the counter with them
+  EXPECT_EQ(NumberOf(copy), 6);
+}
+
+/// A saved project may bring a handle of any size, a host may have given its memory up, and may
+/// have none.
+CHECK_F(Instances, AreMadeAnewFromAnyHandle,
+        "A resetup makes an empty store of the plug-in's own size from a handle of any size and "
+        "from one without memory, and none without a handle; a set-down without one counts all "
+        "the same.") {
+  Host& host = StartHost();
+  auto& renderer = host.AddRenderer(TheLayer());
+  const auto expectNewStore = [&](PF_Handle old) {
+    renderer.sequenceData = old;
+    EXPECT_TRUE(host.Call(PF_Cmd_SEQUENCE_RESETUP, &renderer).Ok());
+    EXPECT_NE(renderer.sequenceData, old);
+    ASSERT_EQ(host.memory.Size(renderer.sequenceData, "test"), sizeof(Store));
+    EXPECT_EQ(NumberOf(renderer), 1);
+    EXPECT_EQ(host.FrameSetup(renderer).width, kEmptyWidth);
+  };
+  for (const A_HandleSize bytes : {0U, 1U, 100'000U}) {
+    EXPECT_TRUE(host.Call(PF_Cmd_SEQUENCE_SETDOWN, &renderer).Ok());
+    expectNewStore(host.memory.New(bytes));
+  }
+  SendOnePiece(host, renderer);
+  const PF_Handle purged = renderer.sequenceData;
+  host.memory.Purge(purged);
+  SetCounter(host, 1);
+  expectNewStore(purged);
+  host.memory.Dispose(purged, "test");
+
+  EXPECT_TRUE(host.Call(PF_Cmd_SEQUENCE_SETDOWN, &renderer).Ok());
+  EXPECT_TRUE(host.Call(PF_Cmd_SEQUENCE_RESETUP, &renderer).Ok());
+  EXPECT_EQ(renderer.sequenceData, nullptr);
+  EXPECT_TRUE(host.Call(PF_Cmd_SEQUENCE_SETDOWN, &renderer).Ok());
+  EXPECT_EQ(CounterOf(host), 0);
 }
 
 CHECK_F(Instances, OfACopyWithoutMemoryDoNotReachTheOriginal,
@@ -213,7 +254,10 @@ CHECK_F(Instances, GoWithoutMemoryOrLock,
   EXPECT_EQ(unlocked.setup.code, PF_Err_NONE);
   EXPECT_EQ(unlocked.sequenceData, nullptr);
   EXPECT_TRUE(idleWorks());
-  // Handlers do without a store: nothing is read, a frame is transparent.
+  // Handlers do without a store: nothing is read, the extent stays the host's, a frame is
+  // transparent.
+  const auto extent = host.FrameSetup(unlocked, {.preEffectOriginX = 30, .preEffectOriginY = 40});
+  EXPECT_TRUE(extent.command.Ok() && extent.originX == 0 && extent.originY == 0);
   CompanionSlot record{};
   EXPECT_EQ(host.SendRecord(unlocked, &record).code, PF_Err_NONE);
   const auto frame = host.RenderInto(unlocked, {.width = 8, .height = 8});
@@ -242,18 +286,26 @@ CHECK_F(Instances, KeepTheOldStoreThatAResetupCannotReplace,
   }
 }
 
-/// Images that no frame uploaded, and textures that frames did, go with their instance.
+/// What of it became a texture no host can see.
 CHECK_F(Instances, GiveBackWhatTheyHold,
-        "Images that no frame has used and that frames have used go with their instance.") {
-  Host& host = StartHost();
-  auto& renderer = host.AddRenderer(TheLayer());
-  SendOnePiece(host, renderer);
-  ASSERT_TRUE(host.Render(renderer).command.Ok());
-  const auto before = host.books.Count(standin::Kind::kWorld);  // the host's own
-  SendOnePiece(host, renderer);
-  EXPECT_EQ(host.books.Count(standin::Kind::kWorld), before + 1);
-  host.Remove(renderer);
-  EXPECT_EQ(host.books.Count(standin::Kind::kWorld), before);
+        "Images that wait for a frame go back to the host with their instance, and with the whole "
+        "plug-in.") {
+  for (const bool removed : {true, false}) {
+    Host& host = StartHost();
+    auto& renderer = host.AddRenderer(TheLayer());
+    auto& companion = SendOnePiece(host, renderer);
+    ASSERT_TRUE(host.Render(renderer).command.Ok());
+    const auto before = host.books.Count(standin::Kind::kWorld);  // the host's own
+    SendImage(host, companion, renderer);
+    EXPECT_EQ(host.books.Count(standin::Kind::kWorld), before + 1);
+    if (removed) {
+      host.Remove(renderer);
+      EXPECT_EQ(host.books.Count(standin::Kind::kWorld), before);
+    } else {
+      EXPECT_TRUE(host.GlobalSetdown().Ok());
+    }
+    EndHost();
+  }
 }
 
 }  // namespace
