@@ -2,8 +2,12 @@
 
 #include <cmath>
 #include <cstddef>
+#include <cstdint>
+#include <string>
+#include <tuple>
 
 #include "check/support/host_test.h"
+#include "check/support/parameters.h"
 #include "check/support/promise.h"
 
 namespace check::parameters {
@@ -13,46 +17,58 @@ using standin::Host;
 
 using Parameters = HostTest;
 
-struct DeclaredCase {
-  int index;
-  const char* label;
-  PF_ParamType type;
-  PF_ParamFlags flags;
-  double value;
-};
-
 CHECK_F(Parameters, AreDeclaredInOrder,
         "The 54 parameters are declared in their order, with their ranges and defaults.") {
   Host& host = StartHost();
   const auto& parameters = host.DeclaredParameters();
   ASSERT_EQ(parameters.size(), 54U);
-  const DeclaredCase cases[] = {
-      {1, "Bone 1 start Z", PF_Param_FLOAT_SLIDER, 64, 0},
-      {2, "Bone 1 end Z", PF_Param_FLOAT_SLIDER, 64, 0},
-      {3, "Bone 2 start Z", PF_Param_FLOAT_SLIDER, 64, -1},
-      {49, "Bone 25 start Z", PF_Param_FLOAT_SLIDER, 64, -24},
-      {50, "Bone 25 end Z", PF_Param_FLOAT_SLIDER, 64, -24},
-      {51, "Hidden", PF_Param_CHECKBOX, 64, 0},
-      {52, "Updater:", PF_Param_POPUP, 66, 1},
-      {53, "Fast transparency", PF_Param_CHECKBOX, 0, 1},
-  };
-  for (const DeclaredCase& expected : cases) {
-    const auto& parameter = parameters[static_cast<std::size_t>(expected.index)];
-    EXPECT_EQ(parameter.Name(), expected.label);
-    EXPECT_EQ(parameter.definition.uu.id, expected.index);
-    EXPECT_EQ(parameter.definition.param_type, expected.type) << expected.label;
-    EXPECT_EQ(parameter.definition.flags, expected.flags) << expected.label;
-    EXPECT_EQ(parameter.Value(), expected.value) << expected.label;
+  for (int index = 1; index <= 53; ++index) {
+    const PF_ParamDef& definition = parameters[static_cast<std::size_t>(index)].definition;
+    EXPECT_EQ(definition.uu.id, index);
+    EXPECT_EQ(definition.ui_flags, 0) << index;
   }
-  EXPECT_TRUE(std::signbit(parameters[1].definition.u.fs_d.value));
-  const PF_FloatSliderDef& last = parameters[50].definition.u.fs_d;
-  EXPECT_EQ(last.dephault, -24.0F);
-  EXPECT_EQ(last.valid_min, -1e9F);
-  EXPECT_EQ(last.slider_max, 100.0F);
-  EXPECT_EQ(last.curve_tolerance, 0.05F);
-  EXPECT_EQ(last.precision, 2);
-  EXPECT_STREQ(parameters[52].definition.u.pd.u.namesptr, "...|Update");
-  EXPECT_STREQ(parameters[51].definition.u.bd.u.nameptr, "");
+  for (int index = 1; index <= 50; ++index) {
+    SCOPED_TRACE(index);
+    const int bone = (index + 1) / 2;
+    const auto& parameter = parameters[static_cast<std::size_t>(index)];
+    EXPECT_EQ(parameter.Name(),
+              "Bone " + std::to_string(bone) + (index == StartZ(bone) ? " start Z" : " end Z"));
+    EXPECT_EQ(parameter.definition.param_type, PF_Param_FLOAT_SLIDER);
+    EXPECT_EQ(parameter.definition.flags, 64);
+    const PF_FloatSliderDef& slider = parameter.definition.u.fs_d;
+    EXPECT_EQ(slider.value, 1.0 - bone);
+    EXPECT_TRUE(std::signbit(slider.value));  // bone 1's zero, too
+    EXPECT_EQ(slider.dephault, slider.value);
+    EXPECT_EQ(std::tuple(slider.valid_min, slider.valid_max), std::tuple(-1e9F, 1e9F));
+    EXPECT_EQ(std::tuple(slider.slider_min, slider.slider_max), std::tuple(-100.0F, 100.0F));
+    EXPECT_EQ(std::tuple(slider.precision, slider.display_flags, slider.fs_flags),
+              std::tuple(2, 0, 0));
+    EXPECT_EQ(slider.curve_tolerance, 0.05F);
+  }
+  const struct {
+    const char* label;
+    PF_ParamType type;
+    PF_ParamFlags flags;
+    int value;
+    int (*initial)(const PF_ParamDefUnion& kind);
+  } controls[] = {
+      {"Hidden", PF_Param_CHECKBOX, 64, 0,
+       [](const auto& kind) -> int { return kind.bd.dephault; }},
+      {"Updater:", PF_Param_POPUP, 66, 1, [](const auto& kind) -> int { return kind.pd.dephault; }},
+      {"Fast transparency", PF_Param_CHECKBOX, 0, 1,
+       [](const auto& kind) -> int { return kind.bd.dephault; }}};
+  auto parameter = parameters.begin() + kHidden;
+  for (const auto& [label, type, flags, value, initial] : controls) {
+    EXPECT_EQ(parameter->Name(), label);
+    EXPECT_EQ(parameter->definition.param_type, type) << label;
+    EXPECT_EQ(parameter->definition.flags, flags) << label;
+    EXPECT_EQ(parameter->Value(), value) << label;
+    EXPECT_EQ(initial(parameter->definition.u), value) << label;
+    ++parameter;
+  }
+  EXPECT_STREQ(parameters[kUpdater].definition.u.pd.u.namesptr, "...|Update");
+  EXPECT_STREQ(parameters[kHidden].definition.u.bd.u.nameptr, "");
+  EXPECT_STREQ(parameters[kFastTransparency].definition.u.bd.u.nameptr, "");
 }
 
 CHECK_F(Parameters, EndWithARefusedOne,
