@@ -85,6 +85,15 @@ void ManyWarpedPieces(Rig& rig, std::uint32_t seed) {
   }
 }
 
+/// Pieces of one bone at one place along it: what they come in is what the sort's steps leave.
+void EqualDepths(Rig& rig) {
+  for (std::uint32_t bone = 0; bone < 2; ++bone) {
+    auto pieces = WarpedPieces(41 + bone, 9, kLayerArea, 64, 48);
+    for (PieceQuad& piece : pieces) piece.boneT = 0.5;
+    rig.AddBone(Pattern(64, 48, 51 + bone, 150), pieces);
+  }
+}
+
 void WarpedPiecesSeed11(Rig& rig) { ManyWarpedPieces(rig, 11); }
 void WarpedPiecesSeed12(Rig& rig) { ManyWarpedPieces(rig, 12); }
 void WarpedPiecesSeed13(Rig& rig) { ManyWarpedPieces(rig, 13); }
@@ -128,6 +137,7 @@ const std::vector<Case> kCases{
     {"OverlappingImages", OverlappingImages},
     {"OverlapWithinOneImage", OverlapWithinOneImage},
     {"BothImagesOfOneBone", BothImagesOfOneBone},
+    {"EqualDepths", EqualDepths},
     {"WarpedPiecesSeed11", WarpedPiecesSeed11},
     {"WarpedPiecesSeed12", WarpedPiecesSeed12},
     {"WarpedPiecesSeed13", WarpedPiecesSeed13},
