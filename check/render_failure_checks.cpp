@@ -1,6 +1,8 @@
 // Renders that cannot succeed: what they report, what they leave in the output and what they give
 // back.
 
+#include <cstddef>
+#include <cstdint>
 #include <ostream>
 #include <string>
 #include <vector>
@@ -97,15 +99,65 @@ CHECK_F(FailedRenders, ReportAFailedFillUnlessAnImageWaits,
   }
 }
 
+/// Every upload's buffer in turn, of four new images. What the next frame must show of them is sent
+/// anew and drawn, for comparison.
+CHECK_F(FailedRenders, GiveUpTheImagesOfOneBoneAlone,
+        "An upload that the host fails gives up what its bone still waits with; images of other "
+        "bones show in the next frame, and those given up show as before.") {
+  const auto bones = rig.ActiveCompanions();
+  std::vector<standin::CompanionImage*> images;
+  for (standin::Companion* bone : bones) {
+    images.push_back(&bone->imageA);
+    images.push_back(&bone->imageB);
+  }
+  const std::vector<std::vector<std::size_t>> givenUp{{0, 1}, {1}, {2, 3}, {3}};
+  std::uint32_t seed = 100;
+  for (std::size_t upload = 0; upload < images.size(); ++upload) {
+    std::vector<Picture> before;
+    for (standin::CompanionImage* image : images) {
+      before.push_back(image->picture);
+      image->Set(Pattern(image->picture.width, image->picture.height, ++seed));
+    }
+    rig.Send();
+    rig.host.gate.FailOperation("host_new_handle", upload + 1, kReturned);
+    EXPECT_EQ(RenderBadly().command.code, kCancel);
+    const Picture next = rig.Render().picture;
+    for (const std::size_t at : givenUp[upload]) images[at]->picture = before[at];
+    SendImages();
+    EXPECT_EQ(next, rig.Render().picture) << upload;
+  }
+}
+
+/// What pieces without their map look like is up to the driver. Where they are to be seen is found
+/// by sending them as naming no image.
 CHECK_F(FailedRenders, LeaveOutAMapWithoutMemory,
-        "An ownership map without memory is left out, and the rest is drawn.") {
+        "An ownership map without memory is left out, and where its image is not to be seen the "
+        "frame is as ever.") {
   rig.SetFast(false);
+  const auto bones = rig.ActiveCompanions();
   const Picture exact = rig.Render().picture;
-  for (std::uint64_t map = 1; map <= 8; ++map) {  // two maps for each of the four images
-    rig.host.gate.FailOperation("host_new_handle", map, kReturned);
+  for (std::uint64_t map = 0; map < 8; ++map) {  // for A and for B: two maps of each bone's image
+    const std::uint64_t injected = rig.host.gate.Injected();
+    rig.host.gate.FailOperation("host_new_handle", map + 1, kReturned);
     const RenderResult result = RenderBadly();
+    EXPECT_EQ(rig.host.gate.Injected(), injected + 1);
     EXPECT_EQ(result.command.code, PF_Err_NONE);
-    EXPECT_FALSE(IsTransparent(result.picture)) << map;
+
+    standin::Companion& bone = *bones[map % 2];
+    const std::vector<PieceQuad> pieces = bone.pieces;
+    for (PieceQuad& piece : bone.pieces) {
+      if (piece.imageSelect == (map < 4 ? TARVO_IMAGE_A : TARVO_IMAGE_B)) piece.imageSelect = 1;
+    }
+    rig.Send();
+    const Picture without = rig.Render().picture;
+    std::size_t changed = 0;
+    for (std::size_t at = 0; at < exact.pixels.size(); ++at) {
+      const bool elsewhere = without.pixels[at] == exact.pixels[at];
+      changed += elsewhere && result.picture.pixels[at] != exact.pixels[at] ? 1U : 0U;
+    }
+    EXPECT_EQ(changed, 0U) << map;
+    bone.pieces = pieces;
+    rig.Send();
   }
   EXPECT_EQ(rig.Render().picture, exact);
 }
