@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <limits>
 #include <string>
 #include <vector>
@@ -24,7 +25,10 @@ std::string Label(const RendererInstance& renderer, int index) {
   return renderer.parameters[static_cast<std::size_t>(index)].Name();
 }
 
+/// Of the sliders and "Hidden"; the two controls below them are always shown.
 int ShownCount(const RendererInstance& renderer) {
+  EXPECT_FALSE(renderer.parameters[kUpdater].Hidden());
+  EXPECT_FALSE(renderer.parameters[kFastTransparency].Hidden());
   int shown = 0;
   for (int index = 1; index <= kHidden; ++index) {
     shown += renderer.parameters[static_cast<std::size_t>(index)].Hidden() ? 0 : 1;
@@ -37,13 +41,13 @@ double ValueOf(const RendererInstance& renderer, int index) {
 }
 
 CHECK_F(Sliders, FollowTheSwitchedOnCompanions,
-        "Each switched-on companion shows two sliders that bear its name, cut to 31 characters; "
-        "what has not changed is not sent.") {
+        "Each switched-on companion shows two sliders that bear its name, cut to 31 characters, "
+        "with nothing to undo; what has not changed is not sent.") {
   Host& host = StartHost();
   auto& arm = host.AddCompanion(TheLayer(), "Arm");
   auto& off = host.AddCompanion(TheLayer(), "Off");
   off.active = false;
-  host.AddEffect(TheLayer(), "Blur");
+  host.AddEffect(TheLayer(), std::string(47, 'x'));  // a match name as long as hosts have them
   auto& renderer = host.AddRenderer(TheLayer());
   host.AddCompanion(TheLayer(), std::string(31, 'x'));
   ASSERT_TRUE(host.UpdateParamsUi(renderer).Ok());
@@ -53,7 +57,7 @@ CHECK_F(Sliders, FollowTheSwitchedOnCompanions,
   EXPECT_EQ(Label(renderer, 3), std::string(31, 'x'));
   EXPECT_EQ(Label(renderer, 5), "Bone 3 start Z");
   EXPECT_EQ(host.gate.Calls("PF_UpdateParamUI"), 4U);
-  EXPECT_NE(renderer.parameters[1].definition.ui_flags & PF_PUI_INVISIBLE, 0);
+  EXPECT_EQ(renderer.parameters[1].definition.ui_flags, PF_PUI_INVISIBLE);
 
   // Nothing has changed: nothing is sent and nothing set.
   const auto flagsSet = host.gate.Calls("AEGP_SetDynamicStreamFlag");
@@ -71,6 +75,7 @@ CHECK_F(Sliders, FollowTheSwitchedOnCompanions,
   EXPECT_EQ(ShownCount(renderer), 2);
   EXPECT_EQ(Label(renderer, 1), std::string(31, 'x'));
   EXPECT_EQ(Label(renderer, 4), std::string(31, 'x'));
+  EXPECT_TRUE(host.Changes().empty());
 }
 
 CHECK_F(Sliders, AreHiddenWithoutCompanionsAndShownWithMany,
@@ -99,6 +104,46 @@ CHECK_F(Sliders, StayAsTheyAreWithoutAReference,
   EXPECT_TRUE(host.UpdateParamsUi(renderer).Ok());
   EXPECT_EQ(ShownCount(renderer), 51);
   EXPECT_EQ(Label(renderer, 1), "Bone 1 start Z");
+}
+
+CHECK_F(Sliders, StopAtTheFirstFailure,
+        "A failure of the host in the middle of the labelling ends it, and its code is the "
+        "result.") {
+  const struct {
+    const char* operation;
+    std::uint64_t occurrence = 1;
+    std::uint64_t flagsSet = 0;
+    std::uint64_t labelsSent = 0;
+  } cases[] = {{"AEGP_GetEffectLayer"},
+               {"AEGP_GetLayerNumEffects"},
+               {"AEGP_GetLayerEffectByIndex"},
+               {"AEGP_GetInstalledKeyFromLayerEffect"},
+               {"AEGP_GetEffectMatchName"},
+               {"AEGP_GetEffectFlags"},
+               {"AEGP_GetNewEffectStreamByIndex"},
+               {"AEGP_GetNewParentStreamRef"},
+               {"AEGP_GetStreamName"},
+               {"AEGP_DisposeStream", 2},
+               {"AEGP_DisposeEffect"},
+               {"AEGP_GetNewEffectForEffect"},
+               {"AEGP_GetNewEffectStreamByIndex", 2 + 10, 9 - 4},
+               {"AEGP_GetDynamicStreamFlags", 10, 9 - 4},
+               {"AEGP_SetDynamicStreamFlag", 6, 6},
+               {"AEGP_DisposeStream", 2 * 2 + 10, 10 - 4},
+               {"PF_UpdateParamUI", 3, 47, 3}};
+  for (const auto& [operation, occurrence, flagsSet, labelsSent] : cases) {
+    SCOPED_TRACE(std::string(operation) + " " + std::to_string(occurrence));
+    Host& host = StartHost();
+    host.AddCompanion(TheLayer(), "A");
+    host.AddCompanion(TheLayer(), "B");
+    auto& renderer = host.AddRenderer(TheLayer());
+    host.gate.FailOperation(operation, occurrence, {.code = 47});
+    EXPECT_EQ(host.UpdateParamsUi(renderer).code, 47);
+    EXPECT_EQ(host.gate.Injected(operation), 1U);
+    EXPECT_EQ(host.gate.Calls("AEGP_SetDynamicStreamFlag"), flagsSet);
+    EXPECT_EQ(host.gate.Calls("PF_UpdateParamUI"), labelsSent);
+    EndHost();
+  }
 }
 
 CHECK_F(Nudges, ReachEachSwitchedOnCompanionOnce,
@@ -167,6 +212,7 @@ CHECK_F(Idle, SwitchesHiddenOnInOneNamelessUndoGroup,
   Host& host = StartHost();
   auto& below = host.project.ActiveComposition()->AddLayer("Below", 10, 10);
   auto& renderer = host.AddRenderer(TheLayer());
+  host.AddEffect(below, std::string(47, 'x'));  // a match name as long as hosts have them
   auto& other = host.AddRenderer(below);
   other.active = false;  // switched off counts too
   ASSERT_EQ(host.Idle(), A_Err_NONE);
@@ -184,6 +230,42 @@ CHECK_F(Idle, SwitchesHiddenOnInOneNamelessUndoGroup,
   ASSERT_EQ(host.Idle(), A_Err_NONE);
   EXPECT_EQ(ValueOf(third, kHidden), 1);
   EXPECT_EQ(host.Changes().size(), 3U);
+}
+
+CHECK_F(Idle, WorkComesAgainAfterEverySetUp,
+        "Each new instance, each copy and each project that is opened brings the idle work again, "
+        "once.") {
+  Host& host = StartHost();
+  auto& renderer = host.AddRenderer(TheLayer());
+  const std::function<void()> setUps[] = {[&] { host.AddRenderer(TheLayer()); },
+                                          [&] { host.Duplicate(renderer); },
+                                          [&] { host.SaveAndReopen(); }};
+  for (const std::function<void()>& setUp : setUps) {
+    for (const double expected : {1, 0}) {
+      if (expected == 1) setUp();
+      renderer.parameters[kHidden].SetValue(0);
+      EXPECT_EQ(host.Idle(), A_Err_NONE);
+      EXPECT_EQ(ValueOf(renderer, kHidden), expected) << &setUp - setUps;
+    }
+  }
+}
+
+/// The idle hook gets no records: it has to remember where the host was last.
+CHECK_F(Idle, WorkReachesTheHostWhereTheLatestCommandDid,
+        "Idle work uses the basic suite that the latest command brought, whichever that was.") {
+  Host& host = StartHost();
+  auto& renderer = host.AddRenderer(TheLayer());
+  constexpr A_long kUnknownCommand = 18;
+  SPBasicSuite moved{};
+  moved.AcquireSuite = [](const char*, std::int32_t, const void**) -> SPErr { return 1; };
+  PF_InData in = host.InputRecord(&renderer);
+  in.pica_basicP = &moved;
+  PF_OutData out{};
+  host.CallWith(kUnknownCommand, in, out, nullptr, nullptr, nullptr);
+  const auto calls = host.gate.Calls();
+  EXPECT_EQ(host.Idle(), PF_Err_BAD_CALLBACK_PARAM);
+  EXPECT_EQ(host.gate.Calls(), calls);
+  EXPECT_TRUE(host.Call(kUnknownCommand, nullptr).Ok());
 }
 
 CHECK_F(Idle, WorkIsNotRetriedWithoutAComposition,
