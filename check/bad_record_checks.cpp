@@ -31,14 +31,6 @@ constexpr A_long kLeast = std::numeric_limits<A_long>::min();
 constexpr A_long kMost = std::numeric_limits<A_long>::max();
 constexpr PF_Err kRefused = 516;
 
-CompanionSlot RecordOf(const std::vector<PieceQuad>& pieces, int place) {
-  CompanionSlot record{};
-  record.quads.first = pieces.data();
-  record.quads.last = record.quads.reservedEnd = pieces.data() + pieces.size();
-  record.effectIndex = place;
-  return record;
-}
-
 /// A good bone in front, and one behind it whose records are spoilt.
 class BadRecords : public RigTest {
  protected:
@@ -328,17 +320,6 @@ CHECK_F(BadRecords, TakesAnImageWhoseDisposalThrows,
   EXPECT_EQ(rig.host.Send(bad, rig.renderer).command.code, kRefused);
   rig.Send();
   ExpectPictureAsBefore("a message that went well");
-}
-
-/// A host without a reference to the effect itself is not asked for the parameters of none.
-CHECK_F(BadRecords, NudgesWithoutAReferenceToItself,
-        "Without a reference to the effect itself the updater nudges the companions, and the host "
-        "is asked for nothing of no effect.") {
-  constexpr int kUpdater = 52;
-  rig.renderer.withoutReference = true;
-  const double before = front.NudgeCounter();
-  EXPECT_TRUE(rig.host.SetParameter(rig.renderer, kUpdater, 2).Ok());
-  EXPECT_EQ(front.NudgeCounter(), before + 1);
 }
 
 }  // namespace

@@ -67,19 +67,6 @@ CHECK_F(Intake, NumbersSwitchedOnCompanionsFromTheTop,
   EXPECT_EQ(BoneNumbers::Seen(host, renderer, 2), (Numbers{3, 3}));
 }
 
-CHECK_F(Intake, EmptiesWhatComesFromBeyondTheStack,
-        "A record from a place where no companion stands is not drawn.") {
-  Host& host = StartHost();
-  auto& renderer = host.AddRenderer(TheLayer());
-  AddBone(host, 1);
-  const auto pieces = WarpedPieces(1, 3, {0, 0, 100, 100}, 8, 8);
-  for (const std::int32_t place : {0, 5}) {  // the renderer's own, and one past the end
-    auto record = RecordOf(pieces, place);
-    EXPECT_EQ(host.SendRecord(renderer, &record).code, PF_Err_NONE);
-    EXPECT_EQ(WidthOf(host, renderer), kLayerWidth) << place;
-  }
-}
-
 CHECK_F(Intake, KeepsTheOldNumbersWithoutALayer,
         "When the host cannot name the layer, bones keep their numbers.") {
   Host& host = StartHost();

@@ -118,12 +118,9 @@ class ManySenders : public RigTest {
     const Companion* const companion = companions_[static_cast<std::size_t>(sender)];
     const bool lies = companion == nullptr || Roll(10) == 0;
     const int place = lies ? static_cast<int>(Roll(kMostSenders + 5)) : companion->Position();
-    const PieceQuad piece =
-        Piece({static_cast<double>(sender * kCell), 0, 2 * kCell, kHeight}, {1, 1, 2, 2}, 0.5);
-    CompanionSlot record{};
-    record.quads.first = &piece;
-    record.quads.last = record.quads.reservedEnd = &piece + 1;
-    record.effectIndex = place;
+    const std::vector<PieceQuad> pieces{
+        Piece({static_cast<double>(sender * kCell), 0, 2 * kCell, kHeight}, {1, 1, 2, 2}, 0.5)};
+    CompanionSlot record = RecordOf(pieces, place);
     record.opacityA = 1.0;
     record.newImageA = 1;
     const PF_EffectWorld image = rig.host.worlds.From(Picture(4, 4, ColourOf(sender)), "an image");

@@ -182,6 +182,18 @@ CHECK_F(Nudges, StopAtACompanionThatCannotBeNudged,
   }
 }
 
+/// Such a host is not asked for the parameters of no effect, either.
+CHECK_F(Nudges, GoOutWithoutAReferenceToTheEffect,
+        "Where the host has no reference to the effect itself, the updater nudges the companions "
+        "all the same.") {
+  Host& host = StartHost();
+  auto& companion = host.AddCompanion(TheLayer(), "A");
+  auto& renderer = host.AddRenderer(TheLayer());
+  renderer.withoutReference = true;
+  EXPECT_TRUE(host.SetParameter(renderer, kUpdater, 2).Ok());
+  EXPECT_EQ(companion.NudgeCounter(), 1);
+}
+
 CHECK_F(Nudges, CountInWholeNumbersModuloAThousand,
         "Whatever a companion holds in parameter 89, the nudge counts on in whole numbers below a "
         "thousand.") {
