@@ -29,6 +29,8 @@ struct Tile {
 
 /// A rectangle of the render target, in its pixels.
 struct Area {
+  bool operator==(const Area&) const = default;
+
   A_long x;
   A_long y;
   A_long width;

@@ -12,8 +12,8 @@ constexpr Area WholeOf(const Tile& tile) {
 }
 
 /// The part of a tile's area outside which none of the pieces has a pixel; without width or height
-/// if they all lie elsewhere. Places so far away that single precision no longer tells pixels apart
-/// make it the whole.
+/// if they all lie elsewhere. The whole of it where a corner, or an origin that moves it, is so far
+/// away (or no number) that single precision could draw a piece beside its place.
 Area AreaOf(const Frame& frame, const Tile& tile, const std::vector<const DrawPiece*>& pieces);
 
 }  // namespace tarvo
