@@ -61,7 +61,7 @@ PF_Err StoppedRender(PF_Cmd /*command*/, PF_InData* in, PF_OutData* out, PF_Para
   tarvo::AimCamera(frame, whole);
   std::optional<tarvo::OwnershipMaps> maps;
   Stop(kMaps, [&] { maps.emplace(tarvo::RenderOwnershipMaps(frame, whole)); });
-  Stop(kPasses, [&] { tarvo::RenderColourPasses(frame, *maps); });
+  Stop(kPasses, [&] { tarvo::RenderColourPasses(frame, whole, *maps); });
   Stop(kReadBack, [&] { tarvo::ReadBack(frame, whole); });
   Stop(kTransfer, [&] {
     PF_EffectWorld& world = frame.scratchWorld.Get();

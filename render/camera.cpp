@@ -6,8 +6,6 @@
 
 #include <window_system.h>
 
-#include "render/piece_area.h"
-
 namespace tarvo {
 namespace {
 
@@ -85,12 +83,6 @@ std::vector<Tile> TilesOf(A_long outWidth, A_long outHeight, A_long targetWidth,
 void AimCamera(const Frame& frame, const Tile& tile) {
   SetProjection(frame, tile);
   SetModelView(frame);
-  LimitDrawing(WholeOf(tile));
-}
-
-void LimitDrawing(const Area& area) {
-  glEnable(GL_SCISSOR_TEST);  // a clear ignores the viewport and would cover the whole target
-  glScissor(area.x, area.y, area.width, area.height);
 }
 
 }  // namespace tarvo

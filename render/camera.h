@@ -11,12 +11,9 @@ namespace tarvo {
 std::vector<Tile> TilesOf(A_long outWidth, A_long outHeight, A_long targetWidth,
                           A_long targetHeight);
 
-/// Aims the camera at one tile of the frame and limits clears and drawing to it: one unit of the
-/// plane z = 0 is one pixel, and the layer's corner lies at the output's origin. Pieces are drawn
-/// in that plane. [framework's context current]
+/// Aims the camera at one tile of the frame: one unit of the plane z = 0 is one pixel, and the
+/// layer's corner lies at the output's origin. Pieces are drawn in that plane. [framework's context
+/// current]
 void AimCamera(const Frame& frame, const Tile& tile);
-
-/// Limits clears and drawing to an area, until the next limit. [framework's context current]
-void LimitDrawing(const Area& area);
 
 }  // namespace tarvo

@@ -5,7 +5,6 @@
 
 #include "host/host_memory.h"
 #include "render/draw_quad.h"
-#include "render/piece_area.h"
 #include "render/pixel_rows.h"
 #include "render/rectangle_texture.h"
 
@@ -63,7 +62,8 @@ void DrawPieces(Frame& frame, OwnershipMaps& maps) {
 
 }  // namespace
 
-void RenderColourPasses(Frame& frame, OwnershipMaps& maps) {
+void RenderColourPasses(Frame& frame, const Tile& tile, OwnershipMaps& maps) {
+  LimitDrawing(WholeOf(tile));
   glClearColor(0.0F, 0.0F, 0.0F, 0.0F);
   glClear(GL_COLOR_BUFFER_BIT);
   // Samplers that were never set look at the piece's image, and a software renderer filters it for

@@ -10,7 +10,7 @@ namespace tarvo {
 /// shows unless transparency is fast. The target then holds premultiplied colour. Stops the render
 /// like RequireFramework if the framework fails. [framework's context current, program in use,
 /// camera aimed]
-void RenderColourPasses(Frame& frame, OwnershipMaps& maps);
+void RenderColourPasses(Frame& frame, const Tile& tile, OwnershipMaps& maps);
 
 /// Reads one tile back into its place in the scratch world. False if the host has no buffer, or no
 /// address for a row: the tile is then not, or not wholly, there. What the host throws passes.

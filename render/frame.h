@@ -5,6 +5,7 @@
 #include "gl/framework.h"
 #include "host/host_calls.h"
 #include "host/host_world.h"
+#include "render/area.h"
 #include "scene/scene.h"
 #include "sdk/effect.h"
 
@@ -17,24 +18,6 @@ struct DrawPiece {
   double depth;
   std::size_t slot;
   ImageFamily family;
-};
-
-/// A part of the output that the render target can hold, in output pixels.
-struct Tile {
-  A_long x;
-  A_long y;
-  A_long width;
-  A_long height;
-};
-
-/// A rectangle of the render target, in its pixels.
-struct Area {
-  bool operator==(const Area&) const = default;
-
-  A_long x;
-  A_long y;
-  A_long width;
-  A_long height;
 };
 
 /// Everything that one render call holds; its stages take it.

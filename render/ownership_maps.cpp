@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "host/host_memory.h"
-#include "render/camera.h"
 #include "render/draw_quad.h"
 #include "render/piece_area.h"
 #include "render/pixel_rows.h"
@@ -104,7 +103,6 @@ OwnershipMaps RenderOwnershipMaps(Frame& frame, const Tile& tile) {
   if (frame.fastTransparency) return maps;
   SetCoordinatePass(frame);
   for (const ImageFamily family : kImageFamilies) RenderFamily(frame, tile, family, maps);
-  LimitDrawing(WholeOf(tile));
   return maps;
 }
 

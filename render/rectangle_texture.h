@@ -2,7 +2,7 @@
 
 #include <window_system.h>
 
-#include "render/frame.h"
+#include "render/area.h"
 
 namespace tarvo {
 

@@ -44,7 +44,7 @@ void SetFixedState() {
 bool RenderTile(Frame& frame, const Tile& tile) {
   AimCamera(frame, tile);
   OwnershipMaps maps = RenderOwnershipMaps(frame, tile);
-  RenderColourPasses(frame, maps);
+  RenderColourPasses(frame, tile, maps);
   return ReadBack(frame, tile);
 }
 
