@@ -11,9 +11,10 @@ namespace tarvo {
 /// stays as it is.
 void SortByFallingDepth(std::vector<DrawPiece>& pieces);
 
-/// Every piece of the scene that has a picture, deepest first. A piece's depth runs from its bone's
+/// Every piece of the scene that can be drawn, deepest first. A piece's depth runs from its bone's
 /// start Z to its end Z with its place along the bone, in millionths; bones past the last pair of
-/// sliders use that pair. Pieces of which no image was ever uploaded are left out.
+/// sliders use that pair. Pieces whose bone has no number, and pieces of which no image was ever
+/// uploaded, are left out.
 std::vector<DrawPiece> BuildDrawList(const Scene& scene, PF_ParamDef* const* params);
 
 }  // namespace tarvo

@@ -13,6 +13,7 @@ namespace tarvo {
 
 /// A piece in the order of drawing.
 struct DrawPiece {
+  /// In the scene, which stays as it is: a host sends nothing to an instance that renders.
   const PieceQuad* quad;
   /// Lower is nearer to the viewer.
   double depth;

@@ -37,24 +37,24 @@ void SetCoordinatePass(Frame& frame) {
 /// The pieces of one image, the nearest first, and the area outside which none of them has a pixel:
 /// nothing there is drawn, and its map is never looked at there.
 struct ImagePieces {
-  GLuint texture;
   std::vector<const DrawPiece*> pieces;
-  Area area;
+  Area area{};
 };
 
-ImagePieces PiecesOf(const Frame& frame, const Tile& tile, std::size_t slot, ImageFamily family) {
-  ImagePieces image{.texture = frame.scene.slots[slot].images[family].texture};
+/// The images of a family, slot by slot.
+std::vector<ImagePieces> ImagesOf(const Frame& frame, const Tile& tile, ImageFamily family) {
+  std::vector<ImagePieces> images(frame.scene.slots.size());
   std::for_each(frame.drawList.rbegin(), frame.drawList.rend(), [&](const DrawPiece& piece) {
-    if (piece.slot == slot && piece.family == family) image.pieces.push_back(&piece);
+    if (piece.family == family) images[piece.slot].pieces.push_back(&piece);
   });
-  image.area = AreaOf(frame, tile, image.pieces);
-  return image;
+  for (ImagePieces& image : images) image.area = AreaOf(frame, tile, image.pieces);
+  return images;
 }
 
-void DrawCoordinates(Frame& frame, const ImagePieces& image, GLfloat selector) {
+void DrawCoordinates(Frame& frame, const ImagePieces& image, GLuint texture, GLfloat selector) {
   LimitDrawing(image.area);
   glClear(GL_COLOR_BUFFER_BIT);
-  RequireFramework(frame, AESDK_OpenGL_BindSampler(gState, image.texture, "videoTexture", 0));
+  RequireFramework(frame, AESDK_OpenGL_BindSampler(gState, texture, "videoTexture", 0));
   for (const DrawPiece* const piece : image.pieces) DrawQuad(frame, *piece, selector);
 }
 
@@ -73,12 +73,13 @@ GLuint KeepAsMap(Frame& frame, const Tile& tile, const Area& area) {
 }
 
 void RenderFamily(Frame& frame, const Tile& tile, ImageFamily family, OwnershipMaps& maps) {
+  const std::vector<ImagePieces> images = ImagesOf(frame, tile, family);
   for (const Coordinate& coordinate : kCoordinates) {
-    for (std::size_t slot = 0; slot < frame.scene.slots.size(); ++slot) {
-      const ImagePieces image = PiecesOf(frame, tile, slot, family);
-      if (image.texture == 0) continue;
-      DrawCoordinates(frame, image, coordinate.selector);
-      maps.Of(slot, family).*coordinate.map = KeepAsMap(frame, tile, image.area);
+    for (std::size_t slot = 0; slot < images.size(); ++slot) {
+      const GLuint texture = frame.scene.slots[slot].images[family].texture;
+      if (texture == 0) continue;
+      DrawCoordinates(frame, images[slot], texture, coordinate.selector);
+      maps.Of(slot, family).*coordinate.map = KeepAsMap(frame, tile, images[slot].area);
     }
   }
 }
