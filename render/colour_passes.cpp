@@ -43,12 +43,13 @@ void BindMaps(Frame& frame, const OwnershipMaps::Pair& pair) {
   Bind(frame, pair.h, "coordTextureH", 2);
 }
 
-void BindImage(Frame& frame, OwnershipMaps& maps, const DrawPiece& piece) {
-  if (!frame.fastTransparency) BindMaps(frame, maps.Of(piece.slot, piece.family));
+void BindImage(Frame& frame, OwnershipMaps* maps, const DrawPiece& piece) {
+  if (maps != nullptr) BindMaps(frame, maps->Of(piece.slot, piece.family));
   Bind(frame, frame.ImageOf(piece).texture, "videoTexture", 0);
 }
 
-void DrawPieces(Frame& frame, OwnershipMaps& maps) {
+/// Draws all pieces, with the maps of their images if there are any to look at.
+void DrawPieces(Frame& frame, OwnershipMaps* maps) {
   const SlotImage* bound = nullptr;
   for (const DrawPiece& piece : frame.drawList) {
     const SlotImage& image = frame.ImageOf(piece);
@@ -66,13 +67,13 @@ void RenderColourPasses(Frame& frame, const Tile& tile, OwnershipMaps& maps) {
   LimitDrawing(WholeOf(tile));
   glClearColor(0.0F, 0.0F, 0.0F, 0.0F);
   glClear(GL_COLOR_BUFFER_BIT);
-  // Samplers that were never set look at the piece's image, and a software renderer filters it for
-  // them whether or not the pass looks: no map costs less.
-  if (frame.fastTransparency) BindMaps(frame, {});
-  for (const Pass& pass : {kGreatest, kOver}) {
-    SetPass(frame, pass);
-    DrawPieces(frame, maps);
-  }
+  // A software renderer filters what the samplers of the maps find, whether or not the pass looks:
+  // no map costs least.
+  BindMaps(frame, {});
+  SetPass(frame, kGreatest);
+  DrawPieces(frame, nullptr);
+  SetPass(frame, kOver);
+  DrawPieces(frame, frame.fastTransparency ? nullptr : &maps);
 }
 
 bool ReadBack(Frame& frame, const Tile& tile) {
