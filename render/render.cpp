@@ -7,6 +7,7 @@
 #include "render/frame.h"
 #include "render/ownership_maps.h"
 #include "render/piece_upload.h"
+#include "render/stage_watch.h"
 #include "scene/output_extent.h"
 #include "scene/scene_store.h"
 
@@ -23,6 +24,11 @@ namespace {
 
 /// The smallest side of a frame that is copied into the output, in pixels.
 constexpr A_long kSmallestSide = 4;
+
+/// Tells whoever watches that a stage is over.
+void EndStage(FrameStage stage) {
+  if (gStageWatch != nullptr) gStageWatch(stage);
+}
 
 /// Null stands for all fields of the fill, and for transparent black.
 void ClearOutput(HostCalls& host, PF_InData& in, PF_EffectWorld& output) {
@@ -44,8 +50,12 @@ void SetFixedState() {
 bool RenderTile(Frame& frame, const Tile& tile) {
   AimCamera(frame, tile);
   OwnershipMaps maps = RenderOwnershipMaps(frame, tile);
+  EndStage(FrameStage::kMaps);
   RenderColourPasses(frame, tile, maps);
-  return ReadBack(frame, tile);
+  EndStage(FrameStage::kPasses);
+  const bool isRead = ReadBack(frame, tile);
+  EndStage(FrameStage::kReadBack);
+  return isRead;
 }
 
 /// False if some part of the frame could not be read back.
@@ -83,10 +93,13 @@ void Transfer(Frame& frame) {
 
 void RenderFrame(Frame& frame) {
   frame.scratchWorld.Make(frame.outWidth, frame.outHeight);
+  EndStage(FrameStage::kWorlds);
   RequireFramework(frame, AESDK_OpenGL_BindRenderTarget(gState));
   SetFixedState();
   UploadPieceImages(frame);
+  EndStage(FrameStage::kUpload);
   frame.drawList = BuildDrawList(frame.scene, frame.params);
+  EndStage(FrameStage::kDrawList);
   const bool whole = RenderTiles(frame);
   glFlush();
   AESDK_OpenGL_UseNoProgram();
@@ -119,6 +132,7 @@ PF_Err Render(PF_InData& in, PF_OutData& out, PF_ParamDef* const* params, PF_Eff
     Frame frame(in, out, params, output, host, *scene);
     RenderFrame(frame);
   });
+  EndStage(FrameStage::kTransfer);
   AESDK_OpenGL_MakeCurrent(gState.savedDeviceContext, gState.savedRenderContext);
   return stopped != PF_Err_NONE ? stopped : host.Code();
 }

@@ -1,0 +1,21 @@
+#pragma once
+
+namespace tarvo {
+
+/// The stages of a frame, in their order. In a frame of several tiles, those from the maps to the
+/// read back take turns.
+enum class FrameStage {
+  kWorlds,    ///< the output's fill and the scratch world
+  kUpload,    ///< new images
+  kDrawList,  ///< depths and their order
+  kMaps,      ///< which piece owns each pixel; nothing in a fast frame
+  kPasses,    ///< the two colour passes
+  kReadBack,  ///< into the scratch world
+  kTransfer,  ///< straight colour, the copy into the output, and giving back what was held
+};
+
+/// Told of the end of every stage, for those who measure; null otherwise. [framework's context
+/// current]
+inline void (*gStageWatch)(FrameStage) = nullptr;
+
+}  // namespace tarvo
