@@ -155,12 +155,13 @@ void BareGl::AddImage(const standin::Picture& picture) {
   Define(textures_.back(), picture.width, picture.height, picture.Bytes());
 }
 
-void BareGl::UploadAgain(int width, int height, const void* hostPixels, int times) {
+void BareGl::UploadAgain(const Rig& rig) {
   const Scope current(context_);
-  glBindTexture(GL_TEXTURE_RECTANGLE_ARB, textures_.back());
-  for (int i = 0; i < times; ++i) {
-    glTexImage2D(GL_TEXTURE_RECTANGLE_ARB, 0, kFourComponents, width, height, 0, GL_RGBA,
-                 GL_UNSIGNED_INT_8_8_8_8, hostPixels);
+  for (std::size_t number = 0; number < rig.bones.size(); ++number) {
+    const standin::Picture& image = rig.bones[number].image;
+    glBindTexture(GL_TEXTURE_RECTANGLE_ARB, textures_[number]);
+    glTexImage2D(GL_TEXTURE_RECTANGLE_ARB, 0, kFourComponents, image.width, image.height, 0,
+                 GL_RGBA, GL_UNSIGNED_INT_8_8_8_8, image.Bytes());
   }
   glFinish();
 }

@@ -53,8 +53,8 @@ class BareGl {
 
   /// Uploads an image; images are counted from 0.
   void AddImage(const standin::Picture& picture);
-  /// Uploads pixels of the host's order into the latest image's texture, so many times over.
-  void UploadAgain(int width, int height, const void* hostPixels, int times);
+  /// Uploads the rig's images, which were added in this order, as pixels of the host's order.
+  void UploadAgain(const Rig& rig);
   /// Draws the frame and reads it back. The bytes are premultiplied pixels of the host's order,
   /// alpha first, `width` * 4 bytes a row, valid until the next call.
   const std::vector<std::uint8_t>& Draw(const Drawing& drawing);

@@ -27,6 +27,8 @@ struct Contest {
   /// Pairs of one repetition.
   int pairs;
   PlayPair (*prepare)();
+  std::string unit = "ms";  ///< of the values
+  std::string note{};       ///< what readers of the ratio should know
 };
 
 /// All contests, in the order of their lines.
@@ -41,6 +43,7 @@ PlayPair Fast2000();
 PlayPair Small270();
 PlayPair Exact1();
 PlayPair Exact25();
+PlayPair ExactScattered();
 PlayPair GrowPieces();
 PlayPair GrowSize();
 PlayPair SecondFrame();
@@ -50,5 +53,10 @@ PlayPair Sort();
 PlayPair Memory();
 PlayPair Cairo();
 PlayPair Sequence();
+
+/// Milliseconds that the render commands of the sequence take, one after another. For a process of
+/// its own, which the program is with this option.
+double SequenceRenderCommands();
+inline constexpr const char* kSequenceRenderCommands = "--sequence-render-commands";
 
 }  // namespace bench

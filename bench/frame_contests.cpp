@@ -8,9 +8,9 @@
 
 #include "bench/cairo_painter.h"
 #include "bench/contests.h"
+#include "bench/hosted_rig.h"
 #include "bench/measure.h"
-#include "bench/stage.h"
-#include "bench/stopped_render.h"
+#include "bench/stage_times.h"
 
 namespace bench {
 namespace {
@@ -49,24 +49,24 @@ void RequireSameCoverage(const standin::Picture& ours, std::size_t theirs) {
 class Match {
  public:
   Match(const Rig& rig, Shading shading)
-      : stage_(rig), bare_(rig.size, shading), drawing_(InOrder(rig)) {
+      : hosted_(rig), bare_(rig.size, shading), drawing_(InOrder(rig)) {
     for (const Bone& bone : rig.bones) bare_.AddImage(bone.image);
-    stage_.TimeRender(true);
-    const standin::Picture ours = stage_.LastPicture();
-    stage_.TimeHostCalls(bare_.Draw(drawing_));
-    RequireSame(ours, stage_.LastPicture());
+    hosted_.TimeRender(true);
+    const standin::Picture ours = hosted_.LastPicture();
+    hosted_.TimeHostCalls(bare_.Draw(drawing_));
+    RequireSame(ours, hosted_.LastPicture());
   }
 
   Pair Play() {
-    Pair pair{.ours = stage_.TimeRender(true)};
+    Pair pair{.ours = hosted_.TimeRender(true)};
     const std::vector<std::uint8_t>* pixels = nullptr;
     pair.theirs = Milliseconds([&] { pixels = &bare_.Draw(drawing_); });
-    pair.theirs += stage_.TimeHostCalls(*pixels);
+    pair.theirs += hosted_.TimeHostCalls(*pixels);
     return pair;
   }
 
  private:
-  Stage stage_;
+  HostedRig hosted_;
   BareGl bare_;
   Drawing drawing_;
 };
@@ -76,15 +76,15 @@ PlayPair AgainstBare(const Rig& rig, Shading shading = Shading::kOfThePlugin) {
 }
 
 PlayPair ExactAgainstFast(const Rig& rig) {
-  return [stage = std::make_shared<Stage>(rig)]() -> Pair {
-    return {.ours = stage->TimeRender(false), .theirs = stage->TimeRender(true)};
+  return [hosted = std::make_shared<HostedRig>(rig)]() -> Pair {
+    return {.ours = hosted->TimeRender(false), .theirs = hosted->TimeRender(true)};
   };
 }
 
 /// Fast frames of a large rig, and so many times those of a small one.
 PlayPair Growth(const Rig& large, const Rig& small, double times) {
-  const auto one = std::make_shared<Stage>(large);
-  return [one, other = std::make_shared<Stage>(small), times]() -> Pair {
+  const auto one = std::make_shared<HostedRig>(large);
+  return [one, other = std::make_shared<HostedRig>(small), times]() -> Pair {
     return {.ours = one->TimeRender(true), .theirs = times * other->TimeRender(true)};
   };
 }
@@ -97,16 +97,18 @@ PlayPair Fast2000() { return AgainstBare(Field(2000, 1.5)); }
 PlayPair Small270() { return AgainstBare(Limbs(kSmall)); }
 PlayPair Exact1() { return ExactAgainstFast(Carpet()); }
 PlayPair Exact25() { return ExactAgainstFast(Limbs(kFullHd)); }
+PlayPair ExactScattered() { return ExactAgainstFast(Field(2000, 1.5)); }
 PlayPair GrowPieces() { return Growth(Field(10'000, 2.0), Field(1'000, 2.0), 10.0); }
 PlayPair GrowSize() { return Growth(Limbs(k8K), Limbs(k4K), 4.0); }
 
 PlayPair SecondFrame() {
-  return [stage = std::make_shared<Stage>(Limbs(kFullHd))] {
-    Pair pair{.ours = stage->TimeRender(true)};
-    stage->TimeRender(true, StoppedRender);
+  return [hosted = std::make_shared<HostedRig>(Limbs(kFullHd))] {
+    Pair pair{.ours = hosted->TimeRender(true)};
+    hosted->TimeRender(true, StoppedRender);
     const StageTimes& times = LatestStageTimes();
-    for (const FrameStage needed : {kWorlds, kPasses, kReadBack, kTransfer}) {
-      pair.theirs += times[needed];
+    using enum tarvo::FrameStage;
+    for (const tarvo::FrameStage needed : {kWorlds, kPasses, kReadBack, kTransfer}) {
+      pair.theirs += times.at(needed);
     }
     return pair;
   };
@@ -116,26 +118,23 @@ PlayPair SecondFrame() {
 PlayPair Upload() {
   const Rig rig = Limbs(kSmall);
   const auto bare = std::make_shared<BareGl>(rig.size);
-  bare->AddImage(rig.bones.front().image);
-  return [stage = std::make_shared<Stage>(rig), bare, image = rig.bones.front().image,
-          images = static_cast<int>(rig.bones.size())] {
-    stage->Send(true);
-    const double first = stage->TimeRender(true);
-    const double second = stage->TimeRender(true);
-    return Pair{.ours = first - second,
-                .theirs = Milliseconds(
-                    [&] { bare->UploadAgain(image.width, image.height, image.Bytes(), images); })};
+  for (const Bone& bone : rig.bones) bare->AddImage(bone.image);
+  return [hosted = std::make_shared<HostedRig>(rig), bare, rig] {
+    hosted->Send(true);
+    const double first = hosted->TimeRender(true);
+    const double second = hosted->TimeRender(true);
+    return Pair{.ours = first - second, .theirs = Milliseconds([&] { bare->UploadAgain(rig); })};
   };
 }
 
 /// What the plug-in held at a time, as the host's books say; the output is the host's own.
 PlayPair Memory() {
   const Rig rig = Limbs(kFullHd);
-  return [stage = std::make_shared<Stage>(rig), size = rig.size] {
+  return [hosted = std::make_shared<HostedRig>(rig), size = rig.size] {
     standin::Books& books = TheHost().books;
     books.ForgetMostBytes();
     const std::size_t before = books.Bytes();
-    stage->TimeRender(false);
+    hosted->TimeRender(false);
     const double buffer = 4.0 * size.width * size.height;
     return Pair{.ours = static_cast<double>(books.MostBytes() - before) / buffer - 1.0,
                 .theirs = 1.0};
@@ -145,12 +144,12 @@ PlayPair Memory() {
 PlayPair Cairo() {
   const Rig rig = Limbs(kFullHd);
   const auto painter = std::make_shared<CairoPainter>(rig);
-  const auto stage = std::make_shared<Stage>(rig);
+  const auto hosted = std::make_shared<HostedRig>(rig);
   const Drawing drawing = InOrder(rig);
   painter->Paint(drawing);
-  RequireSameCoverage(stage->LastPicture(), painter->Covered());
-  return [stage, painter, drawing]() -> Pair {
-    return {.ours = stage->TimeRender(true),
+  RequireSameCoverage(hosted->LastPicture(), painter->Covered());
+  return [hosted, painter, drawing]() -> Pair {
+    return {.ours = hosted->TimeRender(true),
             .theirs = Milliseconds([&] { painter->Paint(drawing); })};
   };
 }

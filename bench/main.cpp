@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
+#include <stdexcept>
 #include <string>
 
 #include <CLI/CLI.hpp>
@@ -14,6 +15,7 @@
 #include "bench/page.h"
 #include "bench/results.h"
 #include "bench/sweeps.h"
+#include "standin/gl_context.h"
 #include "standin/whole_file.h"
 
 namespace bench {
@@ -30,6 +32,7 @@ void Hold(benchmark::State& state, ContestResult& result) {
     std::vector<double> theirs;
     for ([[maybe_unused]] auto _ : state) {
       const Pair pair = play();
+      if (!(pair.theirs > 0.0)) throw std::runtime_error("there is nothing to hold it against");
       ours.push_back(pair.ours);
       theirs.push_back(pair.theirs);
       ratios.push_back(pair.ours / pair.theirs);
@@ -46,13 +49,18 @@ void Hold(benchmark::State& state, ContestResult& result) {
 }
 
 void Sweep(benchmark::State& state, SweepResult& result) {
-  const std::function<double()> frame = result.point->prepare(*result.point);
-  std::vector<double> times;
-  for ([[maybe_unused]] auto _ : state) {
-    times.push_back(frame());
-    state.SetIterationTime(1e-3 * times.back());
+  try {
+    const std::function<double()> frame = result.point->prepare();
+    std::vector<double> times;
+    for ([[maybe_unused]] auto _ : state) {
+      times.push_back(frame());
+      state.SetIterationTime(1e-3 * times.back());
+    }
+    result.milliseconds = Median(times);
+  } catch (const std::exception& error) {
+    result.failed = true;
+    state.SkipWithError(error.what());
   }
-  result.milliseconds = Median(times);
 }
 
 /// REQUIRES: the results stay where they are until everything has run.
@@ -66,7 +74,7 @@ void Register(Results& results) {
   }
   for (SweepResult& result : results.sweeps) {
     const std::string name =
-        result.point->plot + '/' + result.point->series + '/' + result.point->label;
+        result.point->plot.name + '/' + result.point->series + '/' + result.point->label;
     benchmark::RegisterBenchmark(name.c_str(),
                                  [&](benchmark::State& state) { Sweep(state, result); })
         ->UseManualTime()
@@ -96,42 +104,78 @@ bool Print(const std::vector<ContestResult>& contests) {
     const Pair times = result.Times();
     std::printf("ratio %s %.3f", result.contest->name.c_str(), result.Ratio());
     if (result.contest->goal) std::printf(" <= %.2f", *result.contest->goal);
-    std::printf("%s (%.2f against %.2f; %s against %s)\n", result.Missed() ? " MISSED" : "",
-                times.ours, times.theirs, result.contest->ours.c_str(),
+    const char* const unit = result.contest->unit.c_str();
+    std::printf("%s (%.2f %s against %.2f %s; %s against %s)\n", result.Missed() ? " MISSED" : "",
+                times.ours, unit, times.theirs, unit, result.contest->ours.c_str(),
                 result.contest->theirs.c_str());
     isMet = isMet && !result.Missed();
   }
   return isMet;
 }
 
-int RunBench(int argc, char** argv) {
-  // Drawn on the calling thread: processor time is then what a frame takes, and others who draw
-  // (Cairo) have one thread too.
+/// Frames are drawn by a software renderer, on the calling thread: processor time is then what a
+/// frame takes, and others who draw (Cairo) have one thread too. Returns the renderer's name.
+/// Throws std::runtime_error when another one draws.
+std::string DrawOnThisThread() {
+  setenv("LIBGL_ALWAYS_SOFTWARE", "1", 1);
   setenv("LP_NUM_THREADS", "0", 1);
-  // Memory that was given back is had again at once, as from the pools of a host: what the system
-  // takes for handing out pages is nobody's here.
+  const standin::GlContext context;
+  context.MakeCurrent();
+  std::string renderer = reinterpret_cast<const char*>(glGetString(GL_RENDERER));
+  standin::MakeNoContextCurrent();
+  if (renderer.find("llvmpipe") == std::string::npos) {
+    throw std::runtime_error("frames would be drawn by " + renderer +
+                             ", whose work processor time does not tell; llvmpipe is needed");
+  }
+  return renderer;
+}
+
+/// Memory that was given back is had again at once, as from the pools of a host: what the system
+/// takes for handing out pages is in no frame then, neither for the host's buffers nor for what the
+/// renderer makes anew in each, maps above all.
+void KeepMemory() {
   mallopt(M_MMAP_THRESHOLD, kNoMemoryGoes);
   mallopt(M_TRIM_THRESHOLD, kNoMemoryGoes);
+}
+
+/// True iff everything could be measured and every goal was met.
+bool MeasureAll(const std::string& page) {
+  Results results = Everything();
+  results.renderer = DrawOnThisThread();
+  Register(results);
+  benchmark::RunSpecifiedBenchmarks();
+  const bool isWhole = std::ranges::none_of(results.contests, &ContestResult::failed) &&
+                       std::ranges::none_of(results.sweeps, &SweepResult::failed);
+  KeepWhatRan(results);
+  const bool isMet = Print(results.contests);
+  if (!page.empty()) standin::WriteWholeFile(standin::FilePath(page), Page(results));
+  return isMet && isWhole;
+}
+
+int RunBench(int argc, char** argv) {
   benchmark::Initialize(&argc, argv);
   std::string page;
+  bool isMemoryFresh = false;
+  bool isPartOfSequence = false;
   CLI::App program(
       "Frame times as ratios of things measured in turn; --benchmark_filter=NAME and "
       "the other options of Google Benchmark hold.",
       "tarvo_bench");
   program.add_option("--page", page, "Write the results with plots to this HTML file");
+  program.add_flag("--fresh-memory", isMemoryFresh,
+                   "Leave memory to the system, as programs other than hosts do");
+  program.add_flag(kSequenceRenderCommands, isPartOfSequence)->group("");
   try {
     program.parse(argc, argv);
   } catch (const CLI::ParseError& request) {
     return program.exit(request);
   }
-  Results results = Everything();
-  Register(results);
-  benchmark::RunSpecifiedBenchmarks();
-  const bool isWhole = std::ranges::none_of(results.contests, &ContestResult::failed);
-  KeepWhatRan(results);
-  const bool isMet = Print(results.contests);
-  if (!page.empty()) standin::WriteWholeFile(standin::FilePath(page), Page(results));
-  return isMet && isWhole ? 0 : 1;
+  if (isPartOfSequence) {
+    std::printf("%f\n", SequenceRenderCommands());
+    return 0;
+  }
+  if (!isMemoryFresh) KeepMemory();
+  return MeasureAll(page) ? 0 : 1;
 }
 
 }  // namespace

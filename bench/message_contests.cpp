@@ -3,8 +3,8 @@
 #include <random>
 
 #include "bench/contests.h"
+#include "bench/hosted_rig.h"
 #include "bench/measure.h"
-#include "bench/stage.h"
 #include "host/parameters.h"
 #include "host/process.h"
 #include "host/suite_handler.h"
@@ -84,11 +84,11 @@ struct Parameters {
 }  // namespace
 
 PlayPair Intake() {
-  return [stage = std::make_shared<Stage>(Crowd())] {
+  return [hosted = std::make_shared<HostedRig>(Crowd())] {
     Pair pair;
     for (int message = 0; message < kMessages; ++message) {
-      pair.ours += stage->TimeMessage();
-      pair.theirs += stage->TimeMessage(OnlyHostCalls);
+      pair.ours += hosted->TimeMessage();
+      pair.theirs += hosted->TimeMessage(OnlyHostCalls);
     }
     return pair;
   };

@@ -1,11 +1,11 @@
 #include "bench/page.h"
 
 #include <algorithm>
-#include <cmath>
-#include <cstdio>
 #include <iomanip>
 #include <map>
 #include <sstream>
+#include <utility>
+#include <vector>
 
 namespace bench {
 namespace {
@@ -29,8 +29,17 @@ svg text { font: 12px sans-serif; } .fast { stroke: #16a; fill: #16a; }
 </style></head><body>
 <h1>Frame times</h1>
 <p>Each ratio is the median of pairs that were measured in turn, and of the repetitions. Times are
-milliseconds of processor time, drawn by the software renderer on one thread; of the sequence, time
-that passed; of memory, buffers.</p>
+processor time on one thread, unless something else is said.</p>
+)";
+
+const char* const kHowItIsMeasured = R"(<h2>How it is measured</h2>
+<p>On one thread, processor time is all the work that a frame is. With the threads that the renderer
+starts by itself, drawing is shared out and nothing else is: a frame is there sooner, and what is
+not drawing weighs more in every ratio. Exact frames have most of that, as each map is read back and
+uploaded, and look better here than they do there.</p>
+<p>Memory that was given back is had again at once, as from the pools of a host. Programs that leave
+it to the system, as tarvo render does, pay for fresh pages as well: most of all for exact frames,
+whose maps are new in each. The option --fresh-memory measures that.</p>
 )";
 
 std::string Text(double value, int digits) {
@@ -40,7 +49,8 @@ std::string Text(double value, int digits) {
 }
 
 void WriteTable(std::ostream& page, const std::vector<ContestResult>& contests) {
-  page << "<table><tr><th>name<th>what<th>against what<th>ratio<th>goal<th>ms<th>ms</tr>\n";
+  page << "<table><tr><th>name<th>what<th>against what<th>ratio<th>goal<th>ours<th>theirs<th>unit"
+          "</tr>\n";
   for (const ContestResult& result : contests) {
     const Contest& contest = *result.contest;
     const Pair times = result.Times();
@@ -48,9 +58,18 @@ void WriteTable(std::ostream& page, const std::vector<ContestResult>& contests) 
          << contest.ours << "<td>" << contest.theirs << "<td class=number>"
          << Text(result.Ratio(), 3) << "<td class=number>"
          << (contest.goal ? "≤ " + Text(*contest.goal, 2) : "") << "<td class=number>"
-         << Text(times.ours, 2) << "<td class=number>" << Text(times.theirs, 2) << "</tr>\n";
+         << Text(times.ours, 2) << "<td class=number>" << Text(times.theirs, 2) << "<td>"
+         << contest.unit << "</tr>\n";
   }
   page << "</table>\n";
+}
+
+void WriteNotes(std::ostream& page, const std::vector<ContestResult>& contests) {
+  for (const ContestResult& result : contests) {
+    const Contest& contest = *result.contest;
+    if (contest.note.empty()) continue;
+    page << "<p><b>" << contest.name << "</b> " << contest.note << "</p>\n";
+  }
 }
 
 /// A plot's points, with the ways from values to places.
@@ -114,19 +133,17 @@ class Plot {
 
 std::string Page(const Results& results) {
   std::ostringstream page;
-  page << kHead;
+  page << kHead << "<p>Drawn by " << results.renderer << ".</p>\n";
   WriteTable(page, results.contests);
-  const std::map<std::string, const char*> titles{
-      {"pieces", "By pieces: 25 images in full HD, the same area covered"},
-      {"size", "By size: 25 images, 200 pieces, height of the frame in pixels"},
-      {"stage", "By stage: 25 images, 200 pieces in full HD, with new images"}};
-  for (const auto& [plot, title] : titles) {
-    std::vector<SweepResult> own;
-    std::ranges::copy_if(results.sweeps, std::back_inserter(own),
-                         [&](const SweepResult& result) { return result.point->plot == plot; });
-    if (own.empty()) continue;
+  WriteNotes(page, results.contests);
+  page << kHowItIsMeasured;
+  std::map<std::string, std::vector<SweepResult>> plots;
+  for (const SweepResult& result : results.sweeps) {
+    plots[result.point->plot.title].push_back(result);
+  }
+  for (auto& [title, points] : plots) {
     page << "<h2>" << title << "</h2>\n";
-    Plot(std::move(own)).Write(page);
+    Plot(std::move(points)).Write(page);
   }
   page << "</body></html>\n";
   return page.str();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <algorithm>
+#include <string>
 #include <vector>
 
 #include "bench/contests.h"
@@ -17,7 +18,7 @@ struct ContestResult {
   bool failed = false;  ///< it could not be held
 
   [[nodiscard]] double Ratio() const { return Median(ratios); }
-  [[nodiscard]] bool Missed() const { return contest->goal && Ratio() > *contest->goal; }
+  [[nodiscard]] bool Missed() const { return contest->goal && !(Ratio() <= *contest->goal); }
   [[nodiscard]] Pair Times() const {
     std::vector<double> ours;
     std::vector<double> theirs;
@@ -32,9 +33,11 @@ struct ContestResult {
 struct SweepResult {
   const SweepPoint* point = nullptr;
   double milliseconds = 0.0;
+  bool failed = false;  ///< it could not be made
 };
 
 struct Results {
+  std::string renderer;  ///< what OpenGL calls whoever draws
   std::vector<ContestResult> contests;
   std::vector<SweepResult> sweeps;
 };

@@ -9,12 +9,11 @@
 namespace bench {
 namespace {
 
-constexpr int kBones = 25;
-constexpr int kSlices = 8;
+constexpr int kSlices = kLimbPieces / kBones;
 constexpr int kLimbImageSide = 512;
 constexpr int kFieldImageSide = 64;
 constexpr int kCarpetColumns = 20;
-constexpr int kCarpetRows = 10;
+constexpr int kCarpetRows = kCarpetPieces / kCarpetColumns;
 
 /// Numbers that are the same everywhere, which the library's distributions are not.
 class Dice {
@@ -102,6 +101,15 @@ std::vector<PieceQuad> Slices(const Place& limb) {
 
 }  // namespace
 
+std::string InWords(int images, int pieces) {
+  const auto counted = [](int count, const std::string& what) {
+    std::string digits = std::to_string(count);
+    if (digits.size() > 3) digits.insert(digits.size() - 3, ",");
+    return digits + ' ' + what + (count == 1 ? "" : "s");
+  };
+  return counted(images, "image") + ", " + counted(pieces, "piece");
+}
+
 Rig Limbs(FrameSize size) {
   Rig rig{.size = size, .bones = {}};
   Dice dice;
@@ -162,7 +170,7 @@ Rig Carpet() {
                                    .width = 1.2 * kColumn,
                                    .height = 1.2 * kRow,
                                    .turn = 0.0},
-                                  cut, (column + 20.0 * row) / 200.0));
+                                  cut, (column + 1.0 * kCarpetColumns * row) / kCarpetPieces));
     }
   }
   return {.size = kFullHd, .bones = {bone}};

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <string>
 #include <vector>
 
 #include "standin/picture.h"
@@ -13,6 +14,13 @@ struct FrameSize {
   int height = 0;
 };
 inline constexpr FrameSize kFullHd{1920, 1080};
+
+inline constexpr int kBones = 25;  ///< of limbs and fields, each with an image of its own
+inline constexpr int kLimbPieces = 200;
+inline constexpr int kCarpetPieces = 200;
+
+/// As in "25 images, 2,000 pieces".
+std::string InWords(int images, int pieces);
 
 /// A bone: its image, its pieces, and the depths at its two ends.
 struct Bone {
@@ -29,16 +37,17 @@ struct Rig {
   std::vector<Bone> bones;
 };
 
-/// 25 limbs, each of 8 overlapping slices of an image of 512 × 512 pixels that is shown in its own
-/// size in full HD, and larger or smaller with the frame. They cover about four times the frame.
+/// A limb for each bone, each of 8 overlapping slices of an image of 512 × 512 pixels that is shown
+/// in its own size in full HD, and larger or smaller with the frame. They cover about four times
+/// the frame.
 Rig Limbs(FrameSize size);
 
-/// `pieces` small pieces over 25 images, in full HD. Every bone runs through the whole depth, so
-/// that neighbours in the order of drawing seldom share an image. Together the pieces cover
-/// `coverage` times the frame, however many they are.
+/// `pieces` small pieces over the images of all bones, in full HD. Every bone runs through the
+/// whole depth, so that neighbours in the order of drawing seldom share an image. Together the
+/// pieces cover `coverage` times the frame, however many they are.
 Rig Field(int pieces, double coverage);
 
-/// 200 pieces of one image all over a full HD frame, each overlapping its neighbours.
+/// Pieces of one image all over a full HD frame, each overlapping its neighbours.
 Rig Carpet();
 
 }  // namespace bench

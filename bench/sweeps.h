@@ -6,14 +6,20 @@
 
 namespace bench {
 
+/// What a plot is about.
+struct SweepPlot {
+  std::string name;
+  std::string title;
+};
+
 /// One point of a plot: a frame of some kind, and how long it takes.
 struct SweepPoint {
-  std::string plot;    ///< "pieces", "size" or "stage"
+  SweepPlot plot;
   std::string series;  ///< a line of the plot: "fast", "exact"
   std::string label;   ///< along the axis
   double x = 0.0;
-  /// Milliseconds of one more frame.
-  std::function<double()> (*prepare)(const SweepPoint&);
+  /// Sets the frame up; what it returns gives the milliseconds of one more frame.
+  std::function<std::function<double()>()> prepare;
 };
 
 /// All points, plot by plot, with rising x.

@@ -15,12 +15,12 @@ standin::Host& TheHost();
 
 /// A rig on a layer of its own, with an instance of the plug-in that has drawn one frame: every
 /// further one has its images already.
-class Stage {
+class HostedRig {
  public:
-  explicit Stage(const Rig& rig);
-  Stage(const Stage&) = delete;
-  Stage& operator=(const Stage&) = delete;
-  ~Stage();
+  explicit HostedRig(const Rig& rig);
+  HostedRig(const HostedRig&) = delete;
+  HostedRig& operator=(const HostedRig&) = delete;
+  ~HostedRig();
 
   /// Every companion sends, with its image as a new one if asked.
   void Send(bool withImages);
@@ -29,9 +29,9 @@ class Stage {
   double TimeRender(bool fast, PF_EntryPoint answer = EntryPointFunc);
   /// Milliseconds of the general command, one message of the first companion without an image.
   double TimeMessage(PF_EntryPoint answer = EntryPointFunc);
-  /// Milliseconds of the host operations that a render command needs at the least (fill, new world,
-  /// straight colour, copy), done on the pixels of a frame as BareGl::Draw gives them. Leaves the
-  /// picture in `LastPicture`.
+  /// Milliseconds of a render command that makes every call to the host that a frame without new
+  /// images needs, but draws nothing: the frame's pixels are those that BareGl::Draw gives. Leaves
+  /// the picture in `LastPicture`.
   double TimeHostCalls(const std::vector<std::uint8_t>& premultiplied);
 
   [[nodiscard]] const standin::Picture& LastPicture() const { return lastPicture_; }

@@ -1,4 +1,4 @@
-#include "bench/stage.h"
+#include "bench/hosted_rig.h"
 
 #include <algorithm>
 #include <cstring>
@@ -8,34 +8,71 @@
 #include <utility>
 
 #include "bench/measure.h"
-#include "standin/pixels.h"
+#include "host/host_calls.h"
+#include "host/host_memory.h"
+#include "host/host_world.h"
+#include "host/parameters.h"
+#include "render/pixel_rows.h"
 
 namespace bench {
 namespace {
 
-constexpr int kFastTransparency = 53;  // index of the parameter
-
-// A host calls a plain function, so what it needs to know lies here.
-PF_EntryPoint gAnswer = EntryPointFunc;
-double gLatestMilliseconds = 0.0;
-
-/// Stands between host and plug-in, and holds a watch to every command.
-PF_Err TimedEntryPoint(PF_Cmd command, PF_InData* in, PF_OutData* out, PF_ParamDef* params[],
-                       PF_LayerDef* output, void* extra) {
-  PF_Err result = PF_Err_NONE;
-  gLatestMilliseconds =
-      Milliseconds([&] { result = gAnswer(command, in, out, params, output, extra); });
-  return result;
-}
-
-/// Another answer to the commands of a scope.
-class Answering {
+/// For its length, a command is answered by `answer`, and the time that this takes is kept.
+class Watch {
  public:
-  explicit Answering(PF_EntryPoint answer) { gAnswer = answer; }
-  Answering(const Answering&) = delete;
-  Answering& operator=(const Answering&) = delete;
-  ~Answering() { gAnswer = EntryPointFunc; }
+  Watch(PF_Cmd command, PF_EntryPoint answer) : command_(command), answer_(answer) {
+    latest_ = this;
+  }
+  Watch(const Watch&) = delete;
+  Watch& operator=(const Watch&) = delete;
+  ~Watch() { latest_ = nullptr; }
+
+  /// Of the latest command of the kind; 0 before there was one.
+  [[nodiscard]] double Milliseconds() const { return milliseconds_; }
+
+  /// What the host calls in the plug-in's place.
+  static PF_Err EntryPoint(PF_Cmd command, PF_InData* in, PF_OutData* out, PF_ParamDef* params[],
+                           PF_LayerDef* output, void* extra) {
+    if (latest_ == nullptr || command != latest_->command_) {
+      return EntryPointFunc(command, in, out, params, output, extra);
+    }
+    PF_Err result = PF_Err_NONE;
+    latest_->milliseconds_ = bench::Milliseconds(
+        [&] { result = latest_->answer_(command, in, out, params, output, extra); });
+    return result;
+  }
+
+ private:
+  static inline Watch* latest_ = nullptr;  // a host calls a plain function
+
+  PF_Cmd command_;
+  PF_EntryPoint answer_;
+  double milliseconds_ = 0.0;
 };
+
+/// What FrameWithoutDrawing puts into the frame.
+const std::uint8_t* gPremultiplied = nullptr;
+
+/// Answers the render command with the host calls of a frame alone.
+PF_Err FrameWithoutDrawing(PF_Cmd /*command*/, PF_InData* in, PF_OutData* /*out*/,
+                           PF_ParamDef* /*params*/[], PF_LayerDef* output, void* /*extra*/) {
+  tarvo::HostCalls host(in->pica_basicP);
+  host.Run(in->utils->fill, in->effect_ref, nullptr, nullptr, output);
+  tarvo::HostWorld scratch(host, in->effect_ref);
+  scratch.Make(output->width, output->height);
+  PF_EffectWorld& world = scratch.Get();
+  tarvo::HostMemory buffer(host.Suites(), tarvo::PackedBytes(world.width, world.height));
+  buffer.Lock();
+  const A_HandleSize rowBytes = tarvo::PackedBytes(world.width, 1);
+  for (A_long row = 0; row < world.height; ++row) {
+    std::memcpy(tarvo::RowOf(*in->utils, world, row),
+                gPremultiplied + static_cast<A_HandleSize>(row) * rowBytes, rowBytes);
+  }
+  host.Run(&PF_FillMatteSuite2::premultiply, in->effect_ref, A_long{0}, &world);
+  PF_Rect area = world.extent_hint;
+  host.Run(in->utils->copy, in->effect_ref, &world, output, nullptr, &area);
+  return host.Code();
+}
 
 void Expect(const char* what, const standin::CommandResult& result) {
   if (result.Ok()) return;
@@ -62,7 +99,7 @@ void Append(const Placed& placed, Drawing& drawing) {
     drawing.runs.push_back({placed.image, static_cast<GLint>(drawing.vertices.size()), 0});
   }
   drawing.runs.back().count += 4;
-  for (std::size_t corner = 0; corner < 4; ++corner) {
+  for (const std::size_t corner : {0U, 1U, 2U, 3U}) {
     const auto single = [&](const double(&pair)[4][2]) -> std::array<GLfloat, 2> {
       return {static_cast<GLfloat>(pair[corner][0]), static_cast<GLfloat>(pair[corner][1])};
     };
@@ -77,7 +114,7 @@ standin::Host& TheHost() {
   static standin::Host& host = []() -> standin::Host& {
     standin::HostOptions options;
     options.inspectPixels = false;
-    static standin::Host made(TimedEntryPoint, options);
+    static standin::Host made(Watch::EntryPoint, options);
     made.gate.KeepLog(false);
     Expect("starting the plug-in", made.StartUp());
     made.project.AddComposition("Bench");
@@ -86,7 +123,7 @@ standin::Host& TheHost() {
   return host;
 }
 
-Stage::Stage(const Rig& rig)
+HostedRig::HostedRig(const Rig& rig)
     : size_(rig.size),
       layer_(TheHost().project.compositions.front().AddLayer("Rig", size_.width, size_.height)),
       renderer_(TheHost().AddRenderer(layer_)) {
@@ -105,56 +142,39 @@ Stage::Stage(const Rig& rig)
   TimeRender(true);
 }
 
-Stage::~Stage() {
+HostedRig::~HostedRig() {
   while (!layer_.effects.empty()) TheHost().Remove(*layer_.effects.back());
 }
 
-void Stage::Send(bool withImages) {
+void HostedRig::Send(bool withImages) {
   for (standin::Companion* const companion : companions_) {
     companion->imageA.isNew = withImages;
     Expect("a message", TheHost().Send(*companion, renderer_).command);
   }
 }
 
-double Stage::TimeRender(bool fast, PF_EntryPoint answer) {
+double HostedRig::TimeRender(bool fast, PF_EntryPoint answer) {
   standin::Host& host = TheHost();
-  host.SetParameter(renderer_, kFastTransparency, fast ? 1.0 : 0.0);
-  const Answering answering(answer);
+  host.SetParameter(renderer_, tarvo::PARAM_FAST_TRANSPARENCY, fast ? 1.0 : 0.0);
+  const Watch watch(PF_Cmd_RENDER, answer);
   standin::FrameExtent extent;
   extent.width = size_.width;
   extent.height = size_.height;
   standin::RenderResult result = host.RenderInto(renderer_, extent);
   Expect("render", result.command);
   lastPicture_ = std::move(result.picture);
-  return gLatestMilliseconds;
+  return watch.Milliseconds();
 }
 
-double Stage::TimeMessage(PF_EntryPoint answer) {
-  const Answering answering(answer);
+double HostedRig::TimeMessage(PF_EntryPoint answer) {
+  const Watch watch(PF_Cmd_COMPLETELY_GENERAL, answer);
   Expect("a message", TheHost().Send(*companions_.front(), renderer_).command);
-  return gLatestMilliseconds;
+  return watch.Milliseconds();
 }
 
-double Stage::TimeHostCalls(const std::vector<std::uint8_t>& premultiplied) {
-  standin::Worlds& worlds = TheHost().worlds;
-  PF_EffectWorld output{};
-  worlds.New(size_.width, size_.height, PF_NewWorldFlag_NONE, "an output", &output);
-  const double spent = Milliseconds([&] {
-    standin::FillPixels(output, nullptr, {});
-    PF_EffectWorld scratch{};
-    worlds.New(size_.width, size_.height, PF_NewWorldFlag_NONE, "a scratch world", &scratch);
-    const std::size_t rowBytes = static_cast<std::size_t>(size_.width) * sizeof(PF_Pixel);
-    for (A_long row = 0; row < size_.height; ++row) {
-      std::memcpy(standin::RowOf(scratch, row),
-                  premultiplied.data() + static_cast<std::size_t>(row) * rowBytes, rowBytes);
-    }
-    standin::StraightenPixels(scratch);
-    standin::CopyPixels(scratch, nullptr, output, nullptr);
-    worlds.Dispose(&scratch, "the benchmark");
-  });
-  lastPicture_ = standin::Worlds::ToPicture(output);
-  worlds.Dispose(&output, "the benchmark");
-  return spent;
+double HostedRig::TimeHostCalls(const std::vector<std::uint8_t>& premultiplied) {
+  gPremultiplied = premultiplied.data();
+  return TimeRender(true, FrameWithoutDrawing);
 }
 
 Drawing InOrder(const Rig& rig) {
