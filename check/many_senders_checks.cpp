@@ -12,6 +12,7 @@
 #include "check/support/pieces.h"
 #include "check/support/promise.h"
 #include "check/support/rig.h"
+#include "check/support/settings.h"
 
 namespace check::many_senders {
 namespace {
@@ -149,7 +150,7 @@ class ManySenders : public RigTest {
            std::abs(a.blue - b.blue) <= kTolerance && std::abs(a.alpha - b.alpha) <= kTolerance;
   }
 
-  std::mt19937 dice_{7};
+  std::mt19937 dice_{TheSettings().seed};
   std::array<Companion*, kMostSenders> companions_{};
   Model model_;
 };

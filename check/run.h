@@ -21,7 +21,7 @@ std::vector<Check> ChecksNamed(const std::vector<std::string>& patterns = {});
 /// The checks in an order drawn by lot: the same seed, the same order.
 std::vector<Check> Shuffled(std::vector<Check> checks, unsigned seed);
 
-/// Runs checks in this process, as far as they let it live, suite by suite, and hands over each
+/// Runs checks in this process, as far as they let it live, in their order, and hands over each
 /// one's result. REQUIRES: UsePlugin or UseEntryPoint; called once.
 void RunHere(const std::vector<Check>& checks, const std::function<void(const Result&)>& take);
 

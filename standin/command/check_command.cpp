@@ -54,16 +54,16 @@ void RunInThisProcess(const CheckOptions& options, const std::vector<check::Chec
   check::RunHere(checks, take);
 }
 
-/// Throws Unfinished, with the verdict as its line, when the build cannot be loaded.
 void RunAll(const CheckOptions& options, const std::vector<check::Check>& checks,
-            const TakeResult& take) {
+            CheckReport& report) {
+  const TakeResult take = [&](const check::Result& result) { report.Take(result); };
   try {
     if (options.inProcess) {
       return RunInThisProcess(options, checks, take);
     }
     ExpectLoadable(options);
   } catch (const PluginLoadError& error) {
-    throw Unfinished(kNotLoaded, {"cannot be loaded: " + std::string(error.what())});
+    return report.TakeNotLoaded(error.what());
   }
   RunInJobs(options, checks, take);
 }
@@ -86,7 +86,7 @@ void Check(CheckOptions options, const Console& console) {
     return Report(options, checks, console.out);
   }
   CheckReport report(options.plugin, check::TheSettings().seed, options.json, console);
-  RunAll(options, checks, [&](const check::Result& result) { report.Take(result); });
+  RunAll(options, checks, report);
   if (!options.junit.empty()) {
     WriteWholeFile(options.junit, report.JUnit());
   }

@@ -31,10 +31,11 @@ void AddCheckOptions(CLI::App& command, CheckOptions& options) {
       ->check(CLI::Range(0.01, kLongestTimeLimit));
   command
       .add_option("--seed", options.seed,
-                  "Draws the order of the checks, and what they draw, by this lot")
+                  "Draws by this lot: the order of the checks, and whatever they leave to chance")
       ->type_name("N")
       ->check(CLI::Range(0U, kHighestSeed));
-  command.add_flag("--long", options.isLong, "Long lives in full length, which takes minutes");
+  command.add_flag("--long", options.isLong,
+                   "Long lives in full length, and a life for every host call that may fail");
   command.add_flag("--list", options.list, "Names and promises of the checks; nothing is run");
   command.add_flag("--in-process", options.inProcess,
                    "All in this process, for a debugger; without a time limit");

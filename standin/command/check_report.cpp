@@ -126,10 +126,17 @@ std::size_t CheckReport::Count(check::Verdict verdict) const {
 }
 
 bool CheckReport::IsSound() const {
-  return std::ranges::none_of(results_, check::IsBad, &Result::verdict);
+  return Count(check::Verdict::kPassed) != 0 &&
+         std::ranges::none_of(results_, check::IsBad, &Result::verdict);
 }
 
 std::string CheckReport::Verdict() const {
+  if (!notLoaded_.empty()) {
+    return notLoaded_;
+  }
+  if (Count(check::Verdict::kSkipped) == results_.size()) {
+    return "not sound: nothing was checked, " + std::to_string(results_.size()) + " skipped";
+  }
   if (IsSound()) {
     const std::size_t passed = Count(check::Verdict::kPassed);
     return "sound: " + std::to_string(passed) + (passed == 1 ? " check" : " checks") + " passed, " +
@@ -160,7 +167,11 @@ int CheckReport::End() const {
   if (json_) {
     console_.out << Json();
   }
-  (json_ ? console_.err : console_.out) << Verdict() << std::endl;
+  const bool isLoaded = notLoaded_.empty();
+  (json_ || !isLoaded ? console_.err : console_.out) << Verdict() << std::endl;
+  if (!isLoaded) {
+    return kNotLoaded;
+  }
   return IsSound() ? kMade : kNotSound;
 }
 
@@ -168,11 +179,17 @@ std::string CheckReport::JUnit() const {
   const auto counted = [](const char* what, std::size_t count) {
     return " " + std::string(what) + "=\"" + std::to_string(count) + "\"";
   };
-  std::string text =
-      "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<testsuite name=\"tarvo check\"" +
-      counted("tests", results_.size()) + counted("failures", Count(check::Verdict::kFailed)) +
-      counted("errors", Count(check::Verdict::kCrashed) + Count(check::Verdict::kTimedOut)) +
-      counted("skipped", Count(check::Verdict::kSkipped)) + ">\n";
+  const std::size_t notLoaded = notLoaded_.empty() ? 0 : 1;
+  const std::size_t errors = Count(check::Verdict::kCrashed) + Count(check::Verdict::kTimedOut);
+  std::string text = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<testsuite name=\"tarvo check\"" +
+                     counted("tests", results_.size() + notLoaded) +
+                     counted("failures", Count(check::Verdict::kFailed)) +
+                     counted("errors", errors + notLoaded) +
+                     counted("skipped", Count(check::Verdict::kSkipped)) + ">\n";
+  if (notLoaded != 0) {
+    text += "  <testcase classname=\"Build\" name=\"CanBeLoaded\"><error message=\"" +
+            Escaped(notLoaded_) + "\"/></testcase>\n";
+  }
   for (const Result& result : results_) {
     text += TestCase(result);
   }

@@ -2,6 +2,7 @@
 
 #include <iosfwd>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "check/result.h"
@@ -18,8 +19,11 @@ class CheckReport {
       : plugin_(std::move(plugin)), seed_(seed), json_(json), console_(console) {}
 
   void Take(const check::Result& result);
+  /// The build cannot be loaded: there are no results, but a verdict.
+  void TakeNotLoaded(const std::string& why) { notLoaded_ = "cannot be loaded: " + why; }
 
-  /// Says what it comes to: "sound: 97 checks passed, 2 skipped"; the exit code that agrees.
+  /// Says what it comes to: "sound: 97 checks passed, 2 skipped"; the exit code that agrees. A run
+  /// in which nothing passed does not call a build sound.
   [[nodiscard]] int End() const;
   /// The results in JUnit's form.
   [[nodiscard]] std::string JUnit() const;
@@ -35,6 +39,7 @@ class CheckReport {
   bool json_;
   const Console& console_;
   std::vector<check::Result> results_;
+  std::string notLoaded_;  ///< the verdict, if it is that
 };
 
 }  // namespace standin

@@ -39,6 +39,14 @@ TEST_F(CheckCommand, EndsWithAVerdictThatAgreesWithTheExitCode) {
     ExpectFailure(entryless, 4, "cannot be loaded: the library ");
     ExpectFailure("check no-such-file" + mode, 4, "cannot be loaded: cannot load the plug-in ");
   }
+  const Outcome notLoaded =
+      Run("check no-such-file --json --junit " + Quoted(File("unloaded.xml")));
+  EXPECT_EQ(notLoaded.code, 4);
+  const std::string verdict = nlohmann::json::parse(notLoaded.out).at("verdict");
+  EXPECT_EQ(verdict.rfind("cannot be loaded: ", 0), 0U) << verdict;
+  EXPECT_EQ(LastLine(notLoaded.err), verdict);
+  const std::string junit = TextOf(standin::ReadWholeFile(File("unloaded.xml")));
+  EXPECT_NE(junit.find("tests=\"1\" failures=\"0\" errors=\"1\""), std::string::npos) << junit;
   ExpectFailure("check --only NoSuchCheck", 2, "--list");
   ExpectFailure("check --jobs 0", 2, "--jobs");
 }
