@@ -57,7 +57,7 @@ class Gate {
   /// The `n`-th call from now (from 1) and every later one fails.
   void FailFrom(std::uint64_t n, Failure failure = {});
   /// The `n`-th call from now (from 1) fails, and then the next operation that gives something
-  /// back.
+  /// back; not ReleaseSuite, whose result nobody looks at.
   void FailPair(std::uint64_t n, Failure failure = {}, Failure then = {});
   /// The `k`-th call from now (from 1) of this operation fails; with `andLater` every later one
   /// too. Several operations can be told so at a time. Names are those of the host's interface,

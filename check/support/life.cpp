@@ -1,5 +1,8 @@
 #include "check/support/life.h"
 
+#include <algorithm>
+#include <utility>
+
 #include "check/support/parameters.h"
 #include "check/support/pieces.h"
 #include "check/support/plugin_under_check.h"
@@ -14,6 +17,7 @@ using standin::Layer;
 using standin::RendererInstance;
 
 constexpr int kSide = 48;  // small pictures: what counts are the calls
+constexpr double kDepth = -2;
 constexpr Box kArea{.left = 0, .top = 0, .width = kSide, .height = kSide};
 
 void AddBone(standin::Host& host, Layer& layer, std::uint32_t seed) {
@@ -52,28 +56,74 @@ void Life::BuildStacks() {
   AddBone(host, *other_, 3);
 }
 
-void Life::SendAll() {
-  for (RendererInstance* renderer : {renderers_.front(), renderers_.back()}) {
-    for (const auto& effect : renderer->OnLayer().effects) {
-      auto* bone = dynamic_cast<Companion*>(effect.get());
-      if (bone == nullptr) continue;
-      bone->SendImagesAgain();
-      Do("send " + bone->groupName, [&] { return host.Send(*bone, *renderer).command; });
-    }
+void Life::Send(RendererInstance& renderer) {
+  for (const auto& effect : renderer.OnLayer().effects) {
+    auto* bone = dynamic_cast<Companion*>(effect.get());
+    if (bone == nullptr) continue;
+    bone->SendImagesAgain();
+    Do("send " + bone->groupName, [&] { return host.Send(*bone, renderer).command; });
   }
 }
 
-void Life::Picture(const std::string& name) {
-  Do("render " + name, [&] { return host.Render(*renderers_.front()).command; });
+void Life::SendAll() {
+  Send(*renderers_.front());
+  Send(*renderers_.back());
+}
+
+void Life::SetFast(bool fast) {
+  Do(fast ? "fast" : "exact",
+     [&] { return host.SetParameter(*renderers_.front(), kFastTransparency, fast ? 1 : 0); });
+}
+
+standin::Picture Life::Draw(const std::string& name) {
+  standin::Picture picture;
+  Do("render " + name, [&] {
+    standin::RenderResult result = host.Render(*renderers_.front());
+    picture = std::move(result.picture);
+    return result.command;
+  });
+  return picture;
+}
+
+void Life::ReplaceFirst() {
+  if (!renderers_.empty()) {
+    Do("remove", [&] { return host.Remove(*renderers_.front()); });
+    renderers_.pop_front();
+  }
+  Do("apply", [&] {
+    renderers_.push_front(&host.AddRenderer(*puppet_));
+    return renderers_.front()->setup;
+  });
+}
+
+Views Life::DrawAgain() {
+  const bool isWhole = std::ranges::none_of(steps, [](const Step& step) {
+    const bool setsUp = step.name == "apply" || step.name == "duplicate" || step.name == "reopen";
+    return setsUp && !step.injected.empty();
+  });
+  if (renderers_.empty() || !isWhole) ReplaceFirst();
+  Do("depth", [&] { return host.SetParameter(*renderers_.front(), StartZ(1), kDepth); });
+  Views views;
+  for (const bool fast : {true, false}) {
+    SetFast(fast);
+    Send(*renderers_.front());
+    (fast ? views.fast : views.exact) = Draw("again");
+  }
+  return views;
+}
+
+bool Life::Start() {
+  Do("global setup", [&] { return host.GlobalSetup(); });
+  if (!steps.back().result.Ok()) return false;  // a host gives up here
+  TheSettings().afterGlobalSetup();
+  Do("parameters", [&] { return host.ParamsSetup(); });
+  if (!steps.back().result.Ok()) return false;
+  BuildStacks();
+  return true;
 }
 
 void Life::Begin() {
-  Do("global setup", [&] { return host.GlobalSetup(); });
-  if (!steps.back().result.Ok()) return;  // a host gives up here
-  TheSettings().afterGlobalSetup();
-  Do("parameters", [&] { return host.ParamsSetup(); });
-  if (!steps.back().result.Ok()) return;
-  BuildStacks();
+  if (!Start()) return;
   for (Layer* layer : {puppet_, other_}) {
     Do("apply", [&] {
       renderers_.push_back(&host.AddRenderer(*layer));
@@ -99,12 +149,12 @@ void Life::Begin() {
   });
   Do("labels", [&] { return host.UpdateParamsUi(renderer); });
   SendAll();
-  Do("depth", [&] { return host.SetParameter(renderer, StartZ(1), -2); });
+  Do("depth", [&] { return host.SetParameter(renderer, StartZ(1), kDepth); });
   Do("update", [&] { return host.SetParameter(renderer, kUpdater, 2); });
-  Picture("fast");
-  Do("exact", [&] { return host.SetParameter(renderer, kFastTransparency, 0); });
+  Draw("fast");
+  SetFast(false);
   SendAll();
-  Picture("exact");
+  Draw("exact");
   const standin::FrameExtent wide{
       .command = {}, .width = TheSettings().tiledWidth, .height = kSide};
   Do("render in tiles", [&] { return host.RenderInto(renderer, wide).command; });

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "standin/host.h"
+#include "standin/picture.h"
 
 namespace check {
 
@@ -15,17 +16,29 @@ struct Step {
   std::vector<standin::CallRecord> injected;
 };
 
+/// What a layer shows in either mode.
+struct Views {
+  standin::Picture fast;
+  standin::Picture exact;
+};
+
 /// Everything that happens to the plug-in between loading and unloading, on a host of its own:
 /// three instances, one of them duplicated, a project saved and reopened, companions that send both
 /// images, changed parameters, idle time, renders in both modes and in tiles.
 ///
-///   Begin End
+///   (Begin | Start) DrawAgain? End
 class Life {
  public:
   Life();
 
   /// From the set-up to the last picture.
   void Begin();
+  /// The set-up alone; false if it failed.
+  bool Start();
+  /// What the first layer shows now that all a picture depends on is set and sent anew: the same in
+  /// every life. The instance is the one that was there, unless its set-up met a failure: that one
+  /// is replaced first, as a user would. REQUIRES: the plug-in is ready, nothing fails any more.
+  Views DrawAgain();
   /// From the first removal to the set-down.
   void End();
 
@@ -38,8 +51,12 @@ class Life {
   void Do(const std::string& name, Action action);
 
   void BuildStacks();
+  void Send(standin::RendererInstance& renderer);
   void SendAll();
-  void Picture(const std::string& name);
+  void SetFast(bool fast);
+  standin::Picture Draw(const std::string& name);
+  /// A new instance in the first one's stead.
+  void ReplaceFirst();
 
   standin::Layer* puppet_ = nullptr;
   standin::Layer* other_ = nullptr;

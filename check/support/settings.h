@@ -7,7 +7,9 @@ namespace check {
 
 /// What the user chose for all checks of a run.
 struct Settings {
-  /// Cases that draw lots start from it: the same seed gives the same lots.
+  /// Cases that draw lots start from it: the same seed gives the same lots. They are the calls that
+  /// fail in lives, the noise in bad records, the messages of many senders, the frames of long
+  /// lives.
   std::uint32_t seed = 1;
   /// Long lives are lived in full length, which takes minutes.
   bool isLong = false;
@@ -18,9 +20,9 @@ struct Settings {
   std::function<void()> afterGlobalSetup = [] {};
   /// Width in pixels of an output that no render target holds.
   int tiledWidth = 4100;
-  /// Counts the names that the plug-in holds in its OpenGL context, which a host cannot; empty
+  /// Counts the textures that the plug-in holds in its OpenGL context, which a host cannot; empty
   /// where the plug-in is not linked in.
-  std::function<double()> glNames;
+  std::function<double()> glTextures;
 };
 
 /// The settings of this process.

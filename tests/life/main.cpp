@@ -32,7 +32,7 @@ int main(int argc, char** argv) {
   check::UseEntryPoint(EntryPointFunc);
   check::TheSettings().failsEveryCall = true;
   check::TheSettings().tiledWidth = 2 * kSide - 10;
-  check::TheSettings().glNames = CountTextures;
+  check::TheSettings().glTextures = CountTextures;
   check::TheSettings().afterGlobalSetup = [] { check::ResizeRenderTarget(kSide, kSide); };
   return RUN_ALL_TESTS();
 }
