@@ -2,7 +2,9 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
+#include <utility>
 
 #include "check/support/allocation_faults.h"
 #include "check/support/parameters.h"
@@ -20,103 +22,190 @@ using standin::Picture;
 constexpr std::uint64_t kMostAllocations = 1000;
 constexpr check::Box kMemoryArea{.left = 0, .top = 0, .width = 80, .height = 60};
 
+/// Work whose allocations are to fail.
+struct Trial {
+  std::string name;
+  std::function<void()> prepare = [] {};  ///< with memory enough, before each go
+  std::function<CommandResult()> work;
+  std::function<void(const CommandResult&)> judge;  ///< after each go in which memory ran out
+};
+
+/// Lets every allocation of the work fail in turn, until none does; how many there were.
+std::uint64_t FailEach(const Trial& trial) {
+  std::uint64_t n = 1;
+  for (; n < kMostAllocations && !testing::Test::HasFailure(); ++n) {
+    SCOPED_TRACE(trial.name + ", allocation " + std::to_string(n));
+    trial.prepare();
+    CommandResult result;
+    bool fired = false;
+    {
+      const AllocationFaults faults(n);
+      result = trial.work();
+      fired = faults.Fired();
+    }
+    if (!fired) {
+      EXPECT_TRUE(result.Ok()) << result.code;
+      break;
+    }
+    trial.judge(result);
+  }
+  EXPECT_LT(n, kMostAllocations) << trial.name;
+  testing::Test::RecordProperty("allocations that failed in " + trial.name, std::to_string(n - 1));
+  return n - 1;
+}
+
 class Memory : public check::RigTest {
  protected:
   void SetUp() override {
     if (const char* obstacle = AllocationFaults::Obstacle()) GTEST_SKIP() << obstacle;
     for (std::uint32_t bone = 0; bone < 3; ++bone) {
-      rig.AddBone(check::Pattern(16, 12, bone), check::WarpedPieces(bone, 3, kMemoryArea, 16, 12));
+      rig.AddBone(check::Pattern(16, 12, bone), check::WarpedPieces(bone, 3, kMemoryArea, 16, 12))
+          .groupName = "A name that no short string holds";
     }
     rig.SetFast(false);
     rig.Send();
     good = rig.Render().picture;
+    worlds = rig.host.books.Count(standin::Kind::kWorld);
   }
 
-  /// Lets every allocation of `work` fail in turn, until none does; looks at each with `judge`.
-  void FailEach(const std::function<CommandResult()>& work,
-                const std::function<void(const CommandResult&)>& judge) {
-    std::uint64_t n = 1;
-    for (; n < kMostAllocations && !HasFailure(); ++n) {
-      SCOPED_TRACE("allocation " + std::to_string(n));
-      CommandResult result;
-      bool fired = false;
-      {
-        const AllocationFaults faults(n);
-        result = work();
-        fired = faults.Fired();
-      }
-      EXPECT_TRUE(rig.host.ContextIsCurrent());
-      if (!fired) {
-        EXPECT_TRUE(result.Ok()) << result.code;
-        break;
-      }
-      judge(result);
-    }
-    EXPECT_GT(n, 1U);
-    ASSERT_LT(n, kMostAllocations);
-    RecordProperty("allocations that failed", std::to_string(n - 1));
+  /// The images come once more, and wait for a frame.
+  void SendImages() {
+    for (standin::Companion* bone : rig.ActiveCompanions()) bone->SendImagesAgain();
+    rig.Send();
+  }
+
+  /// Nothing is lost, and the scene is as it was.
+  void ExpectAllAsBefore() {
+    EXPECT_TRUE(rig.host.ContextIsCurrent());
+    EXPECT_EQ(rig.Render().picture, good);
+    EXPECT_EQ(rig.host.books.Count(standin::Kind::kWorld), worlds);
   }
 
   Picture good;
+  std::size_t worlds = 0;
 };
 
 CHECK_F(Memory, RunningOutInARenderLeavesATransparentFrame,
-        "Whichever allocation of a render fails, the frame is transparent, nothing is lost, and "
-        "the next frame is as ever.") {
+        "Whichever allocation of a render fails, with images waiting or without, the frame is "
+        "transparent, nothing is lost, and the next frame is as ever.") {
   Picture picture;
-  FailEach(
-      [&] {
-        standin::RenderResult result = rig.host.Render(rig.renderer);
-        picture = std::move(result.picture);
-        return result.command;
-      },
-      [&](const CommandResult& result) {
-        EXPECT_EQ(result.code, PF_Err_NONE);
-        EXPECT_EQ(picture.pixels, Picture(good.width, good.height).pixels);
-        EXPECT_EQ(rig.Render().picture, good);
-      });
+  Trial trial{.name = "a render", .prepare = [] {}, .work = {}, .judge = {}};
+  trial.work = [&] {
+    standin::RenderResult result = rig.host.Render(rig.renderer);
+    picture = std::move(result.picture);
+    return result.command;
+  };
+  trial.judge = [&](const CommandResult& result) {
+    EXPECT_EQ(result.code, PF_Err_NONE);
+    EXPECT_EQ(picture.pixels, Picture(good.width, good.height).pixels);
+    ExpectAllAsBefore();
+  };
+  EXPECT_GT(FailEach(trial), 0U);
+  trial.name = "a render with new images";
+  trial.prepare = [&] { SendImages(); };
+  EXPECT_GT(FailEach(trial), 0U);
 }
 
 CHECK_F(Memory, RunningOutInAnIntakeReturns4AndLosesNothing,
         "Whichever allocation of an intake fails, the result is 4, no world is lost, and the same "
         "message then goes well.") {
   standin::Companion& bone = *rig.ActiveCompanions().front();
-  const std::size_t worlds = rig.host.books.Count(standin::Kind::kWorld);
-  FailEach(
-      [&] {
-        bone.SendImagesAgain();
-        bone.pieces.push_back(bone.pieces.back());  // the message grows: room has to be found
-        return rig.host.Send(bone, rig.renderer).command;
-      },
-      [&](const CommandResult& result) {
-        EXPECT_EQ(result.code, PF_Err_OUT_OF_MEMORY);
-        bone.pieces.pop_back();
-        EXPECT_EQ(rig.Render().picture, good);
-        EXPECT_EQ(rig.host.books.Count(standin::Kind::kWorld), worlds);
-      });
+  const Trial trial{
+      .name = "an intake",
+      .prepare =
+          [&] {
+            bone.SendImagesAgain();
+            bone.pieces.push_back(bone.pieces.back());  // the message grows: room is needed
+          },
+      .work = [&] { return rig.host.Send(bone, rig.renderer).command; },
+      .judge =
+          [&](const CommandResult& result) {
+            EXPECT_EQ(result.code, PF_Err_OUT_OF_MEMORY);
+            bone.pieces.pop_back();
+            rig.Send();
+            ExpectAllAsBefore();
+          }};
+  EXPECT_GT(FailEach(trial), 0U);
 }
 
 CHECK_F(Memory, RunningOutInTheFirstIntakeReturns4AndLosesNothing,
-        "The same holds for the first message that an instance gets.") {
+        "Whichever allocation of an instance's first intake fails, the result is 4, and the same "
+        "message then goes well.") {
   standin::Companion& bone = *rig.ActiveCompanions().front();
   standin::RendererInstance* fresh = nullptr;
-  FailEach(
-      [&] {
-        fresh = &rig.host.AddRenderer(rig.layer);
-        bone.SendImagesAgain();
-        return rig.host.Send(bone, *fresh).command;
-      },
-      [&](const CommandResult& result) {
-        EXPECT_EQ(result.code, PF_Err_OUT_OF_MEMORY);
-        for (standin::Companion* each : rig.ActiveCompanions()) {
-          each->SendImagesAgain();
-          EXPECT_TRUE(rig.host.Send(*each, *fresh).command.Ok());
-        }
-        EXPECT_TRUE(rig.host.SetParameter(*fresh, check::kFastTransparency, 0).Ok());
-        EXPECT_EQ(rig.host.Render(*fresh).picture, good);
-        EXPECT_TRUE(rig.host.Remove(*fresh).Ok());
-      });
+  const Trial trial{
+      .name = "a first intake",
+      .prepare =
+          [&] {
+            fresh = &rig.host.AddRenderer(rig.layer);
+            bone.SendImagesAgain();
+          },
+      .work = [&] { return rig.host.Send(bone, *fresh).command; },
+      .judge =
+          [&](const CommandResult& result) {
+            EXPECT_EQ(result.code, PF_Err_OUT_OF_MEMORY);
+            for (standin::Companion* each : rig.ActiveCompanions()) {
+              each->SendImagesAgain();
+              EXPECT_TRUE(rig.host.Send(*each, *fresh).command.Ok());
+            }
+            EXPECT_TRUE(rig.host.SetParameter(*fresh, check::kFastTransparency, 0).Ok());
+            EXPECT_EQ(rig.host.Render(*fresh).picture, good);
+            EXPECT_TRUE(rig.host.Remove(*fresh).Ok());
+          }};
+  EXPECT_GT(FailEach(trial), 0U);
   EXPECT_TRUE(rig.host.Remove(*fresh).Ok());
+}
+
+CHECK_F(Memory, RunningOutInOtherCommandsReturns4AndLosesNothing,
+        "Whichever allocation of a label update, a set-up, a resetup, a nudge or an idle call "
+        "fails, the result is 4, nothing is lost, and the scene is as before.") {
+  standin::Host& host = rig.host;
+  standin::RendererInstance* fresh = nullptr;
+  const auto add = [&](standin::RendererInstance& instance) {
+    fresh = &instance;
+    return instance.setup;
+  };
+  const auto judge = [&](const CommandResult& result) {
+    EXPECT_EQ(result.code, PF_Err_OUT_OF_MEMORY);
+    if (fresh != nullptr) {
+      EXPECT_TRUE(host.Remove(*std::exchange(fresh, nullptr)).Ok());
+    }
+    ExpectAllAsBefore();
+  };
+  const auto fail = [&](const char* name, const std::function<CommandResult()>& work) {
+    return FailEach({.name = name, .prepare = [] {}, .work = work, .judge = judge});
+  };
+  EXPECT_GT(fail("labels", [&] { return host.UpdateParamsUi(rig.renderer); }), 0U);
+  // These need not allocate at all.
+  fail("a set-up", [&] { return add(host.AddRenderer(rig.layer)); });
+  fail("a resetup", [&] { return add(host.Duplicate(rig.renderer)); });
+  fail("a nudge", [&] { return host.SetParameter(rig.renderer, check::kUpdater, 2); });
+  fail("an idle call", [&] {
+    CommandResult result;
+    result.code = host.Idle();
+    return result;
+  });
+}
+
+CHECK(MemoryAtTheStart, RunningOutReturns4AndTheNextStartGoesWell,
+      "Whichever allocation of global set-up fails, the result is 4, nothing is lost, and the next "
+      "start goes well.") {
+  if (const char* obstacle = AllocationFaults::Obstacle()) GTEST_SKIP() << obstacle;
+  std::optional<standin::Host> host;
+  const Trial trial{.name = "global set-up",
+                    .prepare = [&] { host.emplace(check::PluginUnderCheck()); },
+                    .work = [&] { return host->GlobalSetup(); },
+                    .judge =
+                        [&](const CommandResult& result) {
+                          EXPECT_EQ(result.code, PF_Err_OUT_OF_MEMORY);
+                          EXPECT_TRUE(host->ContextIsCurrent());
+                          check::ExpectBalanced(*host);
+                          host.emplace(check::PluginUnderCheck());
+                          EXPECT_TRUE(host->StartUp().Ok());
+                          check::ExpectBalanced(*host);
+                        }};
+  EXPECT_GT(FailEach(trial), 0U);
+  check::ExpectBalanced(*host);
 }
 
 }  // namespace
