@@ -68,6 +68,16 @@ void OverlapWithinOneImage(Rig& rig) {
                      {.left = 10, .top = 6, .width = 30, .height = 40}, 0.5)});
 }
 
+/// One piece twice, a fiftieth of a texel apart in its image: only one of them owns a pixel.
+void AlmostTheSamePiece(Rig& rig) {
+  std::vector<PieceQuad> pieces;
+  for (const double from : {2.0, 2.02}) {
+    pieces.push_back(Piece({.left = 10, .top = 10, .width = 100, .height = 80},
+                           {.left = from, .top = from, .width = 30, .height = 40}, from - 2));
+  }
+  rig.AddBone(Pattern(64, 48, 5, 160), pieces);
+}
+
 void BothImagesOfOneBone(Rig& rig) {
   Companion& bone = rig.AddBone(Pattern(64, 48, 6, 200), WarpedPieces(61, 5, kLayerArea, 64, 48));
   bone.imageB.Set(Pattern(90, 30, 7, 220));
@@ -144,6 +154,7 @@ const std::vector<Case> kCases{
     {"HalfResolution", WarpedPiecesSeed11, {.downsampleX = 2, .downsampleY = 2}},
     {"QuarterHeight", WarpedPiecesSeed12, {.downsampleX = 1, .downsampleY = 4}},
     {"PreEffectOrigin", WarpedPiecesSeed13, {.preEffectOriginX = 30, .preEffectOriginY = -17}},
+    {"AlmostTheSamePiece", AlmostTheSamePiece},
     {"EightBonesCrossingInDepth", EightBonesCrossingInDepth},
     {"PiecesWithoutAPicture", PiecesWithoutAPicture},
     {"TwentySevenBones", TwentySevenBones},

@@ -1,6 +1,6 @@
-# Runs one check, CHECK, on a broken build, PLUGIN: it must end with RESULT and say WORDS, and the
-# build must be called not sound.
-execute_process(COMMAND ${TARVO} check ${PLUGIN} --only ${CHECK} --time-limit 5
+# Runs one check, CHECK, on a broken build, PLUGIN: it must end with RESULT, within LIMIT seconds, and
+# say WORDS, and the build must be called not sound.
+execute_process(COMMAND ${TARVO} check ${PLUGIN} --only ${CHECK} --time-limit ${LIMIT}
   RESULT_VARIABLE code OUTPUT_VARIABLE said ERROR_VARIABLE said)
 message("${said}")
 if(NOT code EQUAL 1)
