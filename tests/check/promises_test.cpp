@@ -1,14 +1,38 @@
+#include <string>
+#include <vector>
+
 #include <gtest/gtest.h>
 
 #include "check/run.h"
+#include "standin/whole_file.h"
 
 namespace {
 
+/// Without the tests of this file, which are among GoogleTest's cases too.
+std::vector<check::Check> Checks() {
+  std::vector<check::Check> checks = check::ChecksNamed();
+  std::erase_if(checks, [](const auto& each) { return each.name.starts_with("PromisesTest."); });
+  return checks;
+}
+
 TEST(PromisesTest, EveryCheckHasOne) {
-  for (const check::Check& check : check::ChecksNamed()) {
-    if (check.name.starts_with("PromisesTest.")) continue;
+  for (const check::Check& check : Checks()) {
     EXPECT_TRUE(check.promise.ends_with('.')) << check.name << ": " << check.promise;
   }
+}
+
+TEST(PromisesTest, StandOnThePageAboutChecking) {
+  std::string list;
+  std::string latest;
+  for (const check::Check& check : Checks()) {
+    const std::string name = check.name.substr(0, check.name.find('/'));
+    if (name != latest) list += "- `" + name + "`: " + check.promise + "\n";
+    latest = name;
+  }
+  const std::string page = standin::ReadWholeFile(TARVO_PAGE);
+  EXPECT_NE(page.find("## The promises\n\n" + list + "\n#"), std::string::npos)
+      << TARVO_PAGE << " must list them so:\n"
+      << list;
 }
 
 }  // namespace
