@@ -187,7 +187,7 @@ std::string CheckReport::JUnit() const {
                      counted("errors", errors + notLoaded) +
                      counted("skipped", Count(check::Verdict::kSkipped)) + ">\n";
   if (notLoaded != 0) {
-    text += "  <testcase classname=\"Build\" name=\"CanBeLoaded\"><error message=\"" +
+    text += R"(  <testcase classname="Build" name="CanBeLoaded"><error message=")" +
             Escaped(notLoaded_) + "\"/></testcase>\n";
   }
   for (const Result& result : results_) {
