@@ -14,6 +14,7 @@
 #include "check/support/rig.h"
 #include "check/support/settings.h"
 
+namespace check::lives {
 namespace {
 
 using check::Life;
@@ -283,3 +284,4 @@ CHECK(Life, WithoutFailuresSucceedsInEveryStep,
 }
 
 }  // namespace
+}  // namespace check::lives

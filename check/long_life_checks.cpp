@@ -12,6 +12,7 @@
 #include "check/support/settings.h"
 #include "check/support/usage.h"
 
+namespace check::long_lives {
 namespace {
 
 constexpr check::Box kSmallArea{.left = 0, .top = 0, .width = 24, .height = 20};
@@ -119,3 +120,4 @@ CHECK_F(LongLives, OfLoadsGrowNothing,
 }
 
 }  // namespace
+}  // namespace check::long_lives

@@ -13,6 +13,7 @@
 #include "check/support/rig.h"
 #include "standin/books.h"
 
+namespace check::memory {
 namespace {
 
 using check::AllocationFaults;
@@ -209,3 +210,4 @@ CHECK(MemoryAtTheStart, RunningOutReturns4AndTheNextStartGoesWell,
 }
 
 }  // namespace
+}  // namespace check::memory
