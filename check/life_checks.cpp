@@ -145,7 +145,7 @@ Views ViewsOfNewHost() {
   life.End();
   std::uint64_t unreported = 0;
   JudgeSteps(life, unreported);
-  check::ExpectBalanced(life.host);
+  check::EndHostInOrder(life.host);
   return views;
 }
 
@@ -234,7 +234,7 @@ class Lives : public ::testing::TestWithParam<std::uint64_t> {
   static std::uint64_t Judge(Life& life, Tally& tally) {
     JudgeSteps(life, tally.unreported);
     EXPECT_TRUE(life.host.ContextIsCurrent());
-    check::ExpectBalanced(life.host,
+    check::EndHostInOrder(life.host,
                           [&](const std::string& misuse) { return IsUnavoidable(life, misuse); });
     return life.host.gate.Injected();
   }
@@ -280,7 +280,7 @@ CHECK(Life, WithoutFailuresSucceedsInEveryStep,
   RecordProperty("steps", std::to_string(life.steps.size()));
   RecordProperty("host calls", std::to_string(life.host.gate.Calls()));
   RecordProperty("of them can fail", std::to_string(life.host.gate.FailableCalls()));
-  check::ExpectBalanced(life.host);
+  check::EndHostInOrder(life.host);
 }
 
 }  // namespace

@@ -200,13 +200,13 @@ CHECK(MemoryAtTheStart, RunningOutReturns4AndTheNextStartGoesWell,
                         [&](const CommandResult& result) {
                           EXPECT_EQ(result.code, PF_Err_OUT_OF_MEMORY);
                           EXPECT_TRUE(host->ContextIsCurrent());
-                          check::ExpectBalanced(*host);
+                          check::EndHostInOrder(*host);
                           host.emplace(check::PluginUnderCheck());
                           EXPECT_TRUE(host->StartUp().Ok());
-                          check::ExpectBalanced(*host);
+                          check::EndHostInOrder(*host);
                         }};
   EXPECT_GT(FailEach(trial), 0U);
-  check::ExpectBalanced(*host);
+  check::EndHostInOrder(*host);
 }
 
 }  // namespace

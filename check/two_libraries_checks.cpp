@@ -46,7 +46,7 @@ CHECK(TwoLibraries, StartRenderAndStopWithoutMeeting,
   Rig alone(PluginUnderCheck());
   const standin::Picture expected = Draw(alone, 1);
   const standin::Picture expectedOther = Draw(alone, 2);
-  ExpectBalanced(alone.host);
+  EndHostInOrder(alone.host);
 
   std::optional<Rig> first(PluginUnderCheck());
   Rig second(other.EntryPoint());
@@ -54,9 +54,9 @@ CHECK(TwoLibraries, StartRenderAndStopWithoutMeeting,
   Draw(second, 1);
   EXPECT_EQ(Draw(second, 2), expectedOther);
   // One goes, and the other draws on.
-  ExpectBalanced(first->host);
+  EndHostInOrder(first->host);
   EXPECT_EQ(second.Render().picture, expectedOther);
-  ExpectBalanced(second.host);
+  EndHostInOrder(second.host);
 }
 
 }  // namespace

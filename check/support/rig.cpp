@@ -22,7 +22,7 @@ std::string Lines(const std::vector<std::string>& texts) {
 
 }  // namespace
 
-void ExpectBalanced(standin::Host& host,
+void EndHostInOrder(standin::Host& host,
                     const std::function<bool(const std::string& misuse)>& isExcused) {
   host.gate.FailNothing();
   host.OfferAllSuites();

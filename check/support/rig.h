@@ -15,7 +15,7 @@ namespace check {
 
 /// Ends the host's business with nothing failing any more, and expects that it was in order:
 /// nothing leaked, and no misuse noted but what `isExcused` accepts.
-void ExpectBalanced(
+void EndHostInOrder(
     standin::Host& host, const std::function<bool(const std::string& misuse)>& isExcused =
                              [](const auto&) { return false; });
 
@@ -66,7 +66,7 @@ class Rig {
 class RigTest : public ::testing::Test {
  protected:
   explicit RigTest(PF_EntryPoint entryPoint = PluginUnderCheck()) : rig(entryPoint) {}
-  void TearDown() override { ExpectBalanced(rig.host); }
+  void TearDown() override { EndHostInOrder(rig.host); }
 
   Rig rig;
 };

@@ -156,7 +156,7 @@ class GlLife : public ::testing::Test {
       }
     }
     EXPECT_TRUE(life.host.ContextIsCurrent());
-    check::ExpectBalanced(life.host);
+    check::EndHostInOrder(life.host);
     return failed;
   }
 

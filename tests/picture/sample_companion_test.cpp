@@ -102,7 +102,7 @@ TEST_F(SampleCompanionTest, SendsAnImageAgainThatWasLostOnItsWay) {
   EXPECT_EQ(Send(20, 30), PF_Err_NONE);
   EXPECT_EQ(PixelAt(36, 46), kShown);
 
-  check::ExpectBalanced(rig.host, [](const std::string& misuse) {
+  check::EndHostInOrder(rig.host, [](const std::string& misuse) {
     return misuse.find("left world") != std::string::npos;
   });
   rig.host.books.ClearMisuses();
