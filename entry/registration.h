@@ -7,8 +7,8 @@
 #define TARVO_ENTRY_REGISTRATION_H
 
 /*
- * A name of another length needs another length byte, size and filling in entry/windows/pipl.rc; the
- * entry point's name also stands in the lists of exports beside it, and the match name in
+ * A name of another length needs another length byte, size and filling in entry/windows/pipl.rc.
+ * The entry point's name also stands in the lists of exports beside it, and the match name in
  * host/match_name.h and companion.h.
  */
 #define TARVO_DISPLAY_NAME "Tarvo_overlaps_manager"
