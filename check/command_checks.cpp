@@ -1,7 +1,9 @@
 // Commands, the bracket around those that touch OpenGL, and what reaches the host of an exception.
 
+#include <algorithm>
 #include <string>
 #include <thread>
+#include <vector>
 
 #include "check/support/host_test.h"
 #include "check/support/parameters.h"
@@ -70,6 +72,34 @@ CHECK_F(Commands, MissingSuitesComeBackAsBadCallbackParam,
   }
 }
 
+/// As from a host, or another effect, that leaves out what it thinks is not needed.
+CHECK_F(Commands, RefuseMissingRecords,
+        "A command without a record that its answer needs returns 516, and nothing is changed.") {
+  Host& host = StartHost();
+  auto& renderer = host.AddRenderer(TheLayer());
+  PF_InData in = host.InputRecord(&renderer);
+  PF_OutData out{};
+  PF_LayerDef output{};
+  const auto calls = host.gate.Calls();
+  const auto answer = [&](PF_Cmd command, PF_InData* input, PF_OutData* answered,
+                          PF_LayerDef* image) {
+    return PluginUnderCheck()(command, input, answered, nullptr, image, nullptr);
+  };
+  for (const PF_Cmd command :
+       {PF_Cmd_ABOUT, PF_Cmd_GLOBAL_SETUP, PF_Cmd_GLOBAL_SETDOWN, PF_Cmd_PARAMS_SETUP,
+        PF_Cmd_SEQUENCE_SETUP, PF_Cmd_SEQUENCE_RESETUP, PF_Cmd_SEQUENCE_SETDOWN, PF_Cmd_FRAME_SETUP,
+        PF_Cmd_RENDER, PF_Cmd_USER_CHANGED_PARAM, PF_Cmd_UPDATE_PARAMS_UI}) {
+    EXPECT_EQ(answer(command, &in, nullptr, &output), 516) << standin::CommandName(command);
+    EXPECT_EQ(answer(command, nullptr, &out, &output), 516) << standin::CommandName(command);
+  }
+  std::vector<PF_ParamDef> definitions(host.DeclaredParameters().size());
+  std::vector<PF_ParamDef*> parameters;
+  for (PF_ParamDef& definition : definitions) parameters.push_back(&definition);
+  EXPECT_EQ(PluginUnderCheck()(PF_Cmd_RENDER, &in, &out, parameters.data(), nullptr, nullptr), 516);
+  EXPECT_EQ(host.gate.Calls(), calls);
+  EXPECT_TRUE(host.Render(renderer).command.Ok());
+}
+
 /// A code thrown by a callback of the host's, in a handler without a guard of its own.
 CHECK_F(Commands, ThrownCodesComeBackAsBadCallbackParam,
         "A code that the host throws comes back as 516, with the context handed back.") {
@@ -131,6 +161,14 @@ CHECK_F(Commands, AskTheHostAsAgreed,
                {"AEGP_GetStreamName", ", 0, "},
                {"AEGP_SetDynamicStreamFlag", ", 2, 0, "},
                {"AEGP_EndQuietErrors", "0, "}};
+  const auto asksForSuite = [&](const std::string& suite) {
+    return std::ranges::any_of(host.gate.Log(), [&](const standin::CallRecord& call) {
+      return call.operation == "AcquireSuite" && call.arguments.find(suite) != std::string::npos;
+    });
+  };
+  // Hosts have it in several versions, whose operations differ.
+  EXPECT_TRUE(asksForSuite("\"AEGP Effect Suite\", 2"));
+  EXPECT_TRUE(asksForSuite("\"AEGP Effect Suite\", 3"));
   for (const auto& [operation, arguments] : cases) {
     EXPECT_GT(host.gate.Calls(operation), 0U) << operation;
     for (const standin::CallRecord& call : host.gate.Log()) {

@@ -41,7 +41,7 @@ std::vector<PieceQuad> PiecesWith(const std::vector<std::array<double, 2>>& corn
 
 CHECK_F(Extent, EnclosesThePiecesWithAMargin,
         "The output encloses all pieces with 5 % a side, at the frame's resolution, whatever their "
-        "corners are.") {
+        "corners are; without pieces it is the layer in full size.") {
   const std::vector<std::array<double, 2>> quad{{10, 20}, {110, 20}, {110, 70}, {10, 70}};
   const std::vector<std::array<double, 2>> wide{{-50.25, -10}, {30, -10}, {30, 90}, {-50.25, 90}};
   const double huge = 1e300;
@@ -53,6 +53,7 @@ CHECK_F(Extent, EnclosesThePiecesWithAMargin,
   const Frame shifted{.preEffectOriginX = 30, .preEffectOriginY = 40};
   const ExtentCase cases[] = {
       {"no piece", {}, full, 1920, 1080, {0, 0}},
+      {"no piece, half resolution", {}, half, 1920, 1080, {0, 0}},
       {"no piece, shifted", {}, shifted, 1920, 1080, {-30, -40}},
       {"one quad", quad, full, 110, 56, {-5, -17}},
       {"half resolution", quad, half, 56, 29, {-2, -8}},
@@ -60,6 +61,16 @@ CHECK_F(Extent, EnclosesThePiecesWithAMargin,
       {"numerators beside 1", quad, odd, 56, 29, {-2, -8}},
       {"shifted", quad, shifted, 110, 56, {-35, -57}},
       {"single precision", wide, full, 90, 110, {55, 15}},
+      // Found by search: a bound lies on a whole pixel, or just beside it where a step of the
+      // margin is worked out, or kept, in the other precision.
+      {"a spread in single precision", {{518.98, 10}, {8858.58, 20}}, full, 9174, 12, {-102, -9}},
+      {"a margin in double", {{3081.51, 10}, {29391.71, 20}}, full, 28'942, 12, {-1766, -9}},
+      {"a bound in single precision",
+       {{1809.027, 10}, {4669.567, 20}},
+       full,
+       3147,
+       12,
+       {-1666, -9}},
       {"a point between pixels", {{3.5, 4.5}}, full, 1, 1, {-3, -4}},
       {"a point", {{3, 4}}, full, 0, 0, {-3, -4}},
       {"a corner that is no number", {{10, 20}, {none, 5}, {110, 70}}, full, 110, 56, {-5, -17}},

@@ -149,10 +149,9 @@ CHECK_F(Intake, RefusesWhatCannotBeMeant,
   EXPECT_EQ(host.SendRecord(renderer, nullptr).code, 516);
 }
 
-/// A message without an image must neither lose the image that waits nor bring in the sender's.
-CHECK_F(
-    Intake, KeepsAWaitingImageUntilANewOneComes,
-    "An image that waits for a frame outlives messages without one, and gives way to a new one.") {
+/// A message without an image must neither lose the pending image nor bring in the sender's.
+CHECK_F(Intake, KeepsAWaitingImageUntilANewOneComes,
+        "A pending image outlives messages without one, and gives way to a new one.") {
   constexpr standin::Rgba kRed{.red = 200, .green = 0, .blue = 0, .alpha = 255};
   constexpr standin::Rgba kBlue{.red = 0, .green = 0, .blue = 200, .alpha = 255};
   Host& host = StartHost();
@@ -197,6 +196,30 @@ CHECK_F(Intake, LosesNothingWhenATakeFails,
     companion.SendImagesAgain();
     EXPECT_TRUE(host.Send(companion, renderer).tookA) << operation;
     EXPECT_EQ(host.Render(renderer).picture.At(22, 22).alpha, 255) << operation;
+    EndHost();
+  }
+}
+
+/// The host has disposed of it all the same, as of everything that it fails to take back.
+CHECK_F(Intake, TakesAnImageWhoseForerunnerTheHostRefuses,
+        "When the host refuses to dispose of a pending image, the new one is taken all the "
+        "same, and the refusal is the result unless something failed after it.") {
+  constexpr standin::Rgba kBlue{.red = 0, .green = 0, .blue = 200, .alpha = 255};
+  for (const PF_Err later : {0, 62}) {
+    Host& host = StartHost();
+    Companion& companion = AddPiece(host, Pattern(8, 8, 1));
+    auto& renderer = host.AddRenderer(TheLayer());
+    ASSERT_TRUE(host.Send(companion, renderer).tookA);
+    companion.imageA.Set(Picture(8, 8, kBlue));
+    host.gate.FailOperation("dispose_world", 1, {.code = 61});
+    if (later != 0) host.gate.FailOperation("AEGP_GetEffectFlags", 1, {.code = later});
+    const standin::SendResult sent = host.Send(companion, renderer);
+    EXPECT_EQ(sent.command.code, later != 0 ? later : 61);
+    EXPECT_TRUE(sent.tookA);
+    EXPECT_EQ(host.AbandonedWorlds(), 0U);
+    EXPECT_EQ(host.books.Count(Kind::kWorld), 1U);
+    EXPECT_TRUE(host.Send(companion, renderer).command.Ok());
+    EXPECT_EQ(host.Render(renderer).picture.At(22, 22), kBlue);
     EndHost();
   }
 }

@@ -9,6 +9,7 @@
 #include "check/support/host_test.h"
 #include "check/support/pieces.h"
 #include "check/support/promise.h"
+#include "check/support/settings.h"
 
 namespace check::life_cycle {
 namespace {
@@ -127,6 +128,15 @@ CHECK_F(GlobalSetup, ReportsARefusedIdleHook,
   EXPECT_EQ(host.gate.Injected("AEGP_ReportInfo"), 1U);
 }
 
+CHECK_F(GlobalSetup, ReportsItsOwnCodeWithoutTheSuiteThatReports,
+        "A failure of global set-up is its result also where the host has no suite to report it "
+        "with.") {
+  Host& host = MakeHost();
+  host.gate.FailOperation("AEGP_RegisterIdleHook", 1, {.code = 33});
+  host.Withhold("AEGP Utility Suite", 7);
+  EXPECT_EQ(host.GlobalSetup().code, 33);
+}
+
 CHECK_F(GlobalSetup, IsOutOfMemoryWithoutGlobalData,
         "Without a handle for the global data the result is 4, whatever else failed.") {
   Host& host = MakeHost();
@@ -220,6 +230,25 @@ CHECK_F(Instances, OfACopyWithoutMemoryDoNotReachTheOriginal,
   EXPECT_EQ(host.FrameSetup(original).width, kPieceWidth);
 }
 
+/// As when a host restores bytes that it had copied before the first message.
+CHECK_F(Instances, ReleaseWhatAnEmptiedStoreHeld,
+        "A store that reads as empty again gets a new scene; what the old one held is released "
+        "with the instance.") {
+  Host& host = StartHost();
+  auto& renderer = host.AddRenderer(TheLayer());
+  const Store empty = StoreOf(renderer);
+  auto& companion = SendOnePiece(host, renderer);
+  host.memory.HostLock(renderer.sequenceData);
+  std::memcpy(*renderer.sequenceData, &empty, sizeof empty);
+  host.memory.HostUnlock(renderer.sequenceData);
+  EXPECT_EQ(host.FrameSetup(renderer).width, kEmptyWidth);
+  SendImage(host, companion, renderer);
+  EXPECT_EQ(host.FrameSetup(renderer).width, kPieceWidth);
+  EXPECT_EQ(host.books.Count(standin::Kind::kWorld), 2U);
+  EXPECT_TRUE(host.Remove(renderer).Ok());
+  EXPECT_EQ(host.books.Count(standin::Kind::kWorld), 0U);
+}
+
 /// A handle that no resetup has seen.
 CHECK_F(Instances, TakeForeignBytesForNone,
         "Bytes that look like the plug-in's own, with an address of nobody's, are not followed.") {
@@ -284,11 +313,50 @@ CHECK_F(Instances, KeepTheOldStoreThatAResetupCannotReplace,
     EXPECT_EQ(in.sequence_data, before) << operation;
     EXPECT_EQ(out.sequence_data, nullptr) << operation;
   }
+  // The lock that failed last is answered by an unlock all the same: here, and nowhere else.
+  EXPECT_EQ(host.gate.Calls("host_unlock_handle"), host.gate.Calls("host_lock_handle"));
+}
+
+/// The output is wider than the render target, so that it is drawn correctly only if the target's
+/// size is known.
+CHECK_F(Instances, StartOverWithASecondGlobalSetUp,
+        "A second global set-up without a set-down releases what the first made and starts as "
+        "the first did: new instances draw, in tiles too, and those from before are transparent.") {
+  Host& host = StartHost();
+  auto& before = host.AddRenderer(TheLayer());
+  auto& companion = SendOnePiece(host, before);
+  const double right = TheSettings().tiledWidth - 40.0;
+  companion.pieces.push_back(Piece({right, 10, 40, 40}, {1, 1, 6, 6}, 0.5));
+  SendImage(host, companion, before);
+  const standin::Picture drawn = host.Render(before).picture;
+  const PF_Handle data = host.GlobalData();
+  SendImage(host, companion, before);  // waits for a frame that never comes
+
+  EXPECT_TRUE(host.Call(PF_Cmd_GLOBAL_SETUP, nullptr).Ok());
+  EXPECT_FALSE(host.memory.Alive(data));
+  EXPECT_TRUE(host.memory.Alive(host.GlobalData()));
+  EXPECT_EQ(host.Render(before).picture, standin::Picture(kEmptyWidth, 100));
+  auto& after = host.AddRenderer(TheLayer());
+  SendImage(host, companion, after);
+  EXPECT_EQ(host.Render(after).picture, drawn);
+}
+
+CHECK_F(GlobalSetup, LeavesNoDeadHandleWhenASecondOneFails,
+        "A second global set-up that gets no new global data leaves the host without any.") {
+  for (const char* operation : {"host_lock_handle", "host_new_handle"}) {
+    Host& host = StartHost();
+    auto& renderer = host.AddRenderer(TheLayer());
+    host.gate.FailOperation(operation);
+    host.Call(PF_Cmd_GLOBAL_SETUP, nullptr);
+    EXPECT_EQ(host.GlobalData(), nullptr) << operation;
+    EXPECT_TRUE(host.Remove(renderer).Ok());
+    EndHost();
+  }
 }
 
 /// What of it became a texture no host can see.
 CHECK_F(Instances, GiveBackWhatTheyHold,
-        "Images that wait for a frame go back to the host with their instance, and with the whole "
+        "Pending images go back to the host with their instance, and with the whole "
         "plug-in.") {
   for (const bool removed : {true, false}) {
     Host& host = StartHost();

@@ -68,15 +68,20 @@ void OverlapWithinOneImage(Rig& rig) {
                      {.left = 10, .top = 6, .width = 30, .height = 40}, 0.5)});
 }
 
-/// One piece twice, a fiftieth of a texel apart in its image: only one of them owns a pixel.
-void AlmostTheSamePiece(Rig& rig) {
-  std::vector<PieceQuad> pieces;
-  for (const double from : {2.0, 2.02}) {
-    pieces.push_back(Piece({.left = 10, .top = 10, .width = 100, .height = 80},
-                           {.left = from, .top = from, .width = 30, .height = 40}, from - 2));
-  }
-  rig.AddBone(Pattern(64, 48, 5, 160), pieces);
+/// One piece twice, so many texels apart in its image.
+void AddTwice(Rig& rig, double right, double down) {
+  constexpr Box kWhere{.left = 10, .top = 10, .width = 100, .height = 80};
+  const Box first{.left = 2, .top = 2, .width = 30, .height = 40};
+  Box second = first;
+  second.left += right;
+  second.top += down;
+  rig.AddBone(Pattern(64, 48, 5, 160), {Piece(kWhere, first, 0), Piece(kWhere, second, 0.02)});
 }
+
+// Apart by a fiftieth of a texel: only one of the two owns a pixel.
+void AlmostTheSamePiece(Rig& rig) { AddTwice(rig, 0.02, 0.02); }
+void AlmostTheSameColumns(Rig& rig) { AddTwice(rig, 0.02, 0); }
+void AlmostTheSameRows(Rig& rig) { AddTwice(rig, 0, 0.02); }
 
 void BothImagesOfOneBone(Rig& rig) {
   Companion& bone = rig.AddBone(Pattern(64, 48, 6, 200), WarpedPieces(61, 5, kLayerArea, 64, 48));
@@ -155,6 +160,8 @@ const std::vector<Case> kCases{
     {"QuarterHeight", WarpedPiecesSeed12, {.downsampleX = 1, .downsampleY = 4}},
     {"PreEffectOrigin", WarpedPiecesSeed13, {.preEffectOriginX = 30, .preEffectOriginY = -17}},
     {"AlmostTheSamePiece", AlmostTheSamePiece},
+    {"AlmostTheSameColumns", AlmostTheSameColumns},
+    {"AlmostTheSameRows", AlmostTheSameRows},
     {"EightBonesCrossingInDepth", EightBonesCrossingInDepth},
     {"PiecesWithoutAPicture", PiecesWithoutAPicture},
     {"TwentySevenBones", TwentySevenBones},
@@ -230,6 +237,32 @@ CHECK_F(Picturing, OpacityIsStrengthenedByTheTwoPasses,
   EXPECT_NEAR(pixel.red, kOrange.red, 1);
   EXPECT_NEAR(pixel.green, kOrange.green, 1);
   EXPECT_NEAR(pixel.blue, kOrange.blue, 1);
+}
+
+/// Sliders show hundredths, but animation and expressions pass through every number.
+CHECK_F(Picturing, OfBonesWithEqualDepthsTheLaterOneIsInFront,
+        "Of two bones with the same Z values the one further down the stack is in front, at each "
+        "place along them; where the Z values differ by half a billionth, they decide.") {
+  constexpr Rgba kBlue{.red = 20, .green = 40, .blue = 220, .alpha = 255};
+  for (const Rgba colour : {kBlue, kOrange}) {
+    rig.AddBone(Picture(64, 48, colour),
+                {Piece({0, 0, 60, 40}, kCut, 0.25), Piece({60, 0, 60, 40}, kCut, 1.0)});
+  }
+  rig.Send();
+  struct Values {
+    double start;
+    double end;
+    double laterBy;  ///< what bone 2 has more
+    Rgba front;
+  };
+  for (const Values z : {Values{-3, -3, 0, kOrange}, Values{2, -2, 0, kOrange},
+                         Values{0, 0, 0, kOrange}, Values{0, 0, 5e-10, kBlue}}) {
+    rig.SetDepth(1, z.start, z.end);
+    rig.SetDepth(2, z.start + z.laterBy, z.end + z.laterBy);
+    const Picture picture = rig.Render().picture;
+    EXPECT_EQ(picture.At(36, 22), z.front) << z.start;
+    EXPECT_EQ(picture.At(96, 22), z.front) << z.start;
+  }
 }
 
 CHECK_F(Picturing, CheckboxAboveOneIsOn, "A fast transparency above 1 is as good as 1.") {

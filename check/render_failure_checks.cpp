@@ -65,14 +65,17 @@ const std::vector<HostFailure> kHostFailures{
     {"get_pixel_data8", 20, kThrown, false, kOther},
     {"premultiply", 1, kThrown, false, kOther},
     {"copy", 1, kThrown, false, kOther},
+    // Nothing is lost by it: an image is in its texture, a tile in the world.
+    {"host_unlock_handle", 1, kThrown, true, 0, true},
+    {"host_unlock_handle", 1, kThrown, false, 0, true},
     // The picture is in the output by then.
     {"dispose_world", 1, kReturned, false, kOther, true},
     {"dispose_world", 1, kThrown, false, kOther, true},
 };
 
 CHECK_F(FailedRenders, ReportWhatTheHostFailed,
-        "A host operation that fails in a render gives the specified result and a transparent "
-        "output; nothing is lost, and images sent again show as ever.") {
+        "A host operation that fails in a render gives the result that belongs to it and a "
+        "transparent output; nothing is lost, and images sent again show as ever.") {
   for (const HostFailure& failing : kHostFailures) {
     SCOPED_TRACE(::testing::PrintToString(failing));
     if (failing.imagesPending) SendImages();
@@ -97,6 +100,27 @@ CHECK_F(FailedRenders, ReportAFailedFillUnlessAnImageWaits,
     EXPECT_EQ(rig.host.Render(rig.renderer).command.code, imagesPending ? kCancel : kOther);
     ExpectRecovery();
   }
+}
+
+/// The images are other ones than those drawn before; sent anew, they are drawn for comparison.
+CHECK_F(FailedRenders, KeepImagesThatCannotBeDisposedOf,
+        "When a render fails without the suite that disposes of images, pending ones are kept "
+        "and show in the next frame.") {
+  for (standin::Companion* bone : rig.ActiveCompanions()) {
+    const Picture& image = bone->imageA.picture;
+    bone->imageA.Set(Pattern(image.width, image.height, 70));
+  }
+  rig.Send();
+  const std::size_t worlds = rig.host.books.Count(standin::Kind::kWorld);
+  rig.host.gate.FailOperation("fill", 1, kReturned);
+  rig.host.Withhold("PF World Suite", 1);
+  EXPECT_EQ(rig.host.Render(rig.renderer).command.code, PF_Err_BAD_CALLBACK_PARAM);
+  EXPECT_EQ(rig.host.books.Count(standin::Kind::kWorld), worlds);
+  rig.host.OfferAllSuites();
+  const Picture kept = rig.Render().picture;
+  EXPECT_NE(kept, good);
+  SendImages();
+  EXPECT_EQ(kept, rig.Render().picture);
 }
 
 /// Every upload's buffer in turn, of four new images. What the next frame must show of them is sent

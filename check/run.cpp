@@ -22,13 +22,28 @@ std::string FullName(const TestInfo& info) {
   return std::string(info.test_suite_name()) + "." + info.name();
 }
 
+/// Only the last star is ever extended: what an earlier one takes can do without more. The time is
+/// that of name times pattern at most.
 bool Fits(std::string_view name, std::string_view pattern) {
-  if (pattern.empty()) return name.empty();
-  if (pattern.front() == '*') {
-    return Fits(name, pattern.substr(1)) || (!name.empty() && Fits(name.substr(1), pattern));
+  std::size_t read = 0;   // of the name
+  std::size_t given = 0;  // of the pattern
+  std::size_t afterStar = std::string_view::npos;
+  std::size_t starEnd = 0;  // of what the star takes of the name
+  while (read < name.size()) {
+    if (given < pattern.size() && pattern[given] == '*') {
+      afterStar = ++given;
+      starEnd = read;
+    } else if (given < pattern.size() && (pattern[given] == '?' || pattern[given] == name[read])) {
+      ++given;
+      ++read;
+    } else if (afterStar != std::string_view::npos) {
+      given = afterStar;
+      read = ++starEnd;
+    } else {
+      return false;
+    }
   }
-  const bool isSame = !name.empty() && (pattern.front() == '?' || pattern.front() == name.front());
-  return isSame && Fits(name.substr(1), pattern.substr(1));
+  return pattern.find_first_not_of('*', given) == std::string_view::npos;
 }
 
 /// Makes GoogleTest's cases, those of its tables too.

@@ -47,9 +47,9 @@ CHECK_F(Sliders, FollowTheSwitchedOnCompanions,
   auto& arm = host.AddCompanion(TheLayer(), "Arm");
   auto& off = host.AddCompanion(TheLayer(), "Off");
   off.active = false;
-  host.AddEffect(TheLayer(), std::string(47, 'x'));  // a match name as long as hosts have them
+  host.AddEffect(TheLayer(), std::string(48, 'x'));  // a match name as long as hosts have them
   auto& renderer = host.AddRenderer(TheLayer());
-  host.AddCompanion(TheLayer(), std::string(31, 'x'));
+  host.AddCompanion(TheLayer(), std::string(40, 'x'));
   ASSERT_TRUE(host.UpdateParamsUi(renderer).Ok());
   EXPECT_EQ(ShownCount(renderer), 4);
   EXPECT_EQ(Label(renderer, 1), "Arm start Z");
@@ -57,7 +57,7 @@ CHECK_F(Sliders, FollowTheSwitchedOnCompanions,
   EXPECT_EQ(Label(renderer, 3), std::string(31, 'x'));
   EXPECT_EQ(Label(renderer, 5), "Bone 3 start Z");
   EXPECT_EQ(host.gate.Calls("PF_UpdateParamUI"), 4U);
-  EXPECT_EQ(renderer.parameters[1].definition.ui_flags, PF_PUI_INVISIBLE);
+  EXPECT_EQ(renderer.parameters[1].sentUiFlags, PF_PUI_INVISIBLE);
 
   // Nothing has changed: nothing is sent and nothing set.
   const auto flagsSet = host.gate.Calls("AEGP_SetDynamicStreamFlag");

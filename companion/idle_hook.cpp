@@ -78,7 +78,7 @@ AEGP_CompH CompositionOf(HostCalls& host, AEGP_ItemH item) {
 /// asked counts only as far as the end of the quiet section says so.
 AEGP_CompH ActiveComposition(HostCalls& host) {
   A_long projects = 0;
-  host.Run(&AEGP_ProjSuite6::AEGP_GetNumProjects, &projects);
+  host.Run(&AEGP_ProjSuite5::AEGP_GetNumProjects, &projects);
   if (projects == 0) return nullptr;
   QuietErrors quiet(host);
   quiet.Start();
@@ -149,18 +149,10 @@ A_Err SetUpNewInstances() {
   return SwitchHiddenOnIn(composition);
 }
 
-A_Err NothingThrown(A_Err (*work)()) {
-  try {
-    return Guarded(work);
-  } catch (...) {
-    return CodeOfCurrentException();
-  }
-}
-
 }  // namespace
 
 A_Err IdleHook(AEGP_GlobalRefcon, AEGP_IdleRefcon, A_long*) {
-  const A_Err result = gIdleTicks == 0 ? NothingThrown(SetUpNewInstances) : A_Err_NONE;
+  const A_Err result = gIdleTicks == 0 ? CodeOf(SetUpNewInstances) : A_Err_NONE;
   ++gIdleTicks;
   return result;
 }

@@ -1,14 +1,13 @@
 #include "companion/parameter_ui.h"
 
-#include <algorithm>
 #include <array>
 #include <cstring>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "host/effect_walk.h"
 #include "host/parameters.h"
+#include "host/text_field.h"
 
 namespace tarvo {
 namespace {
@@ -18,11 +17,6 @@ constexpr std::size_t kLongestLabel = sizeof(PF_ParamDef::name) - 1;
 /// The companion parameter whose group bears the companion's name.
 constexpr PF_ParamIndex kNamedParameter = 1;
 
-/// The text in a name field of the host's, which need not be terminated.
-std::string_view TextIn(const A_char* field, std::size_t size) {
-  return {field, static_cast<std::size_t>(std::find(field, field + size, '\0') - field)};
-}
-
 /// The name of the group that holds the companion's parameters, as the user sees it.
 std::string GroupName(HostCalls& host, AEGP_EffectRefH companion) {
   std::array<A_char, kStreamNameBytes> name{};
@@ -31,8 +25,8 @@ std::string GroupName(HostCalls& host, AEGP_EffectRefH companion) {
                 kNamedParameter);
   StreamReference group(host);
   group.Obtain(&AEGP_DynamicStreamSuite4::AEGP_GetNewParentStreamRef, gPluginId, stream.Get());
-  host.Run(&AEGP_StreamSuite2::AEGP_GetStreamName, group.Get(), A_Boolean{0}, name.data());
-  return std::string(TextIn(name.data(), name.size()));
+  host.Run(&AEGP_StreamSuite1::AEGP_GetStreamName, group.Get(), A_Boolean{0}, name.data());
+  return std::string(TextIn(name.data(), kLongestStreamName));
 }
 
 /// Two labels for each switched-on companion of the layer, in the order of the stack.
@@ -69,8 +63,8 @@ bool ShowControls(HostCalls& host, PF_ProgPtr effectRef, PF_ParamIndex shownCoun
   return true;
 }
 
-/// Sends a parameter under a new label. The flag in the record keeps the host from showing the
-/// control by this call: what is shown is decided by the streams' hidden flags alone.
+/// Sends a parameter under a new label. Hosts of today ignore PF_PUI_INVISIBLE here, for they take
+/// over only the separator and disabled flags: what is shown follows the streams' hidden flags.
 void SendLabel(HostCalls& host, PF_ProgPtr effectRef, PF_ParamIndex index, PF_ParamDef parameter,
                const std::string& label) {
   std::memset(parameter.name, 0, sizeof parameter.name);

@@ -1,7 +1,9 @@
 #include "entry/global_lifecycle.h"
 
 #include <cstdint>
+#include <optional>
 #include <string>
+#include <utility>
 
 #include "entry/identity.h"
 #include "entry/plugin_folder.h"
@@ -15,6 +17,7 @@
 
 namespace tarvo {
 
+using AESDK_OpenGL::AESDK_OpenGL_DeleteRenderTarget;
 using AESDK_OpenGL::AESDK_OpenGL_ErrorText;
 using AESDK_OpenGL::AESDK_OpenGL_InitShaders;
 using AESDK_OpenGL::AESDK_OpenGL_ShutDown;
@@ -26,6 +29,9 @@ namespace {
 /// Hosts before this version draw with OpenGL themselves, in a way that does not go with ours.
 constexpr A_short kFirstMajorThatSharesOpenGl = 11;
 constexpr std::uint16_t kNoTargetYet = 65535;
+
+/// The global data of the latest set-up that has not been set down.
+PF_Handle gGlobalData = nullptr;
 
 void ReportIdentity(PF_OutData& out) {
   out.my_version = kVersion;
@@ -63,16 +69,31 @@ PF_Err MakeGlobalData(SuiteHandler& suites, PF_OutData& out) {
   auto* const data = static_cast<GlobalData*>(memory.Lock());
   if (data == nullptr) return PF_Err_NONE;
   data->instanceCounter = 1;
-  out.global_data = memory.Release();
+  out.global_data = gGlobalData = memory.Release();
   return PF_Err_NONE;
 }
 
-/// Best effort: nothing here keeps the framework from being stopped.
+/// Best effort: no failure keeps the framework from being stopped.
 void ReleaseScenes(PF_InData& in) {
-  Guarded([&] {
-    SuiteHandler suites(in.pica_basicP);
-    gScenes.ReleaseAll(suites, in.effect_ref);
-    return PF_Err_NONE;
+  std::optional<SuiteHandler> suites;
+  if (in.pica_basicP != nullptr) suites.emplace(in.pica_basicP);
+  gScenes.ReleaseAll(suites ? &*suites : nullptr, in.effect_ref);
+}
+
+/// Releases what an earlier set-up made if no set-down released it. Otherwise it would leak, and
+/// the old render target would be taken to be kNoTargetYet pixels wide: outputs larger than it
+/// would no longer be cut into tiles. Errors are ignored.
+void ReleaseEarlierSetup(PF_InData& in, PF_OutData& out, SuiteHandler& suites) {
+  IgnoreErrors([&] {
+    ReleaseScenes(in);
+    AESDK_OpenGL_DeleteRenderTarget(gState);
+    if (gState.renderContext != nullptr) AESDK_OpenGL_ShutDown(gState);
+  });
+  if (gGlobalData == nullptr) return;
+  IgnoreErrors([&] {
+    DisposeHandle(suites, std::exchange(gGlobalData, nullptr));
+    in.global_data = nullptr;
+    out.global_data = nullptr;
   });
 }
 
@@ -81,11 +102,12 @@ void ReleaseScenes(PF_InData& in) {
 PF_Err GlobalSetup(PF_InData& in, PF_OutData& out) {
   ReportIdentity(out);
   HostCalls host(in.pica_basicP);
+  ReleaseEarlierSetup(in, out, host.Suites());
   host.Run(&AEGP_UtilitySuite5::AEGP_RegisterWithAEGP, nullptr, kOwnMatchName, &gPluginId);
   if (in.version.major < kFirstMajorThatSharesOpenGl) {
-    host.Chain().Become(Guarded([&] { return SwitchHostOpenGlOff(host); }));
+    host.Chain().Become(CodeOf([&] { return SwitchHostOpenGlOff(host); }));
   }
-  if (const PF_Err failed = Guarded([&] { return StartFramework(in, out); }); failed != 0) {
+  if (const PF_Err failed = CodeOf([&] { return StartFramework(in, out); }); failed != 0) {
     host.Chain().Become(failed);
   }
   if (const PF_Err failed = MakeGlobalData(host.Suites(), out); failed != 0) return failed;
@@ -95,8 +117,10 @@ PF_Err GlobalSetup(PF_InData& in, PF_OutData& out) {
 }
 
 PF_Err GlobalSetdown(PF_InData& in, PF_OutData& out) {
+  // Forgotten even if it cannot be disposed of below: the next set-up may be another host's.
+  gGlobalData = nullptr;
   ReleaseScenes(in);  // first: their textures are the context's, which goes next
-  const PF_Err result = Guarded([&] {
+  const PF_Err result = CodeOf([&] {
     Require(in, out, AESDK_OpenGL_ShutDown(gState), AESDK_OpenGL_ErrorText);
     return PF_Err_NONE;
   });

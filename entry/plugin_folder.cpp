@@ -60,7 +60,7 @@ std::string PathText(const unsigned char* bytes, std::size_t size) {
 
 std::string PluginFolder(PF_InData& in) {
   std::array<unsigned char, kPathBytes> path{};
-  in.utils->get_platform_data(in.effect_ref, PF_PlatData_RES_FILE_PATH_W, path.data());
+  in.utils->get_platform_data(in.effect_ref, PF_PlatData_EXE_FILE_PATH_W, path.data());
   return FolderOf(PathText(path.data(), path.size()));
 }
 

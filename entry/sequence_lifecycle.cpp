@@ -49,7 +49,10 @@ bool HandOverStore(HostMemory& memory, const PF_InData& in, PF_OutData& out) {
 PF_Err ReplaceStore(SuiteHandler& suites, PF_InData& in, PF_OutData& out) {
   HostMemory memory(suites, sizeof(SceneStore));
   if (!memory) return PF_Err_NONE;
-  if (!HandOverStore(memory, in, out)) return PF_Err_INTERNAL_STRUCT_DAMAGED;
+  if (!HandOverStore(memory, in, out)) {
+    memory.Unlock();  // this command alone unlocks after a failed lock, as hosts know it to do
+    return PF_Err_INTERNAL_STRUCT_DAMAGED;
+  }
   gScenes.Release(in.sequence_data, suites, in.effect_ref);
   DisposeHandle(suites, in.sequence_data);
   in.sequence_data = nullptr;
@@ -58,7 +61,7 @@ PF_Err ReplaceStore(SuiteHandler& suites, PF_InData& in, PF_OutData& out) {
 
 /// Prepares the render target and arms the idle hook. Returns `result`, or what went wrong here.
 PF_Err Prepared(PF_InData& in, PF_OutData& out, PF_Err result) {
-  const PF_Err failed = Guarded([&] {
+  const PF_Err failed = CodeOf([&] {
     Require(in, out, AESDK_OpenGL_PrepareRenderTarget(gState, 0, 0), AESDK_OpenGL_ErrorText,
             Display::kYes);
     return PF_Err_NONE;
@@ -92,6 +95,7 @@ PF_Err SequenceResetup(PF_InData& in, PF_OutData& out) {
 PF_Err SequenceSetdown(PF_InData& in, PF_OutData& out) {
   if (in.sequence_data != nullptr) {
     SuiteHandler suites(in.pica_basicP);
+    suites.Get<PF_HandleSuite1>();  // first: without it the instance stays, and keeps its scene
     gScenes.Release(in.sequence_data, suites, in.effect_ref);
     DisposeHandle(suites, in.sequence_data);
   }

@@ -7,9 +7,9 @@ namespace tarvo {
 /// Answers the making of an instance: gives it an empty scene store with a number, prepares the
 /// render target and arms the idle hook. [framework's context current]
 ///
-/// Returns PF_Err_OUT_OF_MEMORY, nothing else being done, if the host has no memory for a store (a
-/// lock that it refuses leaves the instance without one, and is no error);
-/// PF_Err_INTERNAL_STRUCT_DAMAGED, with a message for the user, if there is no render target.
+/// Returns PF_Err_OUT_OF_MEMORY, nothing else being done, if the host has no memory for a store;
+/// else 0. A lock that the host refuses leaves the instance without a store. A render target that
+/// could not be made is reported by the frames that need it, and made by the next set-up that can.
 /// Throws PF_Err_BAD_CALLBACK_PARAM without the handle suite, as do the other two.
 PF_Err SequenceSetup(PF_InData& in, PF_OutData& out);
 
@@ -21,8 +21,8 @@ PF_Err SequenceSetup(PF_InData& in, PF_OutData& out);
 /// one cannot be locked (PF_Err_INTERNAL_STRUCT_DAMAGED).
 PF_Err SequenceResetup(PF_InData& in, PF_OutData& out);
 
-/// Answers the end of an instance: releases its scene and gives its store back. Returns 0.
-/// [framework's context current]
+/// Answers the end of an instance: releases its scene and disposes of its store. Returns 0.
+/// Textures are deleted if the framework's context is current, and kept until global set-down else.
 PF_Err SequenceSetdown(PF_InData& in, PF_OutData& out);
 
 }  // namespace tarvo

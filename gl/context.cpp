@@ -68,7 +68,7 @@ void CreateContext(AESDK_OpenGL_State& state) {
 }
 
 void DeleteShaderObjects(const AESDK_OpenGL_State& state) {
-  if (!MayCallEntryPoints(state)) return;  // the context takes its objects with it
+  if (!AESDK_OpenGL_IsCurrent(state)) return;  // the context takes its objects with it
   gEntryPoints.glDeleteObjectARB(state.vertexShader);
   gEntryPoints.glDeleteObjectARB(state.fragmentShader);
   gEntryPoints.glDeleteObjectARB(state.program);
@@ -129,6 +129,10 @@ void AESDK_OpenGL_SaveCurrentContext(AESDK_OpenGL_State& state) {
 
 BOOL AESDK_OpenGL_MakeCurrent(HDC deviceContext, HGLRC renderContext) {
   return wglMakeCurrent(deviceContext, renderContext);
+}
+
+bool AESDK_OpenGL_IsCurrent(const AESDK_OpenGL_State& state) {
+  return IsRunning(state) && wglGetCurrentContext() == state.renderContext;
 }
 
 }  // namespace AESDK_OpenGL

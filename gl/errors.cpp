@@ -1,10 +1,8 @@
-#include <string>
-
 #include "gl/framework.h"
 
 namespace AESDK_OpenGL {
 
-std::string AESDK_OpenGL_ErrorText(AESDK_OpenGL_Err code) {
+const char* AESDK_OpenGL_ErrorText(AESDK_OpenGL_Err code) {
   switch (code) {
     case AESDK_OpenGL_Err_None:
       return "OK";
@@ -26,7 +24,7 @@ std::string AESDK_OpenGL_ErrorText(AESDK_OpenGL_Err code) {
   return "Unknown Error Code!";
 }
 
-std::string AESDK_OpenGL_FramebufferStatusText() {
+const char* AESDK_OpenGL_FramebufferStatusText() {
   switch (gEntryPoints.glCheckFramebufferStatusEXT(GL_FRAMEBUFFER_EXT)) {
     case GL_FRAMEBUFFER_COMPLETE_EXT:
       return "OK";

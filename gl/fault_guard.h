@@ -26,11 +26,4 @@ inline bool IsRunning(const AESDK_OpenGL_State& state) {
   return state.started && state.renderContext != nullptr;
 }
 
-/// Returns true iff the framework runs and its context is current: only then may an entry point be
-/// called. Their addresses lead straight into the driver, which need not look whether it has a
-/// context when the window system refused to make this one current.
-inline bool MayCallEntryPoints(const AESDK_OpenGL_State& state) {
-  return IsRunning(state) && wglGetCurrentContext() == state.renderContext;
-}
-
 }  // namespace AESDK_OpenGL

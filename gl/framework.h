@@ -3,14 +3,13 @@
 // The offscreen OpenGL framework: a hidden window, a rendering context, one render target and one
 // shader program, all process-wide. Nothing here is ever drawn in a context of the host's.
 //
-// Every operation returns its failures; no fault leaves one. Where a tag stands at the end of a
-// comment, it says when the operation may be called:
+// Operations return failures as codes. The only exception that leaves one is std::bad_alloc, from
+// the window layer for Linux. A tag at the end of a comment says when an operation may be called:
 //   [context current]  the framework's own context is current on the calling thread
-//   [started]          that, and start-up has succeeded
+//   [started]          that, and start-up has succeeded (AESDK_OpenGL_IsCurrent)
 
 #include <array>
 #include <cstdint>
-#include <string>
 #include <string_view>
 
 #include <window_system.h>
@@ -135,8 +134,9 @@ extern AESDK_OpenGL_LookUp gLookUp;
 AESDK_OpenGL_Err AESDK_OpenGL_StartUp(AESDK_OpenGL_State& state,
                                       const AESDK_OpenGL_LookUp& lookUp = gLookUp);
 
-/// Releases all that start-up and shader building made, whatever of it exists, and leaves no
-/// context current. Always returns `AESDK_OpenGL_Err_None`. [context current, if there is one]
+/// Releases all that start-up and shader building made, whatever of it exists; no context is
+/// current after the framework's own was deleted. Always returns `AESDK_OpenGL_Err_None`. [context
+/// current, if there is one]
 AESDK_OpenGL_Err AESDK_OpenGL_ShutDown(AESDK_OpenGL_State& state);
 
 /// Stores in the state what is current on the calling thread, null handles included.
@@ -144,6 +144,13 @@ void AESDK_OpenGL_SaveCurrentContext(AESDK_OpenGL_State& state);
 
 /// Makes the pair current on the calling thread; returns what `wglMakeCurrent` does.
 BOOL AESDK_OpenGL_MakeCurrent(HDC deviceContext, HGLRC renderContext);
+
+/// Returns true iff the framework is started and its context is current on the calling thread. Only
+/// then do names of its objects mean what they say (a context of the host's has textures under the
+/// same names), and only then may an entry point be called: their addresses lead straight into the
+/// driver, which need not look whether it has a context when the window system refused to make this
+/// one current.
+bool AESDK_OpenGL_IsCurrent(const AESDK_OpenGL_State& state);
 
 /// Writes `length` alphanumeric characters and a zero. `buffer` has room for `length` + 1.
 void AESDK_OpenGL_MakeClassName(char* buffer, std::int32_t length);
@@ -157,7 +164,8 @@ const char* AESDK_OpenGL_HasExtension(const char* extensions, const char* name);
 /// Makes the render target unless there is one of at least this size in pixels, which grows to what
 /// was asked for, at most what the implementation allows. A width of 0 asks for a square of a
 /// quarter of the largest render buffer, at most 4096. Leaves the target bound if it made it.
-/// Always returns `AESDK_OpenGL_Err_None`; whether it is usable shows when it is bound. [started]
+/// Always returns `AESDK_OpenGL_Err_None`, also if it could make none because the framework is not
+/// started or its context not current: whether there is a usable target shows when it is bound.
 AESDK_OpenGL_Err AESDK_OpenGL_PrepareRenderTarget(AESDK_OpenGL_State& state, std::uint16_t width,
                                                   std::uint16_t height);
 
@@ -165,8 +173,8 @@ AESDK_OpenGL_Err AESDK_OpenGL_PrepareRenderTarget(AESDK_OpenGL_State& state, std
 /// Safe after a start-up that failed. [context current, if there is one]
 AESDK_OpenGL_Err AESDK_OpenGL_DeleteRenderTarget(AESDK_OpenGL_State& state);
 
-/// Directs all drawing to the render target. Returns `AESDK_OpenGL_Err_ResourceLoad` if it is not
-/// complete or the framework is not started. [target prepared]
+/// Directs all drawing to the render target. Returns `AESDK_OpenGL_Err_ResourceLoad` if there is
+/// none, if it is not complete, or if the framework is not started or its context not current.
 AESDK_OpenGL_Err AESDK_OpenGL_BindRenderTarget(const AESDK_OpenGL_State& state);
 
 /// Sets the blend equations; `GL_ADD` means `GL_FUNC_ADD`. Always returns `AESDK_OpenGL_Err_None`.
@@ -214,11 +222,12 @@ AESDK_OpenGL_Err AESDK_OpenGL_SetUniform4Unchecked(const AESDK_OpenGL_State& sta
 // ---- Texts.
 
 /// Returns the text of a code, which may be any 32-bit value. No text contains a percent sign: it
-/// may be passed where the host expects a format.
-std::string AESDK_OpenGL_ErrorText(AESDK_OpenGL_Err code);
+/// may be passed where the host expects a format. Static, zero-terminated; nothing is allocated, so
+/// that a failure for want of memory can be reported.
+const char* AESDK_OpenGL_ErrorText(AESDK_OpenGL_Err code);
 
 /// Returns "OK" if the framebuffer that is bound in the current context is complete, else what it
-/// lacks. [started]
-std::string AESDK_OpenGL_FramebufferStatusText();
+/// lacks. As the texts of codes, static and without a percent sign. [started]
+const char* AESDK_OpenGL_FramebufferStatusText();
 
 }  // namespace AESDK_OpenGL

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <string_view>
 
 #include "gl/fault_guard.h"
 
@@ -105,8 +106,7 @@ std::uint16_t DefaultTargetSide(GLint largestRenderbuffer) {
 AESDK_OpenGL_Err AESDK_OpenGL_PrepareRenderTarget(AESDK_OpenGL_State& state, std::uint16_t width,
                                                   std::uint16_t height) {
   return ResultOf([&] {
-    // Without entry points there is no target to make; binding it reports that.
-    if (!MayCallEntryPoints(state)) return;
+    if (!AESDK_OpenGL_IsCurrent(state)) return;
     if (width == 0) return Prepare(state, width, height);
     // A request beyond the limit, kept as it is, would find every target too small.
     Prepare(state, std::min(width, LargestTargetSide()), std::min(height, LargestTargetSide()));
@@ -115,7 +115,7 @@ AESDK_OpenGL_Err AESDK_OpenGL_PrepareRenderTarget(AESDK_OpenGL_State& state, std
 
 AESDK_OpenGL_Err AESDK_OpenGL_DeleteRenderTarget(AESDK_OpenGL_State& state) {
   return ResultOf([&] {
-    if (MayCallEntryPoints(state)) {
+    if (AESDK_OpenGL_IsCurrent(state)) {
       gEntryPoints.glDeleteFramebuffersEXT(1, &state.framebuffer);
       gEntryPoints.glDeleteRenderbuffersEXT(1, &state.depthRenderbuffer);
       gEntryPoints.glDeleteRenderbuffersEXT(1, &state.spareRenderbuffer);
@@ -130,10 +130,13 @@ AESDK_OpenGL_Err AESDK_OpenGL_DeleteRenderTarget(AESDK_OpenGL_State& state) {
 
 AESDK_OpenGL_Err AESDK_OpenGL_BindRenderTarget(const AESDK_OpenGL_State& state) {
   return ResultOf([&] {
-    Require(MayCallEntryPoints(state), AESDK_OpenGL_Err_ResourceLoad);
+    Require(AESDK_OpenGL_IsCurrent(state), AESDK_OpenGL_Err_ResourceLoad);
+    // Framebuffer 0 is the hidden window's: complete, and no place for a frame.
+    Require(state.framebuffer != 0, AESDK_OpenGL_Err_ResourceLoad);
     gEntryPoints.glBindFramebufferEXT(GL_FRAMEBUFFER_EXT, state.framebuffer);
     glDrawBuffer(GL_COLOR_ATTACHMENT0_EXT);
-    Require(AESDK_OpenGL_FramebufferStatusText() == "OK", AESDK_OpenGL_Err_ResourceLoad);
+    Require(AESDK_OpenGL_FramebufferStatusText() == std::string_view("OK"),
+            AESDK_OpenGL_Err_ResourceLoad);
   });
 }
 

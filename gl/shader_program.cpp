@@ -53,7 +53,7 @@ AESDK_OpenGL_Err AESDK_OpenGL_InitShaders(AESDK_OpenGL_State& state,
                                           std::string_view /*fragmentPath*/) {
   if (state.shadersReady) return AESDK_OpenGL_Err_None;
   return ResultOf([&] {
-    Require(MayCallEntryPoints(state), AESDK_OpenGL_Err_Shader);
+    Require(AESDK_OpenGL_IsCurrent(state), AESDK_OpenGL_Err_Shader);
     BuildShader(GL_VERTEX_SHADER_ARB, kVertexSource, state.vertexShader);
     BuildShader(GL_FRAGMENT_SHADER_ARB, kFragmentSource, state.fragmentShader);
     LinkProgram(state);

@@ -19,12 +19,6 @@ class ErrorChain {
     if (Ok()) code_ = std::forward<Call>(call)();
   }
 
-  /// Runs `call` whatever the code; its result counts only if the code was still 0.
-  template <class Call>
-  void RunAlways(Call&& call) {
-    Note(std::forward<Call>(call)());
-  }
-
   /// A result from elsewhere, which counts only if the code was still 0.
   void Note(PF_Err result) {
     if (Ok()) code_ = result;
@@ -56,6 +50,27 @@ inline PF_Err CodeOfCurrentException() noexcept {
     return PF_Err_OUT_OF_MEMORY;
   } catch (...) {
     return PF_Err_INTERNAL_STRUCT_DAMAGED;
+  }
+}
+
+/// Runs `body` and returns its result, or the code of what it threw.
+template <class Body>
+PF_Err CodeOf(Body&& body) noexcept {
+  try {
+    return std::forward<Body>(body)();
+  } catch (const PF_Err thrown) {
+    return thrown;
+  } catch (...) {
+    return CodeOfCurrentException();
+  }
+}
+
+/// Runs `body`; what it throws is dropped.
+template <class Body>
+void IgnoreErrors(Body&& body) noexcept {
+  try {
+    std::forward<Body>(body)();
+  } catch (...) {  // the host keeps what it does not take
   }
 }
 

@@ -41,17 +41,17 @@ class HostCalls {
     chain_.Run([&] { return Call(operation, std::forward<Arguments>(arguments)...); });
   }
 
-  /// Calls the operation whatever the code; its result, or the host code it throws, counts only if
-  /// the code was still 0. Never throws, so that it may run while another error is under way.
+  /// Calls the operation whatever the code, outside the chain. Returns its result, or the code of
+  /// what it throws. Never throws, so that it may run while another error is under way.
+  template <class Operation, class... Arguments>
+  [[nodiscard]] PF_Err Attempt(Operation operation, Arguments&&... arguments) noexcept {
+    return CodeOf([&] { return Call(operation, std::forward<Arguments>(arguments)...); });
+  }
+
+  /// As Attempt; the result counts only if the code was still 0.
   template <class Operation, class... Arguments>
   void GiveBack(Operation operation, Arguments&&... arguments) noexcept {
-    try {
-      chain_.RunAlways([&] {
-        return Guarded([&] { return Call(operation, std::forward<Arguments>(arguments)...); });
-      });
-    } catch (...) {
-      chain_.Note(PF_Err_INTERNAL_STRUCT_DAMAGED);
-    }
+    chain_.Note(Attempt(operation, std::forward<Arguments>(arguments)...));
   }
 
   /// Acquires the suite of an operation ahead of its use. Throws like SuiteHandler::Get.

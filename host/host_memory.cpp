@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "host/error_chain.h"
+
 namespace tarvo {
 
 HostMemory::HostMemory(SuiteHandler& suites, A_HandleSize bytes)
@@ -9,25 +11,24 @@ HostMemory::HostMemory(SuiteHandler& suites, A_HandleSize bytes)
 
 HostMemory::~HostMemory() {
   if (handle_ == nullptr) return;
-  try {
-    Unlock();
-    memory_.host_dispose_handle(handle_);
-  } catch (...) {  // a host that throws here keeps the block
-  }
+  // One by one: a host that throws at the first is still asked for the second.
+  if (locked_) IgnoreErrors([&] { memory_.host_unlock_handle(handle_); });
+  IgnoreErrors([&] { memory_.host_dispose_handle(handle_); });
 }
 
 void* HostMemory::Lock() {
   void* const bytes = memory_.host_lock_handle(handle_);
-  locked_ = true;
+  locked_ = bytes != nullptr;
   return bytes;
 }
 
 void HostMemory::Unlock() {
-  if (std::exchange(locked_, false)) memory_.host_unlock_handle(handle_);
+  locked_ = false;
+  memory_.host_unlock_handle(handle_);
 }
 
 PF_Handle HostMemory::Release() {
-  Unlock();
+  if (locked_) Unlock();
   return std::exchange(handle_, nullptr);
 }
 

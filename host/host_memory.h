@@ -5,7 +5,7 @@
 
 namespace tarvo {
 
-/// A block of host memory for the length of a scope: New (Lock Unlock)? Release?.
+/// A block of host memory for the length of a scope: (Lock Unlock?)? Release?.
 ///
 /// Whatever is still held is unlocked and disposed of when the scope ends.
 class HostMemory {
@@ -19,9 +19,10 @@ class HostMemory {
   /// False iff the host had no memory.
   explicit operator bool() const { return handle_ != nullptr; }
 
-  /// The first byte, valid until Unlock; null if the host yields none. Every lock is answered by
-  /// one unlock, also one that gave nothing.
+  /// The first byte, valid until Unlock; null if the lock failed, and then neither the destructor
+  /// nor Release unlocks anything.
   void* Lock();
+  /// Calls host_unlock_handle, whether or not Lock succeeded.
   void Unlock();
 
   /// Hands the block over to the caller, unlocked.

@@ -3,6 +3,7 @@
 #include <array>
 #include <string_view>
 
+#include "host/text_field.h"
 #include "sdk/aegp.h"
 
 namespace tarvo {
@@ -19,7 +20,9 @@ class MatchName {
   A_char* Buffer() { return text_.data(); }
 
   /// True iff the host wrote exactly `name`, byte for byte.
-  [[nodiscard]] bool Is(std::string_view name) const { return name == text_.data(); }
+  [[nodiscard]] bool Is(std::string_view name) const {
+    return name == TextIn(text_.data(), text_.size());
+  }
 
  private:
   std::array<A_char, kMatchNameBytes> text_{};

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <string>
-
 #include "sdk/effect.h"
 
 namespace tarvo {
@@ -11,7 +9,7 @@ enum class Display { kNo, kYes };
 
 /// Writes `text` into the output record's message with the host's own sprintf. The text serves as
 /// the format: it must not contain a percent sign, nor more than 255 characters.
-void WriteMessage(const PF_InData& in, PF_OutData& out, const std::string& text, Display display);
+void WriteMessage(const PF_InData& in, PF_OutData& out, const char* text, Display display);
 
 /// Stops the command if a framework operation failed: where `code` is not 0, the text that
 /// `textOf(code)` gives becomes the message and PF_Err_INTERNAL_STRUCT_DAMAGED is thrown.

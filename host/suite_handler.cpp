@@ -1,5 +1,7 @@
 #include "host/suite_handler.h"
 
+#include "host/error_chain.h"
+
 namespace tarvo {
 
 SuiteHandler::SuiteHandler(SPBasicSuite* basicSuite) : basicSuite_(basicSuite) {
@@ -9,10 +11,8 @@ SuiteHandler::SuiteHandler(SPBasicSuite* basicSuite) : basicSuite_(basicSuite) {
 SuiteHandler::~SuiteHandler() {
   while (heldCount_ > 0) {
     const Holding& latest = held_[--heldCount_];
-    try {
-      basicSuite_->ReleaseSuite(latest.name, latest.version);
-    } catch (...) {  // a host that throws here keeps its suite; the others are still released
-    }
+    // One by one: a host that throws at one keeps that suite, and the others are still released.
+    IgnoreErrors([&] { basicSuite_->ReleaseSuite(latest.name, latest.version); });
   }
 }
 

@@ -15,6 +15,17 @@ constexpr double kFarPlane = 30000.0;
 /// 360 / pi: twice the angle, in degrees, of an arc tangent in radians.
 constexpr double kTwiceDegreesPerRadian = 114.591559026164;
 
+/// A length cut into parts of equal size, but for the last one. No sum leaves 32 bits, whatever the
+/// length.
+struct Parts {
+  A_long whole;
+  A_long part;  ///< above 0
+
+  [[nodiscard]] A_long Count() const { return whole <= 0 ? 0 : (whole - 1) / part + 1; }
+  [[nodiscard]] A_long Start(A_long index) const { return index * part; }
+  [[nodiscard]] A_long Size(A_long index) const { return std::min(part, whole - Start(index)); }
+};
+
 /// Whether OpenGL takes the whole output as a viewport.
 bool FitsViewport(const Frame& frame) {
   std::array<GLint, 2> largest{};
@@ -69,12 +80,14 @@ std::vector<Tile> TilesOf(A_long outWidth, A_long outHeight, A_long targetWidth,
                           A_long targetHeight) {
   std::vector<Tile> tiles;
   if (targetWidth <= 0 || targetHeight <= 0) return tiles;
-  for (A_long y = 0; y < outHeight; y += targetHeight) {
-    for (A_long x = 0; x < outWidth; x += targetWidth) {
-      tiles.push_back({.x = x,
-                       .y = y,
-                       .width = std::min(targetWidth, outWidth - x),
-                       .height = std::min(targetHeight, outHeight - y)});
+  const Parts columns{.whole = outWidth, .part = targetWidth};
+  const Parts rows{.whole = outHeight, .part = targetHeight};
+  for (A_long row = 0; row < rows.Count(); ++row) {
+    for (A_long column = 0; column < columns.Count(); ++column) {
+      tiles.push_back({.x = columns.Start(column),
+                       .y = rows.Start(row),
+                       .width = columns.Size(column),
+                       .height = rows.Size(row)});
     }
   }
   return tiles;

@@ -84,13 +84,14 @@ bool ReadBack(Frame& frame, const Tile& tile) {
 
   PF_EffectWorld& world = frame.scratchWorld.Get();
   const A_HandleSize rowBytes = PackedBytes(tile.width, 1);
-  const A_HandleSize copiedBytes = PackedBytes(std::min(tile.width, world.width - tile.x), 1);
-  const A_long rows = std::min(tile.height, world.height - tile.y);  // none without a world
+  // None without a world, and none of a tile beyond a world that is smaller than it was asked for.
+  const A_long columns = std::clamp(world.width - tile.x, 0, tile.width);
+  const A_long rows = columns == 0 ? 0 : std::clamp(world.height - tile.y, 0, tile.height);
   for (A_long row = 0; row < rows; ++row) {
     A_u_char* const destination = RowOf(*frame.in.utils, world, tile.y + row);
     if (destination == nullptr) return false;
     std::memcpy(destination + PackedBytes(tile.x, 1),
-                pixels + static_cast<A_HandleSize>(row) * rowBytes, copiedBytes);
+                pixels + static_cast<A_HandleSize>(row) * rowBytes, PackedBytes(columns, 1));
   }
   return true;
 }

@@ -13,7 +13,7 @@ namespace tarvo {
 
 /// A piece in the order of drawing.
 struct DrawPiece {
-  /// In the scene, which stays as it is: a host sends nothing to an instance that renders.
+  /// In the scene, which takes no message while it is being drawn (Scene::isInUse).
   const PieceQuad* quad;
   /// Lower is nearer to the viewer.
   double depth;

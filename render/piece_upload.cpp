@@ -43,14 +43,16 @@ PF_Err Upload(Frame& frame, SlotImage& image) {
   return PF_Err_NONE;
 }
 
-/// An image whose take failed has nothing to upload: its mark alone is cleared.
+/// REQUIRES: the suite that disposes has been acquired. An image whose take failed has nothing to
+/// upload: its mark alone is cleared.
 void Finish(Frame& frame, SlotImage& image) {
   std::optional<PF_EffectWorld> uploaded = std::exchange(image.taken, std::nullopt);
   image.pending = false;
   if (uploaded) frame.host.Run(&PF_WorldSuite1::dispose_world, frame.in.effect_ref, &*uploaded);
 }
 
-/// Gives back what the failed render would leave behind: the scratch world and the slot's images.
+/// Disposes of what the failed render would leave behind: the scratch world and the slot's images.
+/// REQUIRES: the suite that disposes has been acquired.
 void GiveUp(Frame& frame, Slot& slot) {
   frame.scratchWorld.Dispose();
   for (SlotImage& image : slot.images) {
@@ -69,6 +71,8 @@ void UploadPieceImages(Frame& frame) {
     if (slot.quads.empty()) continue;
     for (SlotImage& image : slot.images) {
       if (!image.pending) continue;
+      // Before anything is dropped: without it the worlds stay recorded for the next frame.
+      frame.host.Need(&PF_WorldSuite1::dispose_world);
       const PF_Err stopped = image.taken ? Upload(frame, image) : PF_Err_NONE;
       if (stopped != 0) {
         GiveUp(frame, slot);

@@ -1,5 +1,9 @@
 #include "render/render.h"
 
+#include <cstdint>
+#include <optional>
+#include <string_view>
+
 #include "host/report.h"
 #include "render/camera.h"
 #include "render/colour_passes.h"
@@ -10,6 +14,7 @@
 #include "render/stage_watch.h"
 #include "scene/output_extent.h"
 #include "scene/scene_store.h"
+#include "scene/scoped_flag.h"
 
 namespace tarvo {
 
@@ -58,8 +63,10 @@ bool RenderTile(Frame& frame, const Tile& tile) {
   return isRead;
 }
 
-/// False if some part of the frame could not be read back.
+/// False if a part could not be read back, or if the output is too large to be copied; rendering
+/// its tiles could take minutes.
 bool RenderTiles(Frame& frame) {
+  if (frame.outWidth > kLargestSide || frame.outHeight > kLargestSide) return false;
   bool whole = true;
   for (const Tile& tile :
        TilesOf(frame.outWidth, frame.outHeight, gState.targetWidth, gState.targetHeight)) {
@@ -68,17 +75,20 @@ bool RenderTiles(Frame& frame) {
   return whole;
 }
 
-/// A framebuffer that came apart under the passes holds no frame.
+/// A framebuffer that became incomplete during the passes holds no frame.
 void RequireCompleteFramebuffer(Frame& frame) {
-  const std::string status = AESDK_OpenGL_FramebufferStatusText();
-  if (status == "OK") return;
+  const char* const status = AESDK_OpenGL_FramebufferStatusText();
+  if (status == std::string_view("OK")) return;
   WriteMessage(frame.in, frame.out, status, Display::kYes);
   throw PF_Err{PF_Err_INTERNAL_STRUCT_DAMAGED};
 }
 
 bool IsCopied(const PF_Rect& area) {
-  const auto fits = [](A_long side) { return side >= kSmallestSide && side <= kLargestSide; };
-  return fits(area.right - area.left) && fits(area.bottom - area.top);
+  const auto fits = [](A_long low, A_long high) {
+    const std::int64_t side = std::int64_t{high} - low;
+    return side >= kSmallestSide && side <= kLargestSide;
+  };
+  return fits(area.left, area.right) && fits(area.top, area.bottom);
 }
 
 /// Turns the frame into straight colour and copies it into the output.
@@ -107,6 +117,10 @@ void RenderFrame(Frame& frame) {
   if (whole) Transfer(frame);
 }
 
+/// One frame at a time: another one, asked for from within a host call, would be drawn into the
+/// same target.
+bool gFrameIsUnderWay = false;
+
 /// Runs `work` and returns the host code that it was stopped with, or 0. What is no code of the
 /// host's (memory that ran out, say) stops it too, and leaves the result to the host calls so far.
 template <class Work>
@@ -126,6 +140,12 @@ PF_Err StoppedWith(Work work) {
 PF_Err Render(PF_InData& in, PF_OutData& out, PF_ParamDef* const* params, PF_EffectWorld& output) {
   HostCalls host(in.pica_basicP);
   Scene* const scene = gScenes.Reach(in.sequence_data);
+  if (gFrameIsUnderWay || (scene != nullptr && scene->isInUse)) {
+    return PF_Err_BAD_CALLBACK_PARAM;
+  }
+  const ScopedFlag underWay(gFrameIsUnderWay);
+  std::optional<ScopedFlag> use;
+  if (scene != nullptr) use.emplace(scene->isInUse);
   const PF_Err stopped = StoppedWith([&] {
     ClearOutput(host, in, output);
     if (scene == nullptr) return;

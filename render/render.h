@@ -13,7 +13,9 @@ namespace tarvo {
 ///   copied, or not to be read back for want of memory,
 /// - the code of the first host call that failed,
 /// - PF_Err_INTERNAL_STRUCT_DAMAGED, with a message for the user, if the framework fails,
-/// - PF_Err_BAD_CALLBACK_PARAM if a suite is missing,
+/// - PF_Err_BAD_CALLBACK_PARAM if a suite is missing; also, with the output left as it is, for a
+///   frame that is asked for from within a host call of another frame, or of a message to the same
+///   instance,
 /// - PF_Interrupt_CANCEL if an image could not be uploaded.
 /// Throws PF_Err_BAD_CALLBACK_PARAM without a basic suite.
 PF_Err Render(PF_InData& in, PF_OutData& out, PF_ParamDef* const* params, PF_EffectWorld& output);

@@ -7,6 +7,7 @@
 #include "host/host_world.h"
 #include "scene/companion_record.h"
 #include "scene/scene_store.h"
+#include "scene/scoped_flag.h"
 
 namespace tarvo {
 namespace {
@@ -29,16 +30,18 @@ void File(CompanionRecord& record, Slot& slot) {
   }
 }
 
-/// An image of an earlier message that no frame has uploaded yet gives way to the new one.
-void DisposeWaiting(HostCalls& host, PF_ProgPtr effectRef, SlotImage& image) {
-  if (!image.taken) return;
+/// Disposes of an image of an earlier message that no frame has uploaded yet: a new one replaces
+/// it. Returns what the host said.
+PF_Err DisposePending(HostCalls& host, PF_ProgPtr effectRef, SlotImage& image) {
+  if (!image.taken) return PF_Err_NONE;
   host.Need(&PF_WorldSuite1::dispose_world);
-  host.GiveBack(&PF_WorldSuite1::dispose_world, effectRef, &*image.taken);
+  const PF_Err result = host.Attempt(&PF_WorldSuite1::dispose_world, effectRef, &*image.taken);
   image.taken.reset();
+  return result;
 }
 
 /// Copies the sender's image into a world of our own; nothing if the host fails, and then the world
-/// that it made goes back.
+/// that it made is disposed of.
 std::optional<PF_EffectWorld> CopyImage(HostCalls& host, const PF_InData& in,
                                         PF_EffectWorld& source) {
   HostWorld own(host, in.effect_ref);
@@ -47,17 +50,20 @@ std::optional<PF_EffectWorld> CopyImage(HostCalls& host, const PF_InData& in,
   return host.Ok() ? std::optional(own.Release()) : std::nullopt;
 }
 
+bool BringsImage(const CompanionRecord::Image& sent) {
+  return sent.isNew && sent.world.width != 0 && sent.world.height != 0;
+}
+
 /// Takes one new image. Sizes, pending mark and the sender's flag change also when the host fails;
 /// the sender's world is disposed of only after a copy.
 void TakeImage(HostCalls& host, const PF_InData& in, void* sender, ImageFamily family,
                CompanionRecord::Image& sent, SlotImage& image) {
-  if (!sent.isNew || sent.world.width == 0 || sent.world.height == 0) return;
-  DisposeWaiting(host, in.effect_ref, image);
   image.width = sent.world.width;
   image.height = sent.world.height;
   image.taken = CopyImage(host, in, sent.world);
   image.pending = true;
-  ClearNewImageFlag(sender, family);  // first: a host that throws below has disposed of the world
+  // Before the disposal: a host that throws in it has disposed of the world.
+  ClearNewImageFlag(sender, family);
   host.Run(&PF_WorldSuite1::dispose_world, in.effect_ref, &sent.world);
 }
 
@@ -87,17 +93,25 @@ PF_Err CompletelyGeneral(PF_InData& in, void* extra) {
   if (!record) return PF_Err_BAD_CALLBACK_PARAM;
   Scene* const scene = gScenes.Reach(in.sequence_data);
   if (scene == nullptr) return PF_Err_NONE;
+  if (scene->isInUse) return PF_Err_BAD_CALLBACK_PARAM;
 
+  const ScopedFlag use(scene->isInUse);
   HostCalls host(in.pica_basicP);
   const auto place = static_cast<std::size_t>(record->effectIndex);
   GrowTo(*scene, place + 1);
   Slot& slot = scene->slots[place];
   File(*record, slot);
+  ErrorChain disposals;
   for (const ImageFamily family : kImageFamilies) {
-    TakeImage(host, in, extra, family, record->images[family], slot.images[family]);
+    CompanionRecord::Image& sent = record->images[family];
+    if (!BringsImage(sent)) continue;
+    disposals.Note(DisposePending(host, in.effect_ref, slot.images[family]));
+    TakeImage(host, in, extra, family, sent, slot.images[family]);
   }
   NumberBones(host, in.effect_ref, scene->boneOrdinal);
   EmptyDeadSlots(*scene);
+  // Last: a disposal that the host refuses must not keep the new image out.
+  host.Chain().Note(disposals.Code());
   return host.Code();
 }
 

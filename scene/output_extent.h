@@ -8,7 +8,7 @@ namespace tarvo {
 /// The largest side, in pixels, of an output that the host accepts.
 inline constexpr A_long kLargestSide = 30'000;
 
-/// The host's side of a frame: layer size in pixels at the current resolution, denominators of the
+/// The host's side of a frame: layer size in pixels at full resolution, denominators of the
 /// resolution, and the origin of what lies before this effect.
 struct LayerFrame {
   A_long width;
@@ -27,8 +27,9 @@ struct OutputExtent {
 };
 
 /// The output that encloses every piece with a margin of 5 % of the pieces' spread on each side;
-/// the layer itself if there are no pieces. Corners that are not finite are left out; sizes end at
-/// 30,000 pixels, the largest the host accepts, and origins saturate.
+/// the layer's full size if there are no pieces, whatever the resolution. Corners that are not
+/// finite are left out; sizes end at 30,000 pixels, the largest the host accepts, and origins
+/// saturate.
 OutputExtent ComputeOutputExtent(const Scene& scene, const LayerFrame& layer);
 
 /// Answers frame setup with the output's size and origin. Without a store the output record is left

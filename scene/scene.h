@@ -43,6 +43,9 @@ struct Slot {
 
 /// What an instance knows of its layer's pieces; kept from frame to frame.
 struct Scene {
+  /// A command is at work on it, which refers to its slots across host calls: no other command may
+  /// change or release them. Set by a ScopedFlag alone.
+  bool isInUse = false;
   /// Slot p belongs to place p of the layer's effect stack. Never shrinks.
   std::vector<Slot> slots;
   /// By place in the effect stack: the number, from 0, of the switched-on companion there, else -1.

@@ -1,8 +1,7 @@
 #pragma once
 
-#include <memory>
+#include <list>
 #include <unordered_map>
-#include <vector>
 
 #include "host/suite_handler.h"
 #include "scene/scene.h"
@@ -20,25 +19,31 @@ struct SceneStore {
 ///
 /// Bytes from a saved project or from a duplicated instance name scenes that are gone or somebody
 /// else's: a pointer is followed only in the handle whose scene it is, and a scene is released
-/// through the handle that owns it, never through the bytes in one.
+/// through the handle that owns it, never through the bytes in one. What is released leaves the
+/// registry first: the host calls of a release may bring other commands.
 class SceneRegistry {
  public:
   /// The scene of the store in `sequenceData`, made and entered now if the store has none yet. Null
   /// if there is no handle or no store in it, or if the store names a scene that is not this
-  /// handle's.
+  /// handle's. Throws std::bad_alloc; the store is then as it was.
   Scene* Reach(PF_Handle sequenceData);
 
-  /// Releases the scene that `owner` made, if there is one: its taken worlds go back to the host
-  /// (errors are dropped; without the suite for it they wait for ReleaseAll), its textures are
-  /// deleted. [framework's context current]
+  /// Releases the scenes that `owner` made: their taken worlds are disposed of (errors are dropped)
+  /// and their textures deleted. What cannot be released now, for want of the suite, because the
+  /// framework's context is not current or because the scene is in use, is kept for ReleaseAll.
   void Release(PF_Handle owner, SuiteHandler& suites, PF_ProgPtr effectRef);
 
-  /// Releases every scene that is left. [framework's context current]
-  void ReleaseAll(SuiteHandler& suites, PF_ProgPtr effectRef);
+  /// Releases and forgets every scene that no command is using; call it before the context is
+  /// deleted. Without suites (null) their worlds are lost.
+  void ReleaseAll(SuiteHandler* suites, PF_ProgPtr effectRef);
 
  private:
-  std::unordered_map<PF_Handle, std::unique_ptr<Scene>> scenes_;
-  std::vector<std::unique_ptr<Scene>> leftOver_;  ///< nobody's, but they still hold worlds
+  using Scenes = std::list<Scene>;
+
+  /// By owner. There are several where a store was found empty that had a scene before: bytes that
+  /// the host restored, or a handle whose address came again.
+  std::unordered_map<PF_Handle, Scenes> scenes_;
+  Scenes leftOver_;  ///< of owners that are gone
 };
 
 /// The one registry of the process.

@@ -6,7 +6,7 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.." || exit 1
 packages=(
   g++ cmake ninja-build git
   libegl-dev libgl-dev libopengl-dev libglu1-mesa-dev libegl-mesa0 libgl1-mesa-dri  # no screen needed
-  nlohmann-json3-dev libcli11-dev libstb-dev zlib1g-dev              # the stand-in host
+  nlohmann-json3-dev libcli11-dev libstb-dev zlib1g-dev ffmpeg       # the stand-in host
   libgtest-dev googletest python3 python3-jsonschema                 # tests
   libbenchmark-dev libcairo2-dev pkg-config                          # scripts/bench
   clang-format clang-tidy binutils

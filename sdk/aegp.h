@@ -34,7 +34,10 @@ inline constexpr AEGP_EffectFlags AEGP_EffectFlags_NONE = 0;
 inline constexpr AEGP_EffectFlags AEGP_EffectFlags_ACTIVE = 1;
 
 using AEGP_DynStreamFlags = A_u_long;
+inline constexpr AEGP_DynStreamFlags AEGP_DynStreamFlag_ACTIVE_EYEBALL = 1;
 inline constexpr AEGP_DynStreamFlags AEGP_DynStreamFlag_HIDDEN = 2;
+inline constexpr AEGP_DynStreamFlags AEGP_DynStreamFlag_DISABLED = 16;
+inline constexpr AEGP_DynStreamFlags AEGP_DynStreamFlag_ELIDED = 32;
 
 using AEGP_ItemType = A_short;
 inline constexpr AEGP_ItemType AEGP_ItemType_NONE = 0;
@@ -44,16 +47,21 @@ inline constexpr AEGP_ItemType AEGP_ItemType_FOOTAGE = 4;
 using AEGP_LTimeMode = A_short;
 inline constexpr AEGP_LTimeMode AEGP_LTimeMode_LayerTime = 0;
 
-/// Bytes of a buffer for a match name. Hosts differ in the longest they write; all stay below this.
+/// The longest match name (AEGP_MAX_EFFECT_MATCH_NAME_SIZE), in characters.
+inline constexpr int kLongestMatchName = 48;
+/// Bytes of a buffer for a match name: room for the longest and its terminating zero, and to spare.
 inline constexpr int kMatchNameBytes = 64;
-/// Bytes of a buffer for a stream's name: 31 characters and the terminating zero.
-inline constexpr int kStreamNameBytes = 32;
+/// The longest stream name that is read, in characters. The interface's limit is 32 bytes, and it
+/// does not say whether they include the terminating zero.
+inline constexpr int kLongestStreamName = 31;
+/// Bytes of a buffer for a stream name: room for the limit under either reading, and to spare.
+inline constexpr int kStreamNameBytes = 64;
 
 /// Where the host keeps its error state during a quiet section; the caller gives it the room.
 struct AEGP_ErrReportState {
-  alignas(8) A_long opaque[64];
+  alignas(8) A_char opaque[48];
 };
-SDK_SIZE(AEGP_ErrReportState, 256);
+SDK_SIZE(AEGP_ErrReportState, 48);
 
 union AEGP_StreamVal2 {
   A_FpLong four_d[4];

@@ -9,8 +9,9 @@
 /// "AEGP Utility Suite" 7
 struct AEGP_UtilitySuite3 {
   A_Err (*AEGP_ReportInfo)(AEGP_PluginID aegp_plugin_id, const A_char* info_stringZ);
-  void* reserved_1_25[25];
+  void* reserved_1_24[24];
 };
+SDK_SLOTS(AEGP_UtilitySuite3, 25);
 SDK_SLOT(AEGP_UtilitySuite3, AEGP_ReportInfo, 0);
 
 /// "AEGP Utility Suite" 11
@@ -76,9 +77,17 @@ SDK_SLOTS(AEGP_PFInterfaceSuite1, 5);
 SDK_SLOT(AEGP_PFInterfaceSuite1, AEGP_GetEffectLayer, 0);
 SDK_SLOT(AEGP_PFInterfaceSuite1, AEGP_GetNewEffectForEffect, 1);
 
-/// "AEGP Effect Suite", registered as 2 and as 3; the slots we use are the same in both, but the
-/// two are had, kept and given back apart.
-template <int RegisteredVersion>
+/// Sends the general command to an effect; version 2 has no argument for another one.
+using AEGP_EffectCallGeneric2 = A_Err (*)(AEGP_PluginID aegp_plugin_id, AEGP_EffectRefH effect_refH,
+                                          const A_Time* timePT, void* effect_extraPV);
+/// Sends a command to an effect.
+using AEGP_EffectCallGeneric3 = A_Err (*)(AEGP_PluginID aegp_plugin_id, AEGP_EffectRefH effect_refH,
+                                          const A_Time* timePT, PF_Cmd effect_cmd,
+                                          void* effect_extraPV);
+
+/// "AEGP Effect Suite", registered as 2 and as 3. The slots are the same in both, but for the
+/// arguments of one; the two are acquired, kept and released separately.
+template <class EffectCallGeneric>
 struct AEGP_EffectSuite {
   A_Err (*AEGP_GetLayerNumEffects)(AEGP_LayerH layerH, A_long* num_effectsPL);
   A_Err (*AEGP_GetLayerEffectByIndex)(AEGP_PluginID aegp_plugin_id, AEGP_LayerH layerH,
@@ -88,16 +97,14 @@ struct AEGP_EffectSuite {
   void* reserved_3;
   A_Err (*AEGP_GetEffectFlags)(AEGP_EffectRefH effect_refH, AEGP_EffectFlags* effect_flagsP);
   void* reserved_5_6[2];
-  /// Has an effect answer a command; to be had from version 3, which brought the command in.
-  A_Err (*AEGP_EffectCallGeneric)(AEGP_PluginID aegp_plugin_id, AEGP_EffectRefH effect_refH,
-                                  const A_Time* timePT, PF_Cmd effect_cmd, void* effect_extraPV);
+  EffectCallGeneric AEGP_EffectCallGeneric;
   A_Err (*AEGP_DisposeEffect)(AEGP_EffectRefH effect_refH);
   void* reserved_9_13[5];
   A_Err (*AEGP_GetEffectMatchName)(AEGP_InstalledEffectKey installed_key, A_char* utf_match_nameZ);
   void* reserved_15_16[2];
 };
-using AEGP_EffectSuite2 = AEGP_EffectSuite<2>;
-using AEGP_EffectSuite3 = AEGP_EffectSuite<3>;
+using AEGP_EffectSuite2 = AEGP_EffectSuite<AEGP_EffectCallGeneric2>;
+using AEGP_EffectSuite3 = AEGP_EffectSuite<AEGP_EffectCallGeneric3>;
 SDK_SLOTS(AEGP_EffectSuite2, 17);
 SDK_SLOTS(AEGP_EffectSuite3, 17);
 SDK_SLOT(AEGP_EffectSuite2, AEGP_GetLayerNumEffects, 0);
@@ -109,13 +116,15 @@ SDK_SLOT(AEGP_EffectSuite2, AEGP_DisposeEffect, 8);
 SDK_SLOT(AEGP_EffectSuite2, AEGP_GetEffectMatchName, 14);
 
 /// "AEGP Stream Suite" 4
-struct AEGP_StreamSuite2 {
-  void* reserved_0_7[8];
+struct AEGP_StreamSuite1 {
+  void* reserved_0_6[7];
+  /// Writes into kStreamNameBytes bytes. In later versions this is slot 8, which is
+  /// AEGP_GetStreamUnitsText here.
   A_Err (*AEGP_GetStreamName)(AEGP_StreamRefH streamH, A_Boolean force_englishB, A_char* nameZ);
-  void* reserved_9_21[13];
+  void* reserved_8_19[12];
 };
-SDK_SLOTS(AEGP_StreamSuite2, 22);
-SDK_SLOT(AEGP_StreamSuite2, AEGP_GetStreamName, 8);
+SDK_SLOTS(AEGP_StreamSuite1, 20);
+SDK_SLOT(AEGP_StreamSuite1, AEGP_GetStreamName, 7);
 
 /// "AEGP Stream Suite" 9
 struct AEGP_StreamSuite4 {
@@ -157,12 +166,12 @@ SDK_SLOT(AEGP_DynamicStreamSuite4, AEGP_SetDynamicStreamFlag, 6);
 SDK_SLOT(AEGP_DynamicStreamSuite4, AEGP_GetNewParentStreamRef, 16);
 
 /// "AEGP Proj Suite" 8
-struct AEGP_ProjSuite6 {
+struct AEGP_ProjSuite5 {
   A_Err (*AEGP_GetNumProjects)(A_long* num_projPL);
   void* reserved_1_13[13];
 };
-SDK_SLOTS(AEGP_ProjSuite6, 14);
-SDK_SLOT(AEGP_ProjSuite6, AEGP_GetNumProjects, 0);
+SDK_SLOTS(AEGP_ProjSuite5, 14);
+SDK_SLOT(AEGP_ProjSuite5, AEGP_GetNumProjects, 0);
 
 /// "AEGP Item Suite" 10
 struct AEGP_ItemSuite6 {
@@ -171,23 +180,26 @@ struct AEGP_ItemSuite6 {
   void* reserved_3_4[2];
   /// Hosts write 16 or 32 bits; the caller passes a zeroed word of 32.
   A_Err (*AEGP_GetItemType)(AEGP_ItemH itemH, AEGP_ItemType* item_typeP);
-  void* reserved_6;
+  void* reserved_6_25[20];
 };
+SDK_SLOTS(AEGP_ItemSuite6, 26);
 SDK_SLOT(AEGP_ItemSuite6, AEGP_GetActiveItem, 2);
 SDK_SLOT(AEGP_ItemSuite6, AEGP_GetItemType, 5);
 
 /// "AEGP Comp Suite" 9
 struct AEGP_CompSuite4 {
   A_Err (*AEGP_GetCompFromItem)(AEGP_ItemH itemH, AEGP_CompH* compPH);
-  void* reserved_1_24[24];
+  void* reserved_1_27[27];
 };
+SDK_SLOTS(AEGP_CompSuite4, 28);
 SDK_SLOT(AEGP_CompSuite4, AEGP_GetCompFromItem, 0);
 
 /// "AEGP Layer Suite" 11
 struct AEGP_LayerSuite5 {
   A_Err (*AEGP_GetCompNumLayers)(AEGP_CompH compH, A_long* num_layersPL);
   A_Err (*AEGP_GetCompLayerByIndex)(AEGP_CompH compH, A_long layer_indexL, AEGP_LayerH* layerPH);
-  void* reserved_2_41[40];
+  void* reserved_2_45[44];
 };
+SDK_SLOTS(AEGP_LayerSuite5, 46);
 SDK_SLOT(AEGP_LayerSuite5, AEGP_GetCompNumLayers, 0);
 SDK_SLOT(AEGP_LayerSuite5, AEGP_GetCompLayerByIndex, 1);

@@ -8,7 +8,7 @@
 /// The host's basic suite: how every other suite is had and given back.
 
 using SPErr = std::int32_t;
-using SPBoolean = std::uint8_t;
+using SPBoolean = std::int32_t;
 
 struct SPBasicSuite {
   /// Stores the suite of that name and registered version in `suite`; each success is answered by

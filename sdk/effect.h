@@ -44,6 +44,8 @@ inline constexpr PF_ParamFlags PF_ParamFlag_CANNOT_TIME_VARY = 1 << 1;
 inline constexpr PF_ParamFlags PF_ParamFlag_SUPERVISE = 1 << 6;
 
 using PF_ParamUIFlags = A_long;
+inline constexpr PF_ParamUIFlags PF_PUI_ECW_SEPARATOR = 0x10;
+inline constexpr PF_ParamUIFlags PF_PUI_DISABLED = 0x20;
 inline constexpr PF_ParamUIFlags PF_PUI_INVISIBLE = 0x200;
 
 inline constexpr PF_OutFlags PF_OutFlag_DISPLAY_ERROR_MESSAGE = 1 << 8;
@@ -57,9 +59,9 @@ inline constexpr PF_NewWorldFlags PF_NewWorldFlag_DEEP_PIXELS = 2;
 
 inline constexpr A_long PF_WorldFlag_WRITEABLE = 2;
 
-/// The file of the plug-in itself, for get_platform_data. The host writes a zero-terminated path,
-/// as 8-bit or as 16-bit text; the longest takes 520 bytes.
-inline constexpr PF_PlatDataID PF_PlatData_RES_FILE_PATH_W = 7;
+/// The file of the plug-in itself, for get_platform_data. The host writes a zero-terminated path of
+/// 16-bit text (older ones 8-bit text); the longest takes 520 bytes.
+inline constexpr PF_PlatDataID PF_PlatData_EXE_FILE_PATH_W = 7;
 
 inline constexpr A_short PF_Precision_HUNDREDTHS = 2;
 inline constexpr A_u_long PF_Stage_DEVELOP = 0;
@@ -319,9 +321,9 @@ struct PF_InData {
   A_u_long time_scale;
   A_long field;
   A_Fixed shutter_angle;
-  A_long width;  ///< of the layer at the current resolution, in pixels
+  A_long width;  ///< of the layer in its own pixels, at every resolution
   A_long height;
-  PF_Rect extent_hint;
+  PF_Rect extent_hint;     ///< in pixels at the current resolution, as are origins and the output
   A_long output_origin_x;  ///< where the layer's corner lies in the output, in pixels
   A_long output_origin_y;
   PF_RationalScale downsample_x;

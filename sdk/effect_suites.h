@@ -53,7 +53,8 @@ SDK_SLOT(PF_FillMatteSuite2, premultiply, 3);
 
 /// "PF Param Utils Suite" 3
 struct PF_ParamUtilsSuite3 {
-  /// Takes name and user-interface flags of `defP` over for the parameter as the user sees it.
+  /// Takes over the name in `defP` for the parameter as the user sees it, and of the user-interface
+  /// flags PF_PUI_ECW_SEPARATOR and PF_PUI_DISABLED alone.
   PF_Err (*PF_UpdateParamUI)(PF_ProgPtr effect_ref, PF_ParamIndex param_index,
                              const PF_ParamDef* defP);
   void* reserved_1_8[8];

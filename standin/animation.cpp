@@ -3,6 +3,7 @@
 #include <cmath>
 #include <numeric>
 #include <string>
+#include <unordered_map>
 
 namespace standin {
 namespace {
@@ -132,10 +133,21 @@ void MoveBone(Bone& bone, const BoneKeys& keys, int frame) {
   MoveCorners(bone, keys.corners, frame);
 }
 
-/// The scene's own setting of this label, or a new one after all others.
-Setting& SettingOf(Scene& scene, const std::string& label) {
-  const auto found = std::ranges::find(scene.settings, label, &Setting::label);
-  return found != scene.settings.end() ? *found : scene.settings.emplace_back(Setting{label});
+/// Moves each keyed setting: the scene's own of its label, or a new one after all others.
+void MoveSettings(Scene& scene, const std::vector<SettingKeys>& keyed, int frame) {
+  std::unordered_map<std::string, std::size_t> places;
+  for (std::size_t place = 0; place < scene.settings.size() && !keyed.empty(); ++place) {
+    places.emplace(scene.settings[place].label, place);
+  }
+  for (const SettingKeys& keys : keyed) {
+    const auto [found, isNew] = places.try_emplace(keys.label, scene.settings.size());
+    if (isNew) {
+      scene.settings.push_back({.label = keys.label});
+    }
+    Setting& setting = scene.settings[found->second];
+    setting.value = MixedAt(keys.value, frame);
+    setting.place = keys.place + " at frame " + std::to_string(frame);
+  }
 }
 
 }  // namespace
@@ -156,11 +168,7 @@ void MoveTo(Scene& scene, const Animation& animation, int frame) {
   for (const BoneKeys& keys : animation.bones) {
     MoveBone(scene.bones[keys.bone], keys, frame);
   }
-  for (const SettingKeys& keys : animation.settings) {
-    Setting& setting = SettingOf(scene, keys.label);
-    setting.value = MixedAt(keys.value, frame);
-    setting.place = keys.place + " at frame " + std::to_string(frame);
-  }
+  MoveSettings(scene, animation.settings, frame);
   if (!animation.fast.empty()) {
     scene.fast = HeldAt(animation.fast, frame);
   }

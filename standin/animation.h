@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <filesystem>
 #include <optional>
 #include <string>
 #include <vector>
@@ -87,7 +88,8 @@ struct SettingKeys {
 
 /// A scene that moves. A still one has a single frame and no keys.
 struct Animation {
-  Scene scene;  ///< what is not keyed is as it is here
+  Scene scene;                               ///< what is not keyed is as it is here
+  std::vector<std::filesystem::path> files;  ///< that it was read from: the scene's, its images'
   int count = 1;
   double rate = 25.0;  ///< frames a second
   std::vector<BoneKeys> bones;

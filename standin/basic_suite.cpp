@@ -36,7 +36,7 @@ SPErr ReleaseSuite(Core& core, const char* name, std::int32_t version) {
 }  // namespace
 
 void AddBasicSuite(Core& core) {
-  core.suites.FillUnused(core.basicSuite, "the basic suite");
+  core.suites.FillUnused(core.basicSuite, DescribeBasicSuiteSlots());
   core.basicSuite.AcquireSuite = Operation<"AcquireSuite", AcquireSuite>::Call;
   core.basicSuite.ReleaseSuite = Operation<"ReleaseSuite", ReleaseSuite, Failing::kAfterwork>::Call;
 }

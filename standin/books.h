@@ -89,6 +89,10 @@ class Books {
   [[nodiscard]] std::size_t MostBytes() const { return mostBytes_; }
   void ForgetMostBytes() { mostBytes_ = bytes_; }
 
+  /// Memory ran out in the host itself, and the plug-in was told so.
+  void NoteOutOfMemory() { ranOutOfMemory_ = true; }
+  [[nodiscard]] bool RanOutOfMemory() const { return ranOutOfMemory_; }
+
   /// Notes that the plug-in did what it must not.
   void Misuse(std::string message);
   [[nodiscard]] const std::vector<std::string>& Misuses() const { return misuses_; }
@@ -126,6 +130,7 @@ class Books {
   std::uint64_t next_ = 1;
   std::size_t bytes_ = 0;
   std::size_t mostBytes_ = 0;
+  bool ranOutOfMemory_ = false;
   std::vector<std::string> misuses_;
 };
 

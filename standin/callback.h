@@ -39,6 +39,7 @@ Result Guarded(Core& core, std::string_view name, Body body) {
   try {
     return body(core);
   } catch (const std::bad_alloc&) {
+    core.books.NoteOutOfMemory();
     return FailedResult<Result>(PF_Err_OUT_OF_MEMORY);
   } catch (const std::exception& fault) {
     core.books.Misuse("fault of the host in " + std::string(name) + ": " + fault.what());
@@ -62,13 +63,16 @@ Result PassGate(std::string_view name, Failing failing, Body body, Say say) {
     core->gate.Leave(
         {std::string(name), say(Words(core->books, done)), result, "", failure.has_value()});
   };
-  const bool works = !failure || failing == Failing::kAfterwork;
+  const bool works = !failure || failing != Failing::kRefuses;
   if constexpr (std::is_void_v<Result>) {
     Guarded<void>(*core, name, body);
     if (core->gate.WantsWords()) leave(true, "");
+    if (failure && failure->throws) Throw(*failure);
   } else {
     Result result = works ? Guarded<Result>(*core, name, body) : Result{};
-    if (failure) result = FailedResult<Result>(failure->code);
+    if (failure && failing != Failing::kThrowsOnly) {
+      result = FailedResult<Result>(failure->code);
+    }
     const bool done = std::is_same_v<Result, PF_Err> ? result == Result{} : !failure;
     if (core->gate.WantsWords()) leave(done, Words(core->books, true)(result));
     if (failure && failure->throws) Throw(*failure);

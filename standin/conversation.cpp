@@ -8,6 +8,7 @@
 #include <string>
 #include <utility>
 
+#include "standin/crash_record.h"
 #include "standin/snapshot.h"
 
 namespace standin {
@@ -22,7 +23,7 @@ ByteRange RangeOfHandle(std::size_t offset) { return {offset, sizeof(PF_Handle)}
 class Turn {
  public:
   Turn(Core& core, std::string name)
-      : core_(core), name_(std::move(name)), since_(core.books.NextNumber()) {
+      : core_(core), name_(std::move(name)), note_(name_), since_(core.books.NextNumber()) {
     SetActiveCore(&core_);
     core_.underWay = name_;
     core_.gate.SetCommand(name_);
@@ -90,6 +91,7 @@ class Turn {
   Core& core_;
   Core* const previous_ = ActiveCore();  ///< several hosts may live; callbacks are for one of them
   std::string name_;
+  CommandNote note_;
   std::uint64_t since_;  ///< what is entered in the books from here on is the call's own
 };
 
@@ -124,20 +126,19 @@ PF_InData MakeInput(Core& core, const RendererInstance* renderer) {
   in.pica_basicP = &core.basicSuite;
   in.effect_ref = renderer != nullptr ? renderer->programRef : core.pluginRef;
   in.quality = 1;
-  in.version = {core.options.versionMajor, core.options.versionMinor};
+  in.version.major = core.options.versionMajor;
+  in.version.minor = core.options.versionMinor;
   in.num_params = static_cast<A_long>(core.declared.size());
   in.time_step = 1;
   in.local_time_step = 1;
   in.total_time = 10 * kFramesPerSecond;
   in.time_scale = kFramesPerSecond;
-  in.downsample_x = {1, 1};
-  in.downsample_y = {1, 1};
-  in.pixel_aspect_ratio = {1, 1};
+  in.downsample_x = in.downsample_y = in.pixel_aspect_ratio = {.num = 1, .den = 1};
   in.global_data = core.globalData;
   if (renderer != nullptr) {
     in.width = renderer->OnLayer().width;
     in.height = renderer->OnLayer().height;
-    in.extent_hint = {0, 0, in.width, in.height};
+    in.extent_hint = {.left = 0, .top = 0, .right = in.width, .bottom = in.height};
     in.sequence_data = renderer->sequenceData;
   }
   return in;
@@ -153,11 +154,10 @@ Records MakeRecords(Core& core, const RendererInstance* renderer) {
 }
 
 void ApplyRequest(const FrameRequest& request, PF_InData& in) {
-  in.downsample_x = {request.downsampleNumerator, request.downsampleX};
-  in.downsample_y = {request.downsampleNumerator, request.downsampleY};
-  in.width = AtResolution(in.width, request.downsampleX);
-  in.height = AtResolution(in.height, request.downsampleY);
-  in.extent_hint = {0, 0, in.width, in.height};
+  in.downsample_x = {.num = request.downsampleNumerator, .den = request.downsampleX};
+  in.downsample_y = {.num = request.downsampleNumerator, .den = request.downsampleY};
+  in.extent_hint.right = AtResolution(in.width, request.downsampleX);
+  in.extent_hint.bottom = AtResolution(in.height, request.downsampleY);
   in.pre_effect_source_origin_x = request.preEffectOriginX;
   in.pre_effect_source_origin_y = request.preEffectOriginY;
   in.current_time = request.time;
@@ -210,7 +210,7 @@ CommandResult Converse(Core& core, A_long command, Records& records) {
 }
 
 A_Err ConverseIdle(Core& core, const IdleHookEntry& hook) {
-  Turn turn(core, "idle");
+  Turn turn(core, std::string(kIdleCommand));
   A_long sleep = kLongestSleep;
   bool escaped = false;
   const A_Err code =

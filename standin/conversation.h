@@ -31,7 +31,8 @@ PF_InData MakeInput(Core& core, const RendererInstance* renderer);
 /// with the handles of the input record.
 Records MakeRecords(Core& core, const RendererInstance* renderer);
 
-/// Puts the conditions of a frame into an input record made for an instance.
+/// Puts the conditions of a frame into an input record made for an instance. Width and height stay
+/// the layer's own; `extent_hint` becomes the layer at the frame's resolution.
 void ApplyRequest(const FrameRequest& request, PF_InData& in);
 
 /// Calls the plug-in with these records and checks what it left behind.

@@ -5,8 +5,6 @@
 namespace standin {
 namespace {
 
-// The longest match name that this host writes, with its terminating zero.
-constexpr std::size_t kWrittenMatchName = 48;
 // Beside the flag for a switched-on effect stand others, of which this host sets one in every
 // effect.
 constexpr AEGP_EffectFlags kAnotherFlag = 4;
@@ -97,6 +95,12 @@ A_Err EffectCallGeneric(Core& core, AEGP_PluginID id, AEGP_EffectRefH effect, co
   return Converse(core, command, records).code;
 }
 
+/// As EffectCallGeneric; the command is the only one that this version can send.
+A_Err EffectCallGeneric2(Core& core, AEGP_PluginID id, AEGP_EffectRefH effect, const A_Time* time,
+                         void* extra) {
+  return EffectCallGeneric(core, id, effect, time, PF_Cmd_COMPLETELY_GENERAL, extra);
+}
+
 A_Err DisposeEffect(Core& core, AEGP_EffectRefH effect) {
   return core.books.Remove(Kind::kEffectRef, effect, "AEGP_DisposeEffect")
              ? A_Err_NONE
@@ -109,12 +113,12 @@ A_Err GetEffectMatchName(Core& core, AEGP_InstalledEffectKey key, A_char* name) 
     return core.Refuse("AEGP_GetEffectMatchName",
                        "key " + std::to_string(key) + "; a key of this host was expected");
   }
-  PutName(*found, kWrittenMatchName, name);
+  PutName(*found, kLongestMatchName + 1, name);
   return A_Err_NONE;
 }
 
-template <int kVersion>
-void FillSuite(AEGP_EffectSuite<kVersion>& suite) {
+template <class Call>
+void FillSuite(AEGP_EffectSuite<Call>& suite) {
   suite.AEGP_GetLayerNumEffects = Operation<"AEGP_GetLayerNumEffects", GetLayerNumEffects>::Call;
   suite.AEGP_GetLayerEffectByIndex =
       Operation<"AEGP_GetLayerEffectByIndex", GetLayerEffectByIndex>::Call;
@@ -133,10 +137,12 @@ void AddEffectSuites(Core& core) {
   fromEffect.AEGP_GetEffectLayer = Operation<"AEGP_GetEffectLayer", GetEffectLayer>::Call;
   fromEffect.AEGP_GetNewEffectForEffect =
       Operation<"AEGP_GetNewEffectForEffect", GetNewEffectForEffect>::Call;
-  FillSuite(core.suites.Add<AEGP_EffectSuite2>("AEGP Effect Suite", 2));
-  auto& latest = core.suites.Add<AEGP_EffectSuite3>("AEGP Effect Suite", 3);
-  FillSuite(latest);
-  latest.AEGP_EffectCallGeneric = Operation<"AEGP_EffectCallGeneric", EffectCallGeneric>::Call;
+  auto& version2 = core.suites.Add<AEGP_EffectSuite2>("AEGP Effect Suite", 2);
+  FillSuite(version2);
+  version2.AEGP_EffectCallGeneric = Operation<"AEGP_EffectCallGeneric", EffectCallGeneric2>::Call;
+  auto& version3 = core.suites.Add<AEGP_EffectSuite3>("AEGP Effect Suite", 3);
+  FillSuite(version3);
+  version3.AEGP_EffectCallGeneric = Operation<"AEGP_EffectCallGeneric", EffectCallGeneric>::Call;
 }
 
 }  // namespace standin

@@ -4,6 +4,8 @@
 #include <utility>
 
 #include "standin/overlap_bones.h"
+#include "standin/overlap_pairs.h"
+#include "standin/scene_faults.h"
 
 namespace standin {
 namespace {
@@ -47,10 +49,15 @@ std::vector<Tie> TiesOf(const Overlap& overlap) {
     }
     if (last > first) {
       Tie tie{.first = first, .last = last};
-      for (std::size_t i = first; i < last; ++i) {
-        for (std::size_t j = i + 1; j <= last && !tie.overlapping; ++j) {
-          tie.overlapping = Overlaps(pieces[i].corners, pieces[j].corners);
-        }
+      const OverlapPairs pairs(&pieces[first], &pieces[last] + 1);
+      const bool areAll =
+          pairs.ForEach(kMostComparisons, [&](const PlacedPiece& one, const PlacedPiece& other) {
+            tie.overlapping = Overlaps(one.corners, other.corners);
+            return !tie.overlapping;
+          });
+      if (!areAll) {
+        throw InputError({"explain: more than " + std::to_string(kMostComparisons) +
+                          " pairs of pieces of equal depth are in the same columns"});
       }
       ties.push_back(tie);
     }
@@ -91,8 +98,8 @@ const std::string& Explanation::ImageNameOf(const PlacedPiece& piece) const {
 }
 
 bool Explanation::IsTied(std::size_t piece) const {
-  return std::ranges::any_of(
-      ties, [piece](const Tie& tie) { return piece >= tie.first && piece <= tie.last; });
+  const auto after = std::ranges::upper_bound(ties, piece, {}, &Tie::first);
+  return after != ties.begin() && piece <= (after - 1)->last;
 }
 
 Explanation Explain(const Host& host, const Scene& scene, const Picture& frame,

@@ -3,16 +3,19 @@
 #include <algorithm>
 #include <cmath>
 #include <functional>
-#include <iterator>
 #include <set>
 
 #include "standin/overlap_bones.h"
+#include "standin/overlap_pairs.h"
+#include "standin/scene_faults.h"
 
 namespace standin {
 namespace {
 
 /// Alpha from which a piece counts as having something to show.
 constexpr double kSeenAlpha = 0.02;
+/// Pairs of pieces of different bones that lie on one another in a frame, at most: 160 MB of them.
+constexpr std::size_t kMostTouching = 5'000'000;
 /// Pixels of the layer beyond which nothing is looked at: the longest side of a frame.
 constexpr double kFarthest = 30'000.0;
 
@@ -69,8 +72,22 @@ void AddTrack(const Track<Value>& track, int frame, const std::string& what, Num
 
 }  // namespace
 
+FlipFinder::FlipFinder(const Animation& animation)
+    : animation_(animation), scene_(animation.scene) {
+  for (NamedImage& image : scene_.images) {
+    image.picture = {};  // the host has them
+  }
+  for (const SettingKeys& setting : animation.settings) {
+    settings_.emplace(setting.label, &setting);
+  }
+  for (const BoneKeys& bone : animation.bones) {
+    bones_.emplace(bone.bone, &bone);
+  }
+}
+
 void FlipFinder::Follow(int frame, const Host& host) {
-  Moment now = Look(SceneAt(animation_, frame), host);
+  MoveTo(scene_, animation_, frame);
+  Moment now = Look(scene_, host);
   if (!last_.empty()) {
     Compare(last_.front(), now, frame);
     last_.clear();
@@ -99,20 +116,21 @@ FlipFinder::Moment FlipFinder::Look(const Scene& scene, const Host& host) {
 }
 
 void FlipFinder::FindTouching(const std::vector<std::size_t>& bones, Moment& moment) {
-  std::vector<const PlacedPiece*> pieces;
-  std::ranges::transform(moment.overlap.Pieces(), std::back_inserter(pieces),
-                         [](const PlacedPiece& piece) { return &piece; });
-  const auto left = [](const PlacedPiece* piece) { return BoundsOf(piece->corners).left; };
-  std::ranges::sort(pieces, {}, left);
-  for (std::size_t i = 0; i < pieces.size(); ++i) {
-    const double right = BoundsOf(pieces[i]->corners).right;
-    for (std::size_t j = i + 1; j < pieces.size() && left(pieces[j]) < right; ++j) {
-      if (pieces[i]->bone != pieces[j]->bone && Overlaps(pieces[i]->corners, pieces[j]->corners)) {
-        const PieceName one{bones[pieces[i]->bone], pieces[i]->index};
-        const PieceName other{bones[pieces[j]->bone], pieces[j]->index};
-        moment.touching.emplace_back(std::min(one, other), std::max(one, other));
-      }
-    }
+  const auto& pieces = moment.overlap.Pieces();
+  const OverlapPairs pairs(pieces.data(), pieces.data() + pieces.size());
+  const bool areAll =
+      pairs.ForEach(kMostComparisons, [&](const PlacedPiece& a, const PlacedPiece& b) {
+        if (a.bone != b.bone && Overlaps(a.corners, b.corners)) {
+          const PieceName one{bones[a.bone], a.index};
+          const PieceName other{bones[b.bone], b.index};
+          moment.touching.emplace_back(std::min(one, other), std::max(one, other));
+        }
+        return moment.touching.size() <= kMostTouching;
+      });
+  if (!areAll || moment.touching.size() > kMostTouching) {
+    throw InputError({"flips: too many pieces lie on one another: at most " +
+                      std::to_string(kMostTouching) + " pairs of different bones expected, and " +
+                      std::to_string(kMostComparisons) + " pairs in the same columns"});
   }
   std::ranges::sort(moment.touching);
 }
@@ -177,15 +195,15 @@ void FlipFinder::Explain(Flip& flip, const Moment& before, const Moment& now) co
 void FlipFinder::AddMover(const std::string& label, std::size_t bone, double ZPair::*end,
                           Flip& flip) const {
   // A slider that is set by its label does not listen to its bone's z.
-  const auto setting = std::ranges::find(animation_.settings, label, &SettingKeys::label);
-  if (setting != animation_.settings.end()) {
-    AddTrack(setting->value, flip.frame, "slider " + label, std::identity(), flip.tracks);
+  const auto setting = settings_.find(label);
+  if (setting != settings_.end()) {
+    AddTrack(setting->second->value, flip.frame, "slider " + label, std::identity(), flip.tracks);
     return;
   }
-  const auto keys = std::ranges::find(animation_.bones, bone, &BoneKeys::bone);
-  if (keys != animation_.bones.end() && !keys->z.empty()) {
+  const auto keys = bones_.find(bone);
+  if (keys != bones_.end() && !keys->second->z.empty()) {
     AddTrack(
-        keys->z, flip.frame, "z of " + animation_.scene.bones[bone].name,
+        keys->second->z, flip.frame, "z of " + animation_.scene.bones[bone].name,
         [end](const ZPair& pair) { return pair.*end; }, flip.tracks);
   }
 }

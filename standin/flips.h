@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <map>
 #include <string>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -45,10 +46,11 @@ struct Flip {
 class FlipFinder {
  public:
   /// REQUIRES: the animation outlives this object.
-  explicit FlipFinder(const Animation& animation) : animation_(animation) {}
+  explicit FlipFinder(const Animation& animation);
 
-  /// The next frame, which a performance has just rendered on this host. REQUIRES: frames are
-  /// followed in their order, none left out.
+  /// The next frame, which a performance has just rendered on this host. Throws InputError when
+  /// more pieces lie on one another than can be followed. REQUIRES: frames are followed in their
+  /// order, none left out.
   void Follow(int frame, const Host& host);
 
   [[nodiscard]] const std::vector<Flip>& Flips() const { return flips_; }
@@ -81,7 +83,10 @@ class FlipFinder {
   void AddMover(const std::string& label, std::size_t bone, double ZPair::*end, Flip& flip) const;
 
   const Animation& animation_;
-  std::vector<Moment> last_;  ///< at most one
+  Scene scene_;  ///< at the frame followed last, without its pictures
+  std::unordered_map<std::string, const SettingKeys*> settings_;  ///< by label
+  std::unordered_map<std::size_t, const BoneKeys*> bones_;        ///< by index into Scene::bones
+  std::vector<Moment> last_;                                      ///< at most one
   std::vector<Flip> flips_;
 };
 

@@ -1,3 +1,6 @@
+#include <cstddef>
+
+#include "standin/escaped_text.h"
 #include "standin/flips.h"
 #include "standin/scene_json.h"
 #include "standin/text_table.h"
@@ -19,9 +22,10 @@ const char* WordFor(Flip::Cause cause) {
 
 std::string Reason(const FlipTrack& track) {
   if (track.keyIsHere) {
-    return "  a key of " + track.what + " stands at frame " + Shortest(track.from) + "\n";
+    return "  a key of " + ForTerminal(track.what) + " stands at frame " + Shortest(track.from) +
+           "\n";
   }
-  return "  " + track.what + " is on its way from its key at " + Shortest(track.from) +
+  return "  " + ForTerminal(track.what) + " is on its way from its key at " + Shortest(track.from) +
          " to that at " + Shortest(track.to) + "\n";
 }
 
@@ -32,8 +36,8 @@ std::string Advice(const Flip& flip) {
   std::string text =
       R"(  No key asked for it. To choose the frame, hold the key ("ease": "hold"):)";
   for (const FlipTrack& track : flip.tracks) {
-    text += " " + track.what + " at " + Shortest(track.from) + ", then it changes at " +
-            Shortest(track.to) + ";";
+    text += " " + ForTerminal(track.what) + " at " + Shortest(track.from) +
+            ", then it changes at " + Shortest(track.to) + ";";
   }
   text.back() = '.';
   return text + "\n";
@@ -42,11 +46,13 @@ std::string Advice(const Flip& flip) {
 }  // namespace
 
 std::string FlipsText(const Animation& animation, const std::vector<Flip>& flips) {
-  const auto& bones = animation.scene.bones;
+  const auto nameOf = [&](std::size_t bone) {
+    return ForTerminal(animation.scene.bones[bone].name);
+  };
   std::string text;
   for (const Flip& flip : flips) {
-    text += "frame " + std::to_string(flip.frame) + ": " + bones[flip.front].name +
-            " comes in front of " + bones[flip.behind].name + ", " + std::to_string(flip.pairs) +
+    text += "frame " + std::to_string(flip.frame) + ": " + nameOf(flip.front) +
+            " comes in front of " + nameOf(flip.behind) + ", " + std::to_string(flip.pairs) +
             (flip.pairs == 1 ? " pair" : " pairs") + " of pieces, " + std::to_string(flip.pixels) +
             " pixels\n";
     for (const FlipTrack& track : flip.tracks) {

@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "standin/crash_record.h"
+
 namespace standin {
 
 bool Gate::Plan::Fires() {
@@ -54,17 +56,21 @@ std::uint64_t Gate::Injected(const std::string& operation) const {
 }
 
 std::optional<Failure> Gate::Enter(std::string_view operation, Failing failing) {
+  NoteHostCall(operation);
   ++calls_;
   auto tally = tallies_.find(operation);
   if (tally == tallies_.end()) {
     tally = tallies_.emplace(std::string(operation), Tally{}).first;
   }
   ++tally->second.calls;
-  if (failing == Failing::kNever) {
-    return std::nullopt;
+  const bool throwsOnly = failing == Failing::kThrowsOnly;
+  if (!throwsOnly) {
+    ++failableCalls_;
   }
-  ++failableCalls_;
-  const std::optional<Failure> failure = Due(operation, failing);
+  std::optional<Failure> failure = throwsOnly ? DueByName(operation) : Due(operation, failing);
+  if (throwsOnly && failure && !failure->throws) {
+    failure.reset();
+  }
   if (failure) {
     ++injected_;
     ++tally->second.injected;
@@ -81,11 +87,14 @@ std::optional<Failure> Gate::Due(std::string_view operation, Failing failing) {
     due = anyOperation_->failure;
     nextGivingBack_ = std::exchange(afterIt_, std::nullopt);
   }
+  const std::optional<Failure> named = DueByName(operation);
+  return named ? named : due;
+}
+
+std::optional<Failure> Gate::DueByName(std::string_view operation) {
   const auto plan = byOperation_.find(operation);
-  if (plan != byOperation_.end() && plan->second.Fires()) {
-    due = plan->second.failure;
-  }
-  return due;
+  return plan != byOperation_.end() && plan->second.Fires() ? std::optional(plan->second.failure)
+                                                            : std::nullopt;
 }
 
 void Gate::Leave(CallRecord record) {

@@ -25,9 +25,9 @@ struct Failure {
 
 /// Whether, and how, an operation can be told to fail.
 enum class Failing {
-  kRefuses,    ///< returns the code (or null, or 0) and does nothing; outputs stay untouched
-  kAfterwork,  ///< does its work and then returns the code: whatever gives something back
-  kNever,      ///< has no result to fail with: it is counted only
+  kRefuses,     ///< returns the code (or null, or 0) and does nothing; outputs stay untouched
+  kAfterwork,   ///< does its work and then returns the code: whatever gives something back
+  kThrowsOnly,  ///< does its work and then throws, only if FailOperation names it and says so
 };
 
 /// One host operation that the plug-in called.
@@ -45,8 +45,9 @@ struct CallRecord {
 /// Operations that give something back (dispose_world, AEGP_DisposeEffect, AEGP_DisposeStream,
 /// AEGP_DisposeStreamValue, ReleaseSuite, AEGP_EndUndoGroup, AEGP_EndQuietErrors) do their work
 /// even when they fail: the plug-in could do no more, so nothing counts as leaked. Operations
-/// without a result (host_unlock_handle, host_dispose_handle, sprintf, strcpy) are counted and
-/// never fail.
+/// whose result says nothing of a failure (host_unlock_handle, host_dispose_handle, sprintf,
+/// strcpy) do their work and then throw if FailOperation tells them to; the other plans leave them
+/// out.
 class Gate {
  public:
   using Trace = std::function<void(std::string_view line)>;
@@ -119,6 +120,7 @@ class Gate {
 
   /// The failure that the plans have for this call, each plan counting it.
   std::optional<Failure> Due(std::string_view operation, Failing failing);
+  std::optional<Failure> DueByName(std::string_view operation);
 
   std::optional<Plan> anyOperation_;
   std::optional<Failure> afterIt_;  ///< waits for anyOperation_ to fire

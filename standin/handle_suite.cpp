@@ -6,14 +6,20 @@ namespace {
 
 PF_Handle NewHandle(Core& core, A_HandleSize size) { return core.memory.New(size); }
 
-void* LockHandle(Core& core, PF_Handle handle) {
-  return core.memory.Lock(handle, "host_lock_handle");
+void* Lock(Core& core, PF_Handle handle) { return core.memory.Lock(handle, "host_lock_handle"); }
+
+/// At a resetup alone the plug-in unlocks its new handle also if the lock was made to fail.
+void* LockHandle(PF_Handle handle) {
+  void* const bytes = Operation<"host_lock_handle", Lock>::Call(handle);
+  Core* const core = ActiveCore();
+  if (bytes == nullptr && core != nullptr &&
+      core->underWay == CommandName(PF_Cmd_SEQUENCE_RESETUP)) {
+    core->memory.AllowUnlockOf(handle);
+  }
+  return bytes;
 }
 
 void UnlockHandle(Core& core, PF_Handle handle) {
-  // Whoever answers each lock with an unlock does so for one that this host refused on purpose,
-  // too.
-  core.memory.AllowStrayUnlocks(core.gate.Injected("host_lock_handle"));
   core.memory.Unlock(handle, "host_unlock_handle");
 }
 
@@ -35,10 +41,11 @@ PF_Err ResizeHandle(Core& core, A_HandleSize size, PF_Handle* handle) {
 void AddHandleSuite(Core& core) {
   auto& suite = core.suites.Add<PF_HandleSuite1>("PF Handle Suite", 2);
   suite.host_new_handle = Operation<"host_new_handle", NewHandle>::Call;
-  suite.host_lock_handle = Operation<"host_lock_handle", LockHandle>::Call;
-  suite.host_unlock_handle = Operation<"host_unlock_handle", UnlockHandle, Failing::kNever>::Call;
+  suite.host_lock_handle = LockHandle;
+  suite.host_unlock_handle =
+      Operation<"host_unlock_handle", UnlockHandle, Failing::kThrowsOnly>::Call;
   suite.host_dispose_handle =
-      Operation<"host_dispose_handle", DisposeHandle, Failing::kNever>::Call;
+      Operation<"host_dispose_handle", DisposeHandle, Failing::kThrowsOnly>::Call;
   suite.host_get_handle_size = Operation<"host_get_handle_size", HandleSize>::Call;
   suite.host_resize_handle = Operation<"host_resize_handle", ResizeHandle>::Call;
 }

@@ -200,6 +200,8 @@ void Host::Withhold(const std::string& suite, std::int32_t version) {
 
 void Host::OfferAllSuites() { core_->suites.OfferAll(); }
 
+std::vector<OfferedSuite> Host::Suites() const { return core_->suites.List(); }
+
 const std::vector<std::string>& Host::Reports() const { return core_->reports; }
 
 const std::vector<Change>& Host::Changes() const { return core_->changes; }

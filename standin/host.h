@@ -15,6 +15,7 @@
 #include "standin/host_memory.h"
 #include "standin/picture.h"
 #include "standin/project.h"
+#include "standin/suites.h"
 #include "standin/worlds.h"
 
 namespace standin {
@@ -215,6 +216,8 @@ class Host {
   void Withhold(const std::string& suite, std::int32_t version);
   /// It has all of them again.
   void OfferAllSuites();
+  /// All suites, withheld ones too.
+  [[nodiscard]] std::vector<OfferedSuite> Suites() const;
   /// What the plug-in told the user with AEGP_ReportInfo.
   [[nodiscard]] const std::vector<std::string>& Reports() const;
   /// Changes of the project that the plug-in made, oldest first.

@@ -20,7 +20,7 @@ bool IsInputColour(PF_Pixel pixel) {
          pixel.green == kInputColour.green && pixel.blue == kInputColour.blue;
 }
 
-/// The layer's own pixels, which an effect gets as parameter 0.
+/// The layer's own pixels at the frame's resolution, which an effect gets as parameter 0.
 PF_EffectWorld& InputLayer(Core& core, A_long width, A_long height) {
   std::optional<PF_EffectWorld>& input = core.inputLayer;
   if (input && (input->width != width || input->height != height)) {
@@ -90,8 +90,8 @@ CommandResult Host::UpdateParamsUi(RendererInstance& renderer) {
 FrameExtent Host::FrameSetup(RendererInstance& renderer, const FrameRequest& request) {
   ExpectInstance(*core_, "FrameSetup", renderer);
   Records records = FrameRecords(*core_, renderer, request);
-  records.out.width = records.in.width;
-  records.out.height = records.in.height;
+  records.out.width = records.in.extent_hint.right;
+  records.out.height = records.in.extent_hint.bottom;
   FrameExtent extent;
   extent.command = Converse(*core_, PF_Cmd_FRAME_SETUP, records);
   extent.width = records.out.width;
@@ -124,7 +124,8 @@ RenderResult Host::RenderInto(RendererInstance& renderer, const FrameExtent& ext
   Records records = FrameRecords(*core_, renderer, request);
   records.in.output_origin_x = extent.originX;
   records.in.output_origin_y = extent.originY;
-  PF_EffectWorld& input = InputLayer(*core_, records.in.width, records.in.height);
+  const PF_Rect& layer = records.in.extent_hint;  // its corner is (0, 0)
+  PF_EffectWorld& input = InputLayer(*core_, layer.right, layer.bottom);
   records.parameters.definitions[0].u.ld = input;
   PF_EffectWorld output{};
   const PF_Err made =

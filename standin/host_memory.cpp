@@ -31,6 +31,7 @@ struct HostMemory::Block {
   std::size_t size = 0;
   std::vector<const void*> locks;  // the plug-in's, by their names in the books
   int hostLocks = 0;
+  bool mayBeUnlocked = false;  // although it is not locked
   bool watched = false;
   std::uint64_t hash = 0;
 
@@ -46,6 +47,7 @@ PF_Handle HostMemory::New(A_HandleSize bytes) {
   block->size = static_cast<std::size_t>(bytes);
   block->memory.reset(new (std::nothrow) std::uint8_t[std::max<std::size_t>(block->size, 1)]);
   if (!block->memory) {
+    books_.NoteOutOfMemory();
     return nullptr;
   }
   if (inspects_) {
@@ -86,8 +88,7 @@ void HostMemory::Unlock(PF_Handle handle, std::string_view who) {
     return;
   }
   if (block->locks.empty()) {
-    if (strayUnlocks_ < refusedLocks_) {
-      ++strayUnlocks_;
+    if (std::exchange(block->mayBeUnlocked, false)) {
       return;
     }
     books_.Misuse(std::string(who) + " was given " + books_.Describe(static_cast<void*>(handle)) +
@@ -141,6 +142,7 @@ PF_Err HostMemory::Resize(A_HandleSize bytes, PF_Handle handle, std::string_view
   std::unique_ptr<std::uint8_t[]> memory(new (std::nothrow)
                                              std::uint8_t[std::max<std::size_t>(size, 1)]);
   if (!memory) {
+    books_.NoteOutOfMemory();
     return PF_Err_OUT_OF_MEMORY;
   }
   std::memset(memory.get(), kFresh, size);
@@ -186,9 +188,16 @@ void HostMemory::Purge(PF_Handle handle) {
   }
 }
 
+void HostMemory::AllowUnlockOf(PF_Handle handle) {
+  if (Block* block = Living(handle)) {
+    block->mayBeUnlocked = true;
+  }
+}
+
 void HostMemory::ForgetLocks() {
   for (auto& [handle, block] : blocks_) {
     block->locks.clear();
+    block->mayBeUnlocked = false;
   }
 }
 

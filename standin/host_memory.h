@@ -48,8 +48,8 @@ class HostMemory {
   /// The plug-in's locks were written off in the books.
   void ForgetLocks();
   [[nodiscard]] bool Alive(PF_Handle handle) const { return books_.Alive(Kind::kHandle, handle); }
-  /// So many locks were refused on purpose so far: an unlock that follows one is no misuse.
-  void AllowStrayUnlocks(std::uint64_t refusedLocks) { refusedLocks_ = refusedLocks; }
+  /// One unlock of a handle whose lock was made to fail is no violation from now on.
+  void AllowUnlockOf(PF_Handle handle);
 
   /// Bytes at the start of an unlocked handle that must not change until it is locked again.
   static constexpr std::size_t kWatchedBytes = std::size_t{64} * 1024;
@@ -66,8 +66,6 @@ class HostMemory {
   std::unordered_map<const void*, std::unique_ptr<Block>> blocks_;
   std::deque<std::unique_ptr<Block>> graveyard_;
   bool inspects_ = true;
-  std::uint64_t refusedLocks_ = 0;
-  std::uint64_t strayUnlocks_ = 0;
 };
 
 }  // namespace standin

@@ -41,3 +41,11 @@ static unsigned char* CompressWithZlib(unsigned char* data, int size, int* compr
 #include <stb/stb_image_write.h>
 
 #pragma GCC diagnostic pop
+
+#include "standin/image_file_stb.h"
+
+namespace standin {
+
+void ForgetDecoderFailure() { stbi__g_failure_reason = nullptr; }
+
+}  // namespace standin

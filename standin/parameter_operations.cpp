@@ -9,6 +9,10 @@
 namespace standin {
 namespace {
 
+// Of the user-interface flags that PF_UpdateParamUI is given, the separator and the disabled state;
+// whether a parameter is shown is up to its stream's flag.
+constexpr PF_ParamUIFlags kFlagsTakenOver = PF_PUI_ECW_SEPARATOR | PF_PUI_DISABLED;
+
 bool IsKnownType(PF_ParamType type) {
   return type == PF_Param_CHECKBOX || type == PF_Param_POPUP || type == PF_Param_FLOAT_SLIDER;
 }
@@ -86,7 +90,8 @@ PF_Err UpdateParamUi(Core& core, PF_ProgPtr effect, PF_ParamIndex index,
   if (definition == nullptr || !IsTerminated(*definition)) {
     return core.Refuse("PF_UpdateParamUI", "no definition, or a name without a terminating zero");
   }
-  PF_ParamDef& own = instance->parameters[static_cast<std::size_t>(index)].definition;
+  Parameter& parameter = instance->parameters[static_cast<std::size_t>(index)];
+  PF_ParamDef& own = parameter.definition;
   const auto other =
       Snapshot(&own, sizeof own)
           .FirstChange(definition, {{offsetof(PF_ParamDef, name), sizeof own.name},
@@ -98,14 +103,15 @@ PF_Err UpdateParamUi(Core& core, PF_ProgPtr effect, PF_ParamIndex index,
                                                "; its name and ui_flags alone may differ");
   }
   std::memcpy(own.name, definition->name, sizeof own.name);
-  own.ui_flags = definition->ui_flags;
+  own.ui_flags = (own.ui_flags & ~kFlagsTakenOver) | (definition->ui_flags & kFlagsTakenOver);
+  parameter.sentUiFlags = definition->ui_flags;
   return PF_Err_NONE;
 }
 
 }  // namespace
 
 void AddParameterOperations(Core& core) {
-  core.suites.FillUnused(core.interact, "the interaction callbacks");
+  core.suites.FillUnused(core.interact, DescribeInteractionSlots());
   core.interact.add_param = Operation<"add_param", AddParameter>::Call;
   auto& suite = core.suites.Add<PF_ParamUtilsSuite3>("PF Param Utils Suite", 3);
   suite.PF_UpdateParamUI = Operation<"PF_UpdateParamUI", UpdateParamUi>::Call;

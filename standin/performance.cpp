@@ -8,6 +8,8 @@
 #include <string_view>
 #include <utility>
 
+#include "standin/crash_record.h"
+#include "standin/out_of_memory.h"
 #include "standin/overlap_bones.h"
 #include "standin/performance_settings.h"
 #include "standin/scene_faults.h"
@@ -29,6 +31,9 @@ std::string Complaint(std::string_view step, const CommandResult& result) {
 }
 
 void Expect(std::string_view step, const CommandResult& result) {
+  if (result.code == PF_Err_OUT_OF_MEMORY) {
+    throw OutOfMemory(Complaint(step, result));
+  }
   if (!result.Ok()) {
     throw PluginError({Complaint(step, result)});
   }
@@ -85,6 +90,7 @@ Traffic Run(Host& host, const Animation& animation, const std::vector<int>& fram
   Performance performance(host, scene);
   bool isOpen = false;
   for (const int frame : frames) {
+    NoteFrame(frame);
     MoveTo(scene, animation, frame);
     if (isOpen) {
       performance.GoOn(options);
@@ -295,6 +301,9 @@ Traffic PlayFrames(Host& host, const Animation& animation, const std::vector<int
   try {
     traffic = Run(host, animation, frames, options, take);
   } catch (const PluginError& error) {
+    if (host.books.RanOutOfMemory()) {
+      throw OutOfMemory("answering the plug-in, which then said: " + std::string(error.what()));
+    }
     complaints = error.Lines();
   }
   host.Close();

@@ -119,16 +119,18 @@ class Performance {
 };
 
 /// Plays a whole life for one frame: Open, Change, Render and the host's Close. Throws InputError
-/// for a setting that fits no slider, and PluginError for an error answered and for every rule that
-/// the host found broken until the end, leaks among them.
+/// for a setting that fits no slider, OutOfMemory where the plug-in answered that its memory ran
+/// out, and PluginError for any other error answered and for every rule that the host found broken
+/// until the end, leaks among them.
 PlayedFrame Play(Host& host, const Scene& scene, const PlayOptions& options);
 
 /// Takes a frame that was made; false ends the play after it.
 using TakeFrame = std::function<bool(int number, PlayedFrame frame)>;
 
 /// Plays a whole life for these frames of an animation, in their order; what was made is handed on
-/// at once. Throws as Play does; a broken rule ends the play before its frame is handed on.
-/// REQUIRES: every frame is one of the animation's.
+/// at once. Throws as Play does, and OutOfMemory also instead of an error that the plug-in answered
+/// because this host's memory had run out; a broken rule ends the play before its frame is handed
+/// on. REQUIRES: every frame is one of the animation's.
 Traffic PlayFrames(Host& host, const Animation& animation, const std::vector<int>& frames,
                    const PlayOptions& options, const TakeFrame& take);
 

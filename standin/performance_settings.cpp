@@ -1,10 +1,12 @@
 #include "standin/performance_settings.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <optional>
 #include <string>
 
+#include "standin/name_index.h"
 #include "standin/scene_faults.h"
 #include "standin/text_table.h"
 
@@ -42,21 +44,32 @@ std::optional<Values> ValuesOf(const Parameter& parameter) {
 /// What a user sees of an effect's parameters.
 class Panel {
  public:
-  explicit Panel(const std::vector<Parameter>& parameters) : parameters_(parameters) {}
+  explicit Panel(const std::vector<Parameter>& parameters) : parameters_(parameters) {
+    for (std::size_t i = 0; i < parameters.size(); ++i) {
+      if (IsSeen(i)) {
+        labels_.Add(parameters[i].Name());
+        seen_.push_back(i);
+      }
+    }
+  }
 
   /// The change that a setting asks for; what is wrong with the setting goes to `faults`.
-  std::optional<ParameterChange> Find(const Setting& setting, SceneFaults& faults) const {
-    const std::vector<std::size_t> found = Bearers(setting.label);
-    if (found.size() != 1) {
-      faults.Add("", found.empty() ? Unknown(setting.label) : Ambiguous(setting.label, found));
+  std::optional<ParameterChange> Find(const Setting& setting, FaultLines& faults) const {
+    const std::size_t count = labels_.Count(setting.label);
+    if (count != 1) {
+      faults.Add(
+          setting.place + ": " +
+          (count == 0 ? Unknown(setting.label, faults.IsFull()) : Ambiguous(setting.label, count)));
       return std::nullopt;
     }
-    const auto values = ValuesOf(parameters_[found.front()]);
+    const std::size_t index = seen_[*labels_.First(setting.label)];
+    const auto values = ValuesOf(parameters_[index]);
     if (!values->Contain(setting.value)) {
-      faults.Add("", values->Words() + " expected, " + Shortest(setting.value) + " given");
+      faults.Add(setting.place + ": " + values->Words() + " expected, " + Shortest(setting.value) +
+                 " given");
       return std::nullopt;
     }
-    return ParameterChange{static_cast<int>(found.front()), setting.value};
+    return ParameterChange{static_cast<int>(index), setting.value};
   }
 
  private:
@@ -64,35 +77,25 @@ class Panel {
     return !parameters_[index].Hidden() && ValuesOf(parameters_[index]).has_value();
   }
 
-  [[nodiscard]] std::vector<std::size_t> Bearers(const std::string& label) const {
-    std::vector<std::size_t> found;
-    for (std::size_t i = 0; i < parameters_.size(); ++i) {
-      if (IsSeen(i) && parameters_[i].Name() == label) {
-        found.push_back(i);
-      }
+  [[nodiscard]] std::string Unknown(const std::string& label, bool isOnlyCounted) const {
+    if (isOnlyCounted) {
+      return "";
     }
-    return found;
-  }
-
-  [[nodiscard]] std::string Unknown(const std::string& label) const {
-    std::vector<std::string> labels;
-    bool isHidden = false;
-    for (std::size_t i = 0; i < parameters_.size(); ++i) {
-      if (IsSeen(i)) {
-        labels.push_back(parameters_[i].Name());
-      }
-      isHidden = isHidden || (parameters_[i].Hidden() && parameters_[i].Name() == label);
-    }
+    const bool isHidden = std::ranges::any_of(parameters_, [&](const Parameter& parameter) {
+      return parameter.Hidden() && parameter.Name() == label;
+    });
     return (isHidden ? "the slider of this label is hidden" : "no slider has this label") +
-           NearestHint(label, labels);
+           NearestHint(label, labels_.Names());
   }
 
-  static std::string Ambiguous(const std::string& label, const std::vector<std::size_t>& found) {
-    return std::to_string(found.size()) + " sliders are labelled \"" + label +
+  static std::string Ambiguous(const std::string& label, std::size_t count) {
+    return std::to_string(count) + " sliders are labelled \"" + label +
            "\"; give the bones different names, or set their z";
   }
 
   const std::vector<Parameter>& parameters_;
+  NameIndex labels_;               ///< of the parameters that a user sees
+  std::vector<std::size_t> seen_;  ///< index of each of them
 };
 
 }  // namespace
@@ -101,16 +104,14 @@ std::vector<ParameterChange> FindParameters(const std::vector<Parameter>& parame
                                             const std::vector<Setting>& settings) {
   const Panel panel(parameters);
   std::vector<ParameterChange> changes;
-  std::vector<std::string> lines;
+  FaultLines faults;
   for (const Setting& setting : settings) {
-    SceneFaults faults(setting.place);
     if (const auto change = panel.Find(setting, faults)) {
       changes.push_back(*change);
     }
-    lines.insert(lines.end(), faults.Lines().begin(), faults.Lines().end());
   }
-  if (!lines.empty()) {
-    throw InputError(lines);
+  if (faults.Count() > 0) {
+    throw InputError(faults.Lines());
   }
   return changes;
 }

@@ -2,14 +2,23 @@
 
 #include <filesystem>
 
+#include "standin/crash_record.h"
 #include "standin/dynamic_library.h"
 #include "standin/file_path.h"
 
 namespace standin {
+namespace {
+
+std::unique_ptr<DynamicLibrary> Load(const std::string& path) {
+  const CommandNote note(kLoadCommand);
+  return std::make_unique<DynamicLibrary>(path);
+}
+
+}  // namespace
 
 PluginLibrary::PluginLibrary(const std::string& path)
     : path_(std::filesystem::absolute(FilePath(path).Get()).string()),
-      library_(std::make_unique<DynamicLibrary>(path_)),
+      library_(Load(path_)),
       entryPoint_(reinterpret_cast<PF_EntryPoint>(library_->Find("EntryPointFunc"))) {
   if (entryPoint_ == nullptr) {
     throw PluginLoadError("the library " + path_ +
@@ -19,6 +28,9 @@ PluginLibrary::PluginLibrary(const std::string& path)
 
 PluginLibrary::PluginLibrary(PluginLibrary&&) noexcept = default;
 PluginLibrary& PluginLibrary::operator=(PluginLibrary&&) noexcept = default;
-PluginLibrary::~PluginLibrary() = default;
+PluginLibrary::~PluginLibrary() {
+  const CommandNote note(kUnloadCommand);
+  library_.reset();
+}
 
 }  // namespace standin

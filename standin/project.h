@@ -37,7 +37,10 @@ struct Parameter {
   [[nodiscard]] bool Supervised() const { return (definition.flags & PF_ParamFlag_SUPERVISE) != 0; }
 
   PF_ParamDef definition{};
-  AEGP_DynStreamFlags streamFlags = 0;
+  /// As the last PF_UpdateParamUI had them; the host takes few of them over.
+  PF_ParamUIFlags sentUiFlags = 0;
+  /// Beside the flag for hidden streams another is set, so that flags must be tested one by one.
+  AEGP_DynStreamFlags streamFlags = AEGP_DynStreamFlag_ACTIVE_EYEBALL;
 };
 
 /// One entry of a layer's effect stack. Its group is the stream group that holds its parameters;

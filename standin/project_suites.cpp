@@ -83,7 +83,7 @@ A_Err GetCompLayerByIndex(Core& core, AEGP_CompH comp, A_long index, AEGP_LayerH
 }  // namespace
 
 void AddProjectSuites(Core& core) {
-  auto& project = core.suites.Add<AEGP_ProjSuite6>("AEGP Proj Suite", 8);
+  auto& project = core.suites.Add<AEGP_ProjSuite5>("AEGP Proj Suite", 8);
   project.AEGP_GetNumProjects = Operation<"AEGP_GetNumProjects", GetNumProjects>::Call;
   auto& item = core.suites.Add<AEGP_ItemSuite6>("AEGP Item Suite", 10);
   item.AEGP_GetActiveItem = Operation<"AEGP_GetActiveItem", GetActiveItem>::Call;

@@ -2,7 +2,11 @@
 
 #include <algorithm>
 #include <cctype>
+#include <limits>
 #include <numeric>
+#include <utility>
+
+#include "standin/escaped_text.h"
 
 namespace standin {
 namespace {
@@ -31,6 +35,18 @@ std::size_t EditDistance(std::string_view from, std::string_view to) {
 
 }  // namespace
 
+std::string MoreLines(std::size_t count) { return "and " + std::to_string(count) + " more"; }
+
+void FaultLines::Add(std::string_view line) {
+  ++count_;
+  if (count_ <= kMostFaultLines) {
+    lines_.push_back(ForTerminal(line));
+    return;
+  }
+  lines_.resize(kMostFaultLines + 1);
+  lines_.back() = MoreLines(count_ - kMostFaultLines);
+}
+
 void SceneFaults::Add(std::string_view place, std::string_view message) {
   std::string line = fileName_;
   for (const std::string_view part : {place, message}) {
@@ -38,7 +54,7 @@ void SceneFaults::Add(std::string_view place, std::string_view message) {
       line.append(": ").append(part);
     }
   }
-  lines_.push_back(std::move(line));
+  lines_.Add(line);
 }
 
 InputError::InputError(std::vector<std::string> faultLines)
@@ -46,11 +62,13 @@ InputError::InputError(std::vector<std::string> faultLines)
       lines_(std::move(faultLines)) {}
 
 std::string PathTo(std::string_view object, std::string_view key) {
+  constexpr std::size_t kLongestKey = 256;
   std::string path(object);
-  if (!IsPlainWord(key)) {
-    return path.append("[\"").append(key).append("\"]");
+  const std::string shown = Shortened(key, kLongestKey);
+  if (!IsPlainWord(shown)) {
+    return path.append("[\"").append(shown).append("\"]");
   }
-  return path.append(path.empty() ? "" : ".").append(key);
+  return path.append(path.empty() ? "" : ".").append(shown);
 }
 
 std::string PathTo(std::string_view list, std::size_t index) {
@@ -58,13 +76,28 @@ std::string PathTo(std::string_view list, std::size_t index) {
 }
 
 std::string Nearest(std::string_view word, const std::vector<std::string>& candidates) {
-  const auto nearest = std::ranges::min_element(
-      candidates, {}, [&](const std::string& candidate) { return EditDistance(candidate, word); });
-  return nearest == candidates.end() ? std::string() : *nearest;
+  constexpr std::size_t kLongestWord = 64;
+  std::size_t comparisons = 4'000'000;  // of two characters: a hundredth of a second
+  std::string_view nearest;
+  std::size_t least = std::numeric_limits<std::size_t>::max();
+  for (const std::string& candidate : candidates) {
+    const std::size_t work = (word.size() + 1) * (candidate.size() + 1);
+    if (std::max(word.size(), candidate.size()) > kLongestWord || work > comparisons) {
+      continue;
+    }
+    comparisons -= work;
+    const std::size_t distance = EditDistance(candidate, word);
+    if (distance < least) {
+      least = distance;
+      nearest = candidate;
+    }
+  }
+  return std::string(nearest);
 }
 
 std::string NearestHint(std::string_view word, const std::vector<std::string>& candidates) {
-  return candidates.empty() ? "" : ", the nearest is \"" + Nearest(word, candidates) + "\"";
+  const std::string nearest = Nearest(word, candidates);
+  return nearest.empty() ? "" : ", the nearest is \"" + nearest + "\"";
 }
 
 }  // namespace standin

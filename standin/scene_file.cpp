@@ -2,48 +2,36 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdint>
 #include <iterator>
 #include <optional>
-#include <set>
 #include <utility>
 #include <vector>
 
-#include "standin/image_file.h"
 #include "standin/project.h"
+#include "standin/scene_images.h"
 #include "standin/scene_json.h"
 #include "standin/scene_keys.h"
 #include "standin/scene_node.h"
 #include "standin/scene_pieces.h"
+#include "standin/scene_sliders.h"
 #include "standin/scene_stack.h"
 #include "standin/scene_values.h"
+#include "standin/whole_file.h"
 
 namespace standin {
 namespace {
 
 constexpr int kLongestLayerSide = 30'000;
-constexpr std::size_t kLongestName = 31;  // bytes of a name in the host
+/// Most bones and other effects. The plug-in looks through all of the stack at each bone's message:
+/// the time grows with the square of their number.
+constexpr std::size_t kMostInStack = 4096;
+constexpr std::uintmax_t kLargestScene = std::uintmax_t{1} << 28;  // bytes of its file
+constexpr std::size_t kLongestName = 31;                           // bytes of a name in the host
 
 std::string ReadName(const SceneNode& owner) {
   const auto name = owner.Need("name", "text");
   return name ? name->Text(kLongestName) : "";
-}
-
-/// Where an image lies that a scene file in `folder` names.
-std::filesystem::path ImageFile(const std::filesystem::path& folder, const std::string& name) {
-  return folder / FilePath(name).Get();
-}
-
-Picture ReadImage(const SceneNode& node, const std::filesystem::path& folder) {
-  const std::string file = node.Text();
-  if (file.empty()) {
-    return {};
-  }
-  try {
-    return ReadPng(ImageFile(folder, file));
-  } catch (const FileError& error) {
-    node.Fault(file + ": " + error.what());
-    return {};
-  }
 }
 
 OtherEffect ReadEffect(const SceneNode& node) {
@@ -60,22 +48,6 @@ OtherEffect ReadEffect(const SceneNode& node) {
   return effect;
 }
 
-const BoneKeys* KeysOf(const Animation& animation, std::size_t bone) {
-  const auto found = std::ranges::find(animation.bones, bone, &BoneKeys::bone);
-  return found == animation.bones.end() ? nullptr : &*found;
-}
-
-bool IsActive(const Animation& animation, std::size_t bone, int frame) {
-  const BoneKeys* keys = KeysOf(animation, bone);
-  return keys == nullptr || keys->active.empty() ? animation.scene.bones[bone].active
-                                                 : SegmentAt(keys->active, frame).from->value;
-}
-
-bool HasDepth(const Animation& animation, std::size_t bone) {
-  const BoneKeys* keys = KeysOf(animation, bone);
-  return animation.scene.bones[bone].z || (keys != nullptr && !keys->z.empty());
-}
-
 /// Reads a scene from its root to its leaves, keeping faults as it goes.
 class SceneReader {
  public:
@@ -85,15 +57,19 @@ class SceneReader {
   Animation Read(const SceneNode& root) {
     root.AllowKeys({"size", "images", "fast", "set", "effects", "renderer", "bones", "frames"});
     ReadSize(root);
-    ReadImages(root);
+    SceneImages read = ReadImages(root, folder_);
+    scene_.images = std::move(read.images);
+    images_ = std::move(read.names);
+    animation_.files = std::move(read.files);
     ReadControls(root);
     if (const auto effects = root.Find("effects")) {
       std::ranges::transform(effects->Items(), std::back_inserter(scene_.effects), ReadEffect);
     }
     ReadBones(root);
+    ExpectShortStack(root);
     scene_.stack = ReadStack(root, scene_);
-    ReadFrames(root, strips_, fileName_, animation_);
-    ExpectSliders(root);
+    ReadFrames(root, images_, strips_, fileName_, animation_);
+    ExpectSliders(root, animation_);
     return std::move(animation_);
   }
 
@@ -106,14 +82,6 @@ class SceneReader {
     if (const auto sides = size->Items(2, "[width, height]"); !sides.empty()) {
       scene_.width = sides[0].Whole(1, kLongestLayerSide).value_or(1);
       scene_.height = sides[1].Whole(1, kLongestLayerSide).value_or(1);
-    }
-  }
-
-  void ReadImages(const SceneNode& root) {
-    if (const auto images = root.Find("images")) {
-      for (const SceneNode::Member& image : images->Members()) {
-        scene_.images.push_back({image.key, ReadImage(image.value, folder_)});
-      }
     }
   }
 
@@ -144,10 +112,10 @@ class SceneReader {
     bone.name = ReadName(node);
     bone.active = node.FlagOr("active", true);
     if (const auto image = node.Need("image", "name of an image")) {
-      bone.image = ReadImageName(*image, scene_.images);
+      bone.image = ReadImageName(*image, images_);
     }
     if (const auto image = node.Find("imageB")) {
-      bone.imageB = ReadImageName(*image, scene_.images);
+      bone.imageB = ReadImageName(*image, images_);
     }
     bone.opacity = node.NumberOr("opacity", kOpacities, 1.0);
     bone.opacityB = node.NumberOr("opacityB", kOpacities, 1.0);
@@ -160,24 +128,11 @@ class SceneReader {
     return bone;
   }
 
-  /// A bone with a depth needs sliders for it in every frame in which it is switched on.
-  void ExpectSliders(const SceneNode& root) const {
-    if (scene_.bones.size() <= kBonesWithSliders) {
-      return;
-    }
-    std::set<std::size_t> faulty;
-    for (int frame = 0; frame < animation_.count; ++frame) {
-      int active = 0;
-      for (std::size_t bone = 0; bone < scene_.bones.size(); ++bone) {
-        if (!IsActive(animation_, bone, frame) || ++active <= kBonesWithSliders) {
-          continue;
-        }
-        if (HasDepth(animation_, bone) && faulty.insert(bone).second) {
-          root.Fault(PathTo(PathTo("bones", bone), "z") + ": only the first " +
-                     std::to_string(kBonesWithSliders) + " active bones have sliders" +
-                     (frame == 0 ? "" : " (frame " + std::to_string(frame) + ")"));
-        }
-      }
+  void ExpectShortStack(const SceneNode& root) const {
+    const std::size_t count = scene_.bones.size() + scene_.effects.size();
+    if (count > kMostInStack) {
+      root.Fault("bones: at most " + std::to_string(kMostInStack) +
+                 " bones and other effects together expected, " + std::to_string(count) + " given");
     }
   }
 
@@ -185,6 +140,7 @@ class SceneReader {
   std::string fileName_;
   Animation animation_;
   Scene& scene_ = animation_.scene;
+  NameIndex images_;
   std::vector<std::optional<Strip>> strips_;  // of each bone
 };
 
@@ -207,11 +163,13 @@ Animation ReadAnimation(const FilePath& file) {
   const std::string name = file.Get().string();
   std::string text;
   try {
-    text = ReadWholeFile(file);
+    text = ReadWholeFile(file, kLargestScene);
   } catch (const FileError& error) {
     throw InputError({name + ": " + error.what()});
   }
-  return ReadAnimation(text, file.Get().parent_path(), name);
+  Animation animation = ReadAnimation(text, file.Get().parent_path(), name);
+  animation.files.push_back(file.Get());
+  return animation;
 }
 
 Scene ReadScene(const FilePath& file) {
@@ -225,7 +183,7 @@ std::vector<std::filesystem::path> FilesOf(const FilePath& file) {
   SceneFaults faults("");
   std::optional<Json> json;
   try {
-    json = ParseJson(ReadWholeFile(file), faults);
+    json = ParseJson(ReadWholeFile(file, kLargestScene), faults);
   } catch (const FileError&) {
     return files;
   }

@@ -2,10 +2,10 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <iterator>
 #include <string>
 #include <string_view>
 
+#include "standin/escaped_text.h"
 #include "standin/scene_pieces.h"
 #include "standin/scene_values.h"
 
@@ -53,16 +53,11 @@ enum class Way { kMixed, kHeld };
 
 /// The keys of one value. `what` names a value in the fault that it is missing.
 template <typename Read>
-auto ReadTrack(const SceneNode& owner, const std::string& name, Way way, std::string_view what,
-               const Read& read) {
-  Track<decltype(read(owner))> track;
-  const auto node = owner.Find(name);
-  if (!node) {
-    return track;
-  }
-  const std::vector<SceneNode> items = node->Items();
-  if (node->IsList() && items.empty()) {
-    node->Expected("list of at least one key");
+auto ReadKeys(const SceneNode& node, Way way, std::string_view what, const Read& read) {
+  Track<decltype(read(node))> track;
+  const std::vector<SceneNode> items = node.Items();
+  if (node.IsList() && items.empty()) {
+    node.Expected("list of at least one key");
   }
   for (const SceneNode& item : items) {
     item.AllowKeys(way == Way::kMixed ? std::vector<std::string>{"frame", "value", "ease"}
@@ -78,6 +73,14 @@ auto ReadTrack(const SceneNode& owner, const std::string& name, Way way, std::st
   return track;
 }
 
+/// The same of a member, which may be missing.
+template <typename Read>
+auto ReadTrack(const SceneNode& owner, const std::string& name, Way way, std::string_view what,
+               const Read& read) {
+  const auto node = owner.Find(name);
+  return node ? ReadKeys(*node, way, what, read) : decltype(ReadKeys(*node, way, what, read)){};
+}
+
 bool ReadFlag(const SceneNode& node) { return node.Flag(); }
 double ReadNumber(const SceneNode& node) { return node.Number(); }
 double ReadOpacity(const SceneNode& node) { return node.Number(kOpacities); }
@@ -87,9 +90,9 @@ ZPair ReadWidths(const SceneNode& node) { return ReadEnds(node, kWidths); }
 /// The keys of one bone.
 class BoneKeyReader {
  public:
-  BoneKeyReader(const SceneNode& node, const Scene& scene, std::size_t bone,
-                const std::optional<Strip>& strip)
-      : node_(node), scene_(scene), bone_(scene.bones[bone]) {
+  BoneKeyReader(const SceneNode& node, const NameIndex& images, const Scene& scene,
+                std::size_t bone, const std::optional<Strip>& strip)
+      : node_(node), images_(images), bone_(scene.bones[bone]) {
     keys_.bone = bone;
     keys_.strip = strip;
   }
@@ -108,9 +111,7 @@ class BoneKeyReader {
 
  private:
   void ReadImages() {
-    const auto readName = [this](const SceneNode& name) {
-      return ReadImageName(name, scene_.images);
-    };
+    const auto readName = [this](const SceneNode& name) { return ReadImageName(name, images_); };
     keys_.image = ReadTrack(node_, "image", Way::kHeld, "name of an image", readName);
     if (const auto second = node_.Find("imageB"); second && !bone_.imageB) {
       second->Fault("keys need an imageB of the bone");
@@ -143,31 +144,44 @@ class BoneKeyReader {
   }
 
   const SceneNode& node_;
-  const Scene& scene_;
+  const NameIndex& images_;
   const Bone& bone_;
   BoneKeys keys_;
 };
 
 /// The one bone of this name; none after a fault.
-std::optional<std::size_t> FindBone(const SceneNode::Member& member, const Scene& scene) {
-  const auto count = std::ranges::count(scene.bones, member.key, &Bone::name);
+std::optional<std::size_t> FindBone(const SceneNode::Member& member, const NameIndex& bones) {
+  const std::size_t count = bones.Count(member.key);
   if (count == 1) {
-    const auto found = std::ranges::find(scene.bones, member.key, &Bone::name);
-    return static_cast<std::size_t>(std::distance(scene.bones.begin(), found));
+    return bones.First(member.key);
   }
-  std::vector<std::string> names;
-  std::ranges::transform(scene.bones, std::back_inserter(names), &Bone::name);
-  member.value.Fault(count == 0 ? "no bone is called \"" + member.key + "\"" +
-                                      NearestHint(member.key, names)
-                                : std::to_string(count) + " bones are called \"" + member.key +
-                                      "\"; one with keys needs a name of its own");
+  const std::string name = "\"" + Shortened(member.key, kLongestQuote) + "\"";
+  member.value.Fault(count == 0 ? "no bone is called " + name +
+                                      member.value.Hint(member.key, bones.Names())
+                                : std::to_string(count) + " bones are called " + name +
+                                      "; one with keys needs a name of its own");
   return std::nullopt;
+}
+
+void ReadBoneKeys(const SceneNode& node, const NameIndex& images,
+                  const std::vector<std::optional<Strip>>& strips, Animation& animation) {
+  NameIndex bones;
+  for (const Bone& bone : animation.scene.bones) {
+    bones.Add(bone.name);
+  }
+  for (const SceneNode::Member& member : node.Members()) {
+    if (const auto bone = FindBone(member, bones)) {
+      animation.bones.push_back(
+          BoneKeyReader(member.value, images, animation.scene, *bone, strips[*bone]).Read());
+    }
+  }
 }
 
 }  // namespace
 
-void ReadFrames(const SceneNode& root, const std::vector<std::optional<Strip>>& strips,
-                const std::string& fileName, Animation& animation) {
+void ReadFrames(const SceneNode& root, const NameIndex& images,
+                const std::vector<std::optional<Strip>>& strips, const std::string& fileName,
+                Animation& animation) {
   const auto frames = root.Find("frames");
   if (!frames) {
     return;
@@ -180,18 +194,13 @@ void ReadFrames(const SceneNode& root, const std::vector<std::optional<Strip>>& 
     animation.rate = rate->Number(kRates);
   }
   if (const auto bones = frames->Find("bones")) {
-    for (const SceneNode::Member& member : bones->Members()) {
-      if (const auto bone = FindBone(member, animation.scene)) {
-        animation.bones.push_back(
-            BoneKeyReader(member.value, animation.scene, *bone, strips[*bone]).Read());
-      }
-    }
+    ReadBoneKeys(*bones, images, strips, animation);
   }
   if (const auto settings = frames->Find("set")) {
     for (const SceneNode::Member& member : settings->Members()) {
-      animation.settings.push_back(
-          {member.key, ReadTrack(*settings, member.key, Way::kMixed, "number", ReadNumber),
-           fileName + ": " + PathTo("frames.set", member.key)});
+      animation.settings.push_back({member.key,
+                                    ReadKeys(member.value, Way::kMixed, "number", ReadNumber),
+                                    fileName + ": " + PathTo("frames.set", member.key)});
     }
   }
   animation.fast = ReadTrack(*frames, "fast", Way::kHeld, "true or false", ReadFlag);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "standin/escaped_text.h"
 #include "standin/text_table.h"
 
 namespace standin {
@@ -23,17 +24,9 @@ std::string Described(std::string_view kind, Range range) {
   return hasLeast ? words + " of at least " + Described(range.least) : words;
 }
 
-std::string Shortened(std::string text) {
-  constexpr std::size_t kLongest = 40;
-  if (text.size() > kLongest) {
-    text.resize(kLongest);
-    text += "…";
-  }
-  return text;
-}
-
 /// What a file holds, for "… given".
 std::string Description(const Json& value) {
+  constexpr std::size_t kLongestQuote = 40;
   if (value.is_object()) {
     return "object";
   }
@@ -41,7 +34,7 @@ std::string Description(const Json& value) {
     return "list of " + std::to_string(value.size());
   }
   if (value.is_string()) {
-    return "text " + Shortened(value.dump());
+    return "text " + Shortened(value.dump(), kLongestQuote);
   }
   return (value.is_number() ? "number " : "") + value.dump();
 }
@@ -154,7 +147,7 @@ std::vector<SceneNode::Member> SceneNode::Members() const {
 void SceneNode::AllowKeys(const std::vector<std::string>& known) const {
   for (const Member& member : Members()) {
     if (std::ranges::find(known, member.key) == known.end()) {
-      member.value.Fault("unknown key" + NearestHint(member.key, known));
+      member.value.Fault("unknown key" + member.value.Hint(member.key, known));
     }
   }
 }

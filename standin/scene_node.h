@@ -31,6 +31,9 @@ class SceneNode {
   SceneNode(const Json& value, std::string path, SceneFaults& faults)
       : value_(&value), path_(std::move(path)), faults_(&faults) {}
 
+  /// The same value, whose faults go elsewhere.
+  [[nodiscard]] SceneNode FaultsTo(SceneFaults& faults) const { return {*value_, path_, faults}; }
+
   [[nodiscard]] bool IsNumber() const { return value_->is_number(); }
   [[nodiscard]] bool IsText() const { return value_->is_string(); }
   [[nodiscard]] bool IsList() const { return value_->is_array(); }
@@ -61,7 +64,12 @@ class SceneNode {
   [[nodiscard]] bool FlagOr(const std::string& key, bool otherwise) const;
 
   /// Faults so far, of the whole file.
-  [[nodiscard]] std::size_t FaultCount() const { return faults_->Lines().size(); }
+  [[nodiscard]] std::size_t FaultCount() const { return faults_->Count(); }
+  /// `, the nearest is "…"`, to follow a fault about a word; empty once faults are only counted.
+  [[nodiscard]] std::string Hint(std::string_view word,
+                                 const std::vector<std::string>& candidates) const {
+    return faults_->IsFull() ? "" : NearestHint(word, candidates);
+  }
   /// Leaves the fault "PATH: `what` expected, … given".
   void Expected(std::string_view what) const;
   /// Leaves the fault "PATH: `message`".

@@ -1,7 +1,8 @@
 #include "standin/scene_values.h"
 
 #include <algorithm>
-#include <iterator>
+
+#include "standin/escaped_text.h"
 
 namespace standin {
 namespace {
@@ -37,15 +38,14 @@ std::array<Point, kCount> ReadPoints(const SceneNode& node) {
 template std::array<Point, 2> ReadPoints(const SceneNode& node);
 template std::array<Point, 4> ReadPoints(const SceneNode& node);
 
-std::size_t ReadImageName(const SceneNode& node, const std::vector<NamedImage>& images) {
+std::size_t ReadImageName(const SceneNode& node, const NameIndex& images) {
   const std::string name = node.Text();
-  const auto found = std::ranges::find(images, name, &NamedImage::name);
-  if (found == images.end() && !name.empty()) {
-    std::vector<std::string> names;
-    std::ranges::transform(images, std::back_inserter(names), &NamedImage::name);
-    node.Fault("no image is called \"" + name + "\"" + NearestHint(name, names));
+  const auto found = images.First(name);
+  if (!found && !name.empty()) {
+    node.Fault("no image is called \"" + Shortened(name, kLongestQuote) + "\"" +
+               node.Hint(name, images.Names()));
   }
-  return static_cast<std::size_t>(std::distance(images.begin(), found));
+  return found.value_or(images.Names().size());
 }
 
 }  // namespace standin

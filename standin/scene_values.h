@@ -3,12 +3,15 @@
 #include <array>
 #include <cstddef>
 #include <string>
-#include <vector>
 
+#include "standin/name_index.h"
 #include "standin/scene.h"
 #include "standin/scene_node.h"
 
 namespace standin {
+
+/// Longest name of the user's that a message quotes in full, in bytes.
+inline constexpr std::size_t kLongestQuote = 256;
 
 inline constexpr Range kOpacities{.least = 0.0, .most = 1.0};
 inline constexpr Range kDepths{.least = -kDeepestZ, .most = kDeepestZ};
@@ -21,7 +24,7 @@ ZPair ReadEnds(const SceneNode& node, Range range);
 template <std::size_t kCount>
 std::array<Point, kCount> ReadPoints(const SceneNode& node);
 
-/// The image of this name, as an index into `images`; their number after a fault.
-std::size_t ReadImageName(const SceneNode& node, const std::vector<NamedImage>& images);
+/// The image of this name, as its place in `images`; their number after a fault.
+std::size_t ReadImageName(const SceneNode& node, const NameIndex& images);
 
 }  // namespace standin

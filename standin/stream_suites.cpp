@@ -4,6 +4,10 @@
 namespace standin {
 namespace {
 
+// The interface's limit is 32, and it does not say whether the terminating zero counts. This host
+// takes the longer reading, which writes past a buffer of 32 bytes.
+constexpr std::size_t kLongestWrittenName = 32;
+
 const StreamSubject* StreamOf(Core& core, AEGP_StreamRefH stream, std::string_view who) {
   return core.books.Find<StreamSubject>(Kind::kStream, stream, who);
 }
@@ -66,7 +70,7 @@ A_Err GetStreamName(Core& core, AEGP_StreamRefH stream, A_Boolean /*forceEnglish
     return PF_Err_BAD_CALLBACK_PARAM;
   }
   const std::string text = subject->parameter ? subject->Of()->Name() : subject->effect->groupName;
-  name[text.copy(name, kStreamNameBytes - 1)] = '\0';
+  name[text.copy(name, kLongestWrittenName)] = '\0';
   return A_Err_NONE;
 }
 
@@ -151,7 +155,7 @@ void AddStreamSuites(Core& core) {
       Operation<"AEGP_DisposeStreamValue", DisposeStreamValue, Failing::kAfterwork>::Call;
   stream.AEGP_SetStreamValue = Operation<"AEGP_SetStreamValue", SetStreamValue>::Call;
 
-  auto& named = core.suites.Add<AEGP_StreamSuite2>("AEGP Stream Suite", 4);
+  auto& named = core.suites.Add<AEGP_StreamSuite1>("AEGP Stream Suite", 4);
   named.AEGP_GetStreamName = Operation<"AEGP_GetStreamName", GetStreamName>::Call;
 
   auto& dynamic = core.suites.Add<AEGP_DynamicStreamSuite4>("AEGP Dynamic Stream Suite", 5);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <stdexcept>
 
 #include "standin/core.h"
 
@@ -28,11 +29,16 @@ constexpr auto kPool = MakePool(std::make_index_sequence<kUnusedSlots>());
 
 }  // namespace
 
-std::vector<void*> SuiteShelf::UnusedSlots(const std::string& title, std::size_t count) {
+std::vector<void*> SuiteShelf::UnusedSlots(const std::vector<std::string>& descriptions,
+                                           std::size_t count) {
+  if (descriptions.size() != count) {
+    throw std::logic_error("a table of " + std::to_string(count) +
+                           " slots is described as one of " + std::to_string(descriptions.size()));
+  }
   std::vector<void*> slots;
-  for (std::size_t slot = 0; slot < count; ++slot) {
+  for (const std::string& description : descriptions) {
     slots.push_back(reinterpret_cast<void*>(kPool.at(unused_.size())));
-    unused_.push_back("slot " + std::to_string(slot) + " of " + title);
+    unused_.push_back(description);
   }
   return slots;
 }
@@ -41,22 +47,29 @@ void SuiteShelf::ReportUnused(std::size_t number) {
   books_.Misuse(unused_.at(number) + " was called; this host has nothing there");
 }
 
+const SuiteShelf::Suite* SuiteShelf::Search(std::string_view name, std::int32_t version) const {
+  const auto found = std::find_if(suites_.begin(), suites_.end(), [&](const Suite& suite) {
+    return suite.offered.name == name && suite.offered.version == version;
+  });
+  return found == suites_.end() ? nullptr : &*found;
+}
+
 const void* SuiteShelf::Find(std::string_view name, std::int32_t version) const {
-  if (withheld_.count({std::string(name), version}) != 0) {
-    return nullptr;
-  }
-  for (const Suite& suite : suites_) {
-    if (suite.name == name && suite.version == version) {
-      return suite.table.get();
-    }
-  }
-  return nullptr;
+  const Suite* suite = Search(name, version);
+  const bool withheld = withheld_.count({std::string(name), version}) != 0;
+  return suite == nullptr || withheld ? nullptr : suite->table.get();
 }
 
 bool SuiteShelf::Knows(std::string_view name, std::int32_t version) const {
-  return std::any_of(suites_.begin(), suites_.end(), [&](const Suite& suite) {
-    return suite.name == name && suite.version == version;
-  });
+  return Search(name, version) != nullptr;
+}
+
+std::vector<OfferedSuite> SuiteShelf::List() const {
+  std::vector<OfferedSuite> offered;
+  for (const Suite& suite : suites_) {
+    offered.push_back(suite.offered);
+  }
+  return offered;
 }
 
 }  // namespace standin

@@ -11,11 +11,22 @@
 #include <vector>
 
 #include "standin/books.h"
+#include "standin/published_operations.h"
 
 namespace standin {
 
+/// A suite that a host has.
+struct OfferedSuite {
+  std::string name;
+  std::int32_t version = 0;
+  std::size_t slots = 0;
+
+  bool operator==(const OfferedSuite&) const = default;
+};
+
 /// The host's suites by name and version, each a table of function pointers. A slot that this host
-/// does not fill holds a function that reports itself, by table and slot, as a misuse.
+/// does not fill holds a function that reports itself as a misuse, by table, slot and the published
+/// name of the operation.
 class SuiteShelf {
  public:
   explicit SuiteShelf(Books& books) : books_(books) {}
@@ -24,16 +35,17 @@ class SuiteShelf {
   template <typename Table>
   Table& Add(const std::string& name, std::int32_t version) {
     auto table = std::make_shared<Table>();
-    FillUnused(*table, name + " " + std::to_string(version));
-    suites_.push_back({name, version, table});
+    constexpr std::size_t kSlots = sizeof(Table) / sizeof(void*);
+    FillUnused(*table, DescribeSuiteSlots(name, version, kSlots));
+    suites_.push_back({{name, version, kSlots}, table});
     return *table;
   }
 
-  /// Makes every pointer-sized slot of a table report itself under that title.
+  /// Makes every pointer-sized slot of a table report itself by its description.
   template <typename Table>
-  void FillUnused(Table& table, const std::string& title) {
+  void FillUnused(Table& table, const std::vector<std::string>& descriptions) {
     static_assert(sizeof(Table) % sizeof(void*) == 0);
-    const std::vector<void*> slots = UnusedSlots(title, sizeof(Table) / sizeof(void*));
+    const std::vector<void*> slots = UnusedSlots(descriptions, sizeof(Table) / sizeof(void*));
     std::memcpy(static_cast<void*>(&table), slots.data(), sizeof(Table));
   }
 
@@ -44,18 +56,21 @@ class SuiteShelf {
     withheld_.insert({name, version});
   }
   void OfferAll() { withheld_.clear(); }
+  /// All suites, withheld ones too.
+  [[nodiscard]] std::vector<OfferedSuite> List() const;
 
   /// Notes that an unused slot was called. For the slots themselves.
   void ReportUnused(std::size_t number);
 
  private:
   struct Suite {
-    std::string name;
-    std::int32_t version = 0;
+    OfferedSuite offered;
     std::shared_ptr<void> table;
   };
 
-  std::vector<void*> UnusedSlots(const std::string& title, std::size_t count);
+  /// REQUIRES: as many descriptions as slots.
+  std::vector<void*> UnusedSlots(const std::vector<std::string>& descriptions, std::size_t count);
+  [[nodiscard]] const Suite* Search(std::string_view name, std::int32_t version) const;
 
   Books& books_;
   std::vector<Suite> suites_;

@@ -6,6 +6,9 @@
 #include <cstddef>
 #include <iomanip>
 #include <sstream>
+#include <utility>
+
+#include "standin/escaped_text.h"
 
 namespace standin {
 
@@ -19,6 +22,11 @@ std::string Shortest(double number) {
   std::array<char, 32> text{};
   const auto end = std::to_chars(text.data(), text.data() + text.size(), number).ptr;
   return {text.data(), end};
+}
+
+void TextTable::Add(std::vector<std::string> row) {
+  std::ranges::transform(row, row.begin(), ForTerminal);
+  rows_.push_back(std::move(row));
 }
 
 std::string TextTable::Text(const std::string& indent) const {

@@ -16,8 +16,8 @@ class TextTable {
   /// A letter for each column: 'l' for text to the left, 'r' for text to the right.
   explicit TextTable(std::string alignment) : alignment_(std::move(alignment)) {}
 
-  /// REQUIRES: a cell for each column.
-  void Add(std::vector<std::string> row) { rows_.push_back(std::move(row)); }
+  /// Control characters in a cell are escaped. REQUIRES: a cell for each column.
+  void Add(std::vector<std::string> row);
   /// The lines, each begun with `indent`, without blanks at their ends.
   [[nodiscard]] std::string Text(const std::string& indent = "") const;
 

@@ -44,7 +44,7 @@ int Sprintf(A_char* buffer, const A_char* format, ...) {
   std::va_list arguments;
   va_start(arguments, format);
   const int written = PassGate<int>(
-      "sprintf", Failing::kNever,
+      "sprintf", Failing::kThrowsOnly,
       [&](Core& core) {
         if (buffer == nullptr || format == nullptr) {
           core.Refuse("sprintf", "null");
@@ -85,7 +85,7 @@ PF_Err GetPlatformData(Core& core, PF_ProgPtr effect, PF_PlatDataID which, void*
   if (effect != core.pluginRef && core.Instance(effect, "get_platform_data") == nullptr) {
     return PF_Err_BAD_CALLBACK_PARAM;
   }
-  if (data == nullptr || which != PF_PlatData_RES_FILE_PATH_W) {
+  if (data == nullptr || which != PF_PlatData_EXE_FILE_PATH_W) {
     return core.Refuse("get_platform_data", "subject " + std::to_string(which) +
                                                 "; this host answers 7, the plug-in's path, only");
   }
@@ -100,8 +100,7 @@ PF_Err GetPlatformData(Core& core, PF_ProgPtr effect, PF_PlatDataID which, void*
 }  // namespace
 
 void AddUtilityCallbacks(Core& core) {
-  using CopyText = Operation<"strcpy", Strcpy, Failing::kNever>;
-  core.suites.FillUnused(core.utilities.ansi, "the ANSI callbacks");
+  using CopyText = Operation<"strcpy", Strcpy, Failing::kThrowsOnly>;
   core.utilities.ansi.sprintf = Sprintf;
   core.utilities.ansi.strcpy = CopyText::Call;
   core.utilities.get_platform_data = Operation<"get_platform_data", GetPlatformData>::Call;

@@ -83,7 +83,7 @@ void AddWorldSuites(Core& core) {
   auto& matte = core.suites.Add<PF_FillMatteSuite2>("PF Fill Matte Suite", 2);
   matte.premultiply = Operation<"premultiply", Premultiply>::Call;
 
-  core.suites.FillUnused(core.utilities, "the utility callbacks");
+  core.suites.FillUnused(core.utilities, DescribeUtilitySlots());
   core.utilities.copy = Operation<"copy", Copy>::Call;
   core.utilities.fill = Operation<"fill", Fill>::Call;
   core.utilities.get_pixel_data8 = Operation<"get_pixel_data8", GetPixelData8>::Call;

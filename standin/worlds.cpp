@@ -20,7 +20,9 @@ bool Same(PF_Pixel a, PF_Pixel b) {
 }
 
 bool AllGuard(const std::uint8_t* bytes, std::size_t count) {
-  return std::all_of(bytes, bytes + count, [](std::uint8_t byte) { return byte == kGuard; });
+  // Each byte is compared with its neighbour: after every command all rows of all worlds are looked
+  // at.
+  return count == 0 || (bytes[0] == kGuard && std::memcmp(bytes, bytes + 1, count - 1) == 0);
 }
 
 }  // namespace
@@ -67,14 +69,15 @@ PF_Err Worlds::New(A_long width, A_long height, PF_NewWorldFlags flags, const st
     world->memory.reset(new (std::nothrow) std::uint8_t[bytes]);
   }
   if (!world->memory) {
+    books_.NoteOutOfMemory();
     return PF_Err_OUT_OF_MEMORY;
   }
   world->record.world_flags = PF_WorldFlag_WRITEABLE;
   world->record.rowbytes = static_cast<A_long>(rowBytes);
   world->record.width = width;
   world->record.height = height;
-  world->record.extent_hint = {0, 0, width, height};
-  world->record.pix_aspect_ratio = {1, 1};
+  world->record.extent_hint = {.left = 0, .top = 0, .right = width, .bottom = height};
+  world->record.pix_aspect_ratio = {.num = 1, .den = 1};
   world->record.data = reinterpret_cast<PF_Pixel*>(world->Row(0));
   const std::string described = label + " " + std::to_string(width) + "x" + std::to_string(height);
   const void* name = books_.Issue(Kind::kWorld, described, world.get());

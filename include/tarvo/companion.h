@@ -31,10 +31,12 @@
  *     }
  *
  * The command's result is 0 or an error of the host's. PF_Err_BAD_CALLBACK_PARAM (516) also says
- * that the record was refused: an effectIndex below 0 or above 65,535, or addresses of pieces that
- * make no sense. The flag says whose a world is, whatever the result: cleared, it is never the
- * sender's to dispose of. It does not say that the image arrived: when the host failed, as the
- * result then tells, the renderer may have no image, so make another one and send it.
+ * that the record was refused: an effectIndex below 0 or above 65,535, addresses of pieces that
+ * make no sense, or another command in progress on this renderer instance. Nothing of a refused
+ * record is taken: send it again later. The flag says whose a world is, whatever the result:
+ * cleared, it is never the sender's to dispose of. It does not say that the image arrived: when the
+ * host failed, as the result then tells, the renderer may have no image, so make another one and
+ * send it.
  *
  * Each record replaces the pieces of the one before. Images stay until new ones come, but they
  * belong to a place in the stack, in one renderer: send yours again when your place has changed
@@ -43,7 +45,11 @@
  * applied never had any. The simplest companion sends its images whenever it is nudged. Bones are
  * numbered by the place of their companions in the stack; those switched off are left out.
  *
- * Both plug-ins live in one process on a little-endian machine with 64-bit addresses. The layout is
+ * Send one message at a time, from any thread: the renderer has no lock, because a lock could
+ * deadlock with a host that waits for another thread. A message sent from within a host call of the
+ * renderer is accepted, unless that same instance is rendering or receiving a message.
+ *
+ * Both plug-ins are in one process on a little-endian machine with 64-bit addresses. The layout is
  * a fixed byte format: packed, 296 bytes a record, 156 bytes a piece. The header is plain C (C11)
  * or C++ and needs nothing but the C library. examples/companion/ holds a companion that uses it.
  */

@@ -12,7 +12,9 @@
 #include "standin/command/check_options.h"
 #include "standin/command/check_report.h"
 #include "standin/command/command.h"
+#include "standin/command/output_guard.h"
 #include "standin/command/scene_options.h"
+#include "standin/escaped_text.h"
 #include "standin/gate.h"
 #include "standin/host.h"
 #include "standin/plugin_library.h"
@@ -22,9 +24,9 @@
 namespace standin {
 namespace {
 
-std::vector<check::Check> ChosenChecks(const CheckOptions& options) {
+std::vector<check::Check> ChosenChecks(const CheckOptions& options, bool isWorker) {
   std::vector<check::Check> checks = check::ChecksNamed(options.only);
-  if (checks.empty() && !options.report) {
+  if (checks.empty() && !isWorker) {
     throw InputError({"--only: no check is called so; --list tells their names"});
   }
   return options.seed ? check::Shuffled(std::move(checks), *options.seed) : checks;
@@ -43,7 +45,8 @@ void TakeOverSettings(const CheckOptions& options, const Console& console) {
     check::TheSettings().seed = *options.seed;
   }
   if (options.trace) {
-    Gate::TraceAll([&err = console.err](std::string_view line) { err << line << '\n'; });
+    Gate::TraceAll(
+        [&err = console.err](std::string_view line) { err << ForTerminal(line) << '\n'; });
   }
 }
 
@@ -55,42 +58,61 @@ void RunInThisProcess(const CheckOptions& options, const std::vector<check::Chec
 }
 
 void RunAll(const CheckOptions& options, const std::vector<check::Check>& checks,
-            CheckReport& report) {
+            const Console& console, CheckReport& report) {
   const TakeResult take = [&](const check::Result& result) { report.Take(result); };
   try {
     if (options.inProcess) {
       return RunInThisProcess(options, checks, take);
     }
-    ExpectLoadable(options);
+    ExpectLoadable(options, console);
   } catch (const PluginLoadError& error) {
     return report.TakeNotLoaded(error.what());
   }
-  RunInJobs(options, checks, take);
+  RunInJobs(options, checks, console, take);
+}
+
+/// Better said before a run of many minutes than after it.
+void ExpectToWriteReport(const CheckOptions& options) {
+  if (options.junit.empty()) {
+    return;
+  }
+  OptionFaults faults;
+  faults.Expect(ExpectWritable, options.junit);
+  faults.ThrowIfAny();
+  ExpectApart("--junit", {options.junit}, {FilePath(options.plugin).Get()});
+}
+
+/// After the verdict, which counts with or without the report.
+void WriteReport(const CheckOptions& options, const CheckReport& report) {
+  if (options.junit.empty()) {
+    return;
+  }
+  try {
+    WriteWholeFile(options.junit, report.JUnit());
+  } catch (const FileError& error) {
+    throw Unfinished(kIncomplete, {"--junit: " + options.junit + ": " + error.what() +
+                                   "; the report is missing"});
+  }
 }
 
 void Check(CheckOptions options, const Console& console) {
-  OptionFaults faults;
-  if (!options.junit.empty()) {
-    faults.ExpectWritable(options.junit);
-  }
-  faults.ThrowIfAny();
   if (options.plugin.empty()) {
     options.plugin = DefaultPlugin();
   }
+  ExpectToWriteReport(options);
   TakeOverSettings(options, console);
-  const std::vector<check::Check> checks = ChosenChecks(options);
+  const std::vector<check::Check> checks = ChosenChecks(options, console.channel != nullptr);
   if (options.list) {
     return List(checks, console.out);
   }
-  if (options.report) {
-    return Report(options, checks, console.out);
+  if (console.channel != nullptr) {
+    return Report(options, checks, *console.channel);
   }
   CheckReport report(options.plugin, check::TheSettings().seed, options.json, console);
-  RunAll(options, checks, report);
-  if (!options.junit.empty()) {
-    WriteWholeFile(options.junit, report.JUnit());
-  }
-  if (const int code = report.End(); code != kMade) {
+  RunAll(options, checks, console, report);
+  const int code = report.End();
+  WriteReport(options, report);
+  if (code != kMade) {
     throw Unfinished(code, {});
   }
 }
@@ -109,7 +131,8 @@ void AddCheck(CLI::App& program, Work& chosen) {
   tarvo check --only Commands.AboutTellsNameAndVersion --in-process --trace
 
 Each check runs in a process of its own: a crash and a hang are results. The last line is
-"sound: ..." (exit code 0), "not sound: ..." (1) or "cannot be loaded: ..." (4).)");
+"sound: ..." (exit code 0), "not sound: ..." (1) or "cannot be loaded: ..." (4). Where the report of
+--junit cannot be written at the end, the verdict is said all the same, and the exit code is 5.)");
   command->callback([options, &chosen] {
     chosen = [options](const Console& console) { Check(*options, console); };
   });

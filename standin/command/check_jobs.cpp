@@ -1,25 +1,23 @@
 #include "standin/command/check_jobs.h"
 
 #include <algorithm>
+#include <atomic>
 #include <chrono>
-#include <condition_variable>
 #include <cstddef>
 #include <exception>
-#include <iomanip>
 #include <mutex>
+#include <new>
 #include <optional>
-#include <ostream>
-#include <sstream>
 #include <string>
-#include <thread>
+#include <utility>
 
 #include <nlohmann/json.hpp>
 
 #include "check/support/plugin_under_check.h"
-#include "standin/command/command.h"
 #include "standin/command/interrupt.h"
-#include "standin/command/process.h"
-#include "standin/command/system.h"
+#include "standin/command/messages.h"
+#include "standin/command/threads.h"
+#include "standin/command/worker.h"
 #include "standin/host.h"
 #include "standin/plugin_library.h"
 
@@ -27,13 +25,7 @@ namespace standin {
 namespace {
 
 using Clock = std::chrono::steady_clock;
-using Seconds = std::chrono::duration<double>;
 using json = nlohmann::ordered_json;
-
-/// Lines that begin so are ours; a plug-in may print what it likes.
-constexpr const char* kResultMark = "tarvo-check-result ";
-constexpr const char* kNotLoadedMark = "tarvo-check-not-loaded ";
-constexpr const char* kLoadedMark = "tarvo-check-loaded";
 
 /// A name that no check has: the plug-in is loaded and that is all.
 constexpr const char* kNoCheck = "-";
@@ -42,113 +34,109 @@ std::string InOneLine(const json& value) {
   return value.dump(-1, ' ', false, json::error_handler_t::replace);  // messages may hold any bytes
 }
 
-/// The rest of the line that begins with `mark`.
-std::optional<std::string> LineAfter(const std::string& mark, const std::string& output) {
-  std::istringstream lines(output);
-  for (std::string line; std::getline(lines, line);) {
-    if (line.starts_with(mark)) {
-      return line.substr(mark.size());
-    }
-  }
-  return std::nullopt;
-}
-
-/// Ends a process when its time is up, or the user wants no more of it.
-class Patience {
- public:
-  Patience(Process& process, double seconds, const Interrupt& interrupt)
-      : end_(Clock::now() + std::chrono::duration_cast<Clock::duration>(Seconds(seconds))),
-        thread_([this, &process, &interrupt] { Watch(process, interrupt); }) {}
-  Patience(const Patience&) = delete;
-  Patience& operator=(const Patience&) = delete;
-  ~Patience() {
-    {
-      const std::scoped_lock lock(mutex_);
-      isOver_ = true;
-    }
-    over_.notify_one();
-    thread_.join();
-  }
-
-  [[nodiscard]] bool HadAnEnd() const {
-    const std::scoped_lock lock(mutex_);
-    return hadAnEnd_;
-  }
-
- private:
-  void Watch(Process& process, const Interrupt& interrupt) {
-    constexpr std::chrono::milliseconds kLook(50);
-    std::unique_lock lock(mutex_);
-    while (!over_.wait_for(lock, kLook, [this] { return isOver_; })) {
-      if (Clock::now() >= end_ || interrupt.Came()) {
-        hadAnEnd_ = true;
-        process.Kill();
-        return;
-      }
-    }
-  }
-
-  Clock::time_point end_;
-  mutable std::mutex mutex_;
-  std::condition_variable over_;
-  bool isOver_ = false;
-  bool hadAnEnd_ = false;
-  std::thread thread_;  // last: it uses the others
-};
-
 /// What a process that ran a check left.
-struct Remains {
-  std::string output;
-  int code = 0;
-  bool timedOut = false;
+struct JobOutcome {
+  bool isLoaded = false;
+  std::optional<std::string> notLoaded;  ///< why the plug-in cannot be loaded
+  std::optional<check::Result> result;
+  WorkerEnd end;
   double seconds = 0;
 };
 
-Remains RunJob(const CheckOptions& options, const std::string& check, const Interrupt& interrupt) {
-  std::vector<std::string> words = ReportingCommandLine(options, check);
-  words.insert(words.begin(), ThisProgram().string());
-  const Clock::time_point start = Clock::now();
-  Process process(words, Process::Pipe::kFromOutput);
-  Remains remains;
-  {
-    const Patience patience(process, options.timeLimit, interrupt);
-    remains.output = process.ReadAll();
-    remains.timedOut = patience.HadAnEnd();
+/// Throws MessageError for a result that is not that of the check.
+check::Result ResultOfMessage(const Message& message, const std::string& check) {
+  try {
+    check::Result result = check::ResultFrom(json::parse(message.bytes));
+    if (result.name == check) {
+      return result;
+    }
+  } catch (const std::bad_alloc&) {
+    throw;
+  } catch (const std::exception& error) {
+    throw MessageError(std::string("a result that cannot be read: ") + error.what());
   }
-  remains.code = process.Wait();
-  remains.seconds = Seconds(Clock::now() - start).count();
-  return remains;
+  throw MessageError("the result of another check");
 }
 
-std::string TimeUp(double limit) {
-  std::ostringstream text;
-  text << "it did not end within " << limit << " s";
-  return text.str();
+void TakeIn(const Message& message, const std::string& check, JobOutcome& outcome) {
+  switch (message.kind) {
+    case MessageKind::kLoaded:
+      outcome.isLoaded = true;
+      return;
+    case MessageKind::kNotLoaded:
+      outcome.notLoaded = message.bytes;
+      return;
+    case MessageKind::kResult:
+      outcome.result = ResultOfMessage(message, check);
+      return;
+    default:
+      throw MessageError("a message of another kind than expected");
+  }
+}
+
+/// Ends the worker at once when `isUnwanted`.
+JobOutcome RunJob(const CheckOptions& options, const std::string& check, const Console& console,
+                  const std::function<bool()>& isUnwanted) {
+  const Clock::time_point start = Clock::now();
+  Worker worker(ReportingCommandLine(options, check), check,
+                {.seconds = options.timeLimit, .of = TimeLimit::Of::kProcess}, console);
+  JobOutcome outcome;
+  while (!worker.IsOver()) {
+    Worker::AwaitAny({&worker});
+    worker.Pump();
+    if (isUnwanted()) {
+      worker.Stop();
+    }
+    if (worker.HasMessage()) {
+      try {
+        TakeIn(worker.Take(), check, outcome);
+      } catch (const MessageError& error) {
+        worker.Refuse(error.what());
+      }
+    }
+  }
+  outcome.end = worker.End();
+  outcome.seconds = std::chrono::duration<double>(Clock::now() - start).count();
+  return outcome;
+}
+
+std::string TimeUp(double limit) { return "it did not end within " + SecondsText(limit); }
+
+/// How the process of a check ended, if not well: "signal 11 (Segmentation fault)".
+std::string BadEnd(const WorkerEnd& end) {
+  if (!end.damage.empty()) {
+    return "damaged messages (" + end.damage + ")";
+  }
+  return Process::EndText(end.code);
 }
 
 check::Result ResultOf(const CheckOptions& options, const check::Check& check,
-                       const Remains& remains) {
+                       const JobOutcome& outcome) {
   check::Result result{.name = check.name,
                        .promise = check.promise,
                        .verdict = check::Verdict::kCrashed,
-                       .seconds = remains.seconds,
+                       .seconds = outcome.seconds,
                        .messages = {},
                        .figures = {}};
-  if (remains.timedOut) {
+  const std::string where = outcome.end.place + "; " + outcome.end.hostCall;
+  if (outcome.end.timedOut) {
     result.verdict = check::Verdict::kTimedOut;
-    result.messages = {TimeUp(options.timeLimit)};
+    result.messages = {TimeUp(options.timeLimit) + ", " + where};
     return result;
   }
-  const std::optional<std::string> told = LineAfter(kResultMark, remains.output);
-  if (told) {
-    result = check::ResultFrom(json::parse(*told));
+  if (outcome.result) {
+    result = *outcome.result;
   }
-  const std::string end = Process::EndText(remains.code);
+  const std::string end = BadEnd(outcome.end);
   if (!end.empty()) {
     result.verdict = check::Verdict::kCrashed;
-    result.messages.push_back("its process ended with " + end + (told ? " after the check" : ""));
-  } else if (!told) {
-    result.messages.emplace_back("its process ended without a result");
+    result.messages.push_back("its process ended with " + end +
+                              (outcome.result ? " after the check" : "") + ", " + where);
+  } else if (!outcome.result) {
+    result.messages.push_back("its process ended without a result, " + where);
+  } else if (!outcome.end.told) {
+    result.verdict = check::Verdict::kCrashed;
+    result.messages.push_back("its process ended too early after the check, " + where);
   }
   return result;
 }
@@ -156,19 +144,22 @@ check::Result ResultOf(const CheckOptions& options, const check::Check& check,
 /// Threads that each run one check after the other.
 class Jobs {
  public:
-  Jobs(const CheckOptions& options, const std::vector<check::Check>& checks, const TakeResult& take)
-      : options_(options), checks_(checks), take_(take) {}
+  Jobs(const CheckOptions& options, const std::vector<check::Check>& checks, const Console& console,
+       const TakeResult& take)
+      : options_(options), checks_(checks), console_(console), take_(take) {}
 
   void Run() {
-    std::vector<std::thread> threads;
+    Threads threads;
     const std::size_t count =
         std::min(static_cast<std::size_t>(options_.jobs), std::max<std::size_t>(checks_.size(), 1));
-    for (std::size_t i = 0; i < count; ++i) {
-      threads.emplace_back([this] { Work(); });
+    try {
+      for (std::size_t i = 0; i < count; ++i) {
+        threads.Start([this] { Work(); });
+      }
+    } catch (...) {
+      Fail(std::current_exception());
     }
-    for (std::thread& thread : threads) {
-      thread.join();
-    }
+    threads.Join();
     if (error_) {
       std::rethrow_exception(error_);
     }
@@ -180,72 +171,83 @@ class Jobs {
  private:
   const check::Check* Next() {
     const std::scoped_lock lock(mutex_);
-    const bool isOver = error_ || interrupt_.Came() || next_ == checks_.size();
-    return isOver ? nullptr : &checks_[next_++];
+    return IsUnwanted() || next_ == checks_.size() ? nullptr : &checks_[next_++];
   }
+
+  [[nodiscard]] bool IsUnwanted() const { return hasFailed_ || interrupt_.Came(); }
 
   void Work() {
     try {
       while (const check::Check* check = Next()) {
-        const Remains remains = RunJob(options_, check->name, interrupt_);
+        const JobOutcome outcome =
+            RunJob(options_, check->name, console_, [this] { return IsUnwanted(); });
         const std::scoped_lock lock(mutex_);
-        if (!interrupt_.Came()) {
-          take_(ResultOf(options_, *check, remains));
+        if (!IsUnwanted()) {
+          take_(ResultOf(options_, *check, outcome));
         }
       }
     } catch (...) {
-      const std::scoped_lock lock(mutex_);
-      error_ = std::current_exception();
+      Fail(std::current_exception());
+    }
+  }
+
+  void Fail(std::exception_ptr error) {
+    const std::scoped_lock lock(mutex_);
+    if (!hasFailed_.exchange(true)) {
+      error_ = std::move(error);
     }
   }
 
   const CheckOptions& options_;
   const std::vector<check::Check>& checks_;
+  const Console& console_;
   const TakeResult& take_;
   const Interrupt interrupt_;
   std::mutex mutex_;
   std::size_t next_ = 0;
+  std::atomic<bool> hasFailed_ = false;
   std::exception_ptr error_;
 };
 
 }  // namespace
 
-void ExpectLoadable(const CheckOptions& options) {
+void ExpectLoadable(const CheckOptions& options, const Console& console) {
   const Interrupt interrupt;
-  const Remains remains = RunJob(options, kNoCheck, interrupt);
+  const JobOutcome outcome =
+      RunJob(options, kNoCheck, console, [&interrupt] { return interrupt.Came(); });
   if (interrupt.Came()) {
     throw Unfinished(kInterrupted, {"interrupted"});
   }
-  if (remains.timedOut) {
+  if (outcome.end.timedOut) {
     throw PluginLoadError(TimeUp(options.timeLimit));
   }
-  if (const auto why = LineAfter(kNotLoadedMark, remains.output)) {
-    throw PluginLoadError(json::parse(*why).get<std::string>());
+  if (outcome.notLoaded) {
+    throw PluginLoadError(*outcome.notLoaded);
   }
-  if (remains.code != kMade || !LineAfter(kLoadedMark, remains.output)) {
+  if (!outcome.isLoaded || !outcome.end.IsGood()) {
+    const std::string end = BadEnd(outcome.end);
     throw PluginLoadError("the process that loaded it ended with " +
-                          Process::EndText(remains.code));
+                          (end.empty() ? "exit code 0 too early" : end));
   }
 }
 
 void RunInJobs(const CheckOptions& options, const std::vector<check::Check>& checks,
-               const TakeResult& take) {
-  Jobs(options, checks, take).Run();
+               const Console& console, const TakeResult& take) {
+  Jobs(options, checks, console, take).Run();
 }
 
 void Report(const CheckOptions& options, const std::vector<check::Check>& checks,
-            std::ostream& out) {
-  EndAtOnceOnCrash();
+            MessageWriter& channel) {
   try {
     check::UsePlugin(options.plugin);
     const Host host(check::PluginUnderCheck());  // and this machine can play the host
   } catch (const std::exception& error) {
-    out << '\n' << kNotLoadedMark << InOneLine(error.what()) << std::endl;
+    channel.Send(MessageKind::kNotLoaded, error.what());
     return;
   }
-  out << '\n' << kLoadedMark << std::endl;
+  channel.Send(MessageKind::kLoaded, "");
   check::RunHere(checks, [&](const check::Result& result) {
-    out << '\n' << kResultMark << InOneLine(check::ToJson(result)) << std::endl;
+    channel.Send(MessageKind::kResult, InOneLine(check::ToJson(result)));
   });
 }
 

@@ -3,32 +3,32 @@
 #include <algorithm>
 #include <thread>
 
+#include "standin/command/scene_options.h"
+
 namespace standin {
 namespace {
 
 constexpr int kMostAtOnce = 256;
-constexpr double kLongestTimeLimit = 86'400;
 constexpr unsigned kHighestSeed = 4'294'967'295U;
 
 }  // namespace
 
 void AddCheckOptions(CLI::App& command, CheckOptions& options) {
   options.jobs = std::clamp(static_cast<int>(std::thread::hardware_concurrency()), 1, kMostAtOnce);
-  command
-      .add_option("plugin,--plugin", options.plugin,
-                  "The build to be checked; the one beside this program otherwise")
+  NotEmpty(command.add_option("plugin,--plugin", options.plugin,
+                              "The build to be checked; the one beside this program otherwise"))
       ->type_name("FILE");
   command
-      .add_option("--only", options.only,
-                  "Checks whose name fits, with * for any letters; can be given several times")
+      .add_option(
+          "--only", options.only,
+          "Checks whose name fits, with * for any text and ? for one character; can be given "
+          "several times")
       ->type_name("PATTERN")
       ->allow_extra_args(false);
   command.add_option("--jobs", options.jobs, "Checks that run at once; as many as there are cores")
       ->type_name("N")
       ->check(CLI::Range(1, kMostAtOnce));
-  command.add_option("--time-limit", options.timeLimit, "What one check may take; 120 otherwise")
-      ->type_name("SECONDS")
-      ->check(CLI::Range(0.01, kLongestTimeLimit));
+  AddTimeLimit(command, options.timeLimit, "What one check may take; 120 otherwise");
   command
       .add_option("--seed", options.seed,
                   "Draws by this lot: the order of the checks, and whatever they leave to chance")
@@ -42,14 +42,13 @@ void AddCheckOptions(CLI::App& command, CheckOptions& options) {
   command.add_flag("--trace", options.trace,
                    "Write every command and host operation to standard error");
   command.add_flag("--json", options.json, "As JSON; docs/checking.md describes its form");
-  command.add_option("--junit", options.junit, "Also write the results as JUnit's XML")
+  NotEmpty(command.add_option("--junit", options.junit, "Also write the results as JUnit's XML"))
       ->type_name("FILE");
-  command.add_flag("--report", options.report)->group("");
 }
 
 std::vector<std::string> ReportingCommandLine(const CheckOptions& options,
                                               const std::string& check) {
-  std::vector<std::string> words = {"check", options.plugin, "--in-process", "--report"};
+  std::vector<std::string> words = {"check", "--plugin", options.plugin, "--in-process"};
   words.insert(words.end(), {"--only", check});
   if (options.seed) {
     words.insert(words.end(), {"--seed", std::to_string(*options.seed)});

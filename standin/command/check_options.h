@@ -21,9 +21,6 @@ struct CheckOptions {
   bool trace = false;
   bool json = false;
   std::string junit;
-  /// One line of JSON for each result: how a process that runs a check tells the one that started
-  /// it.
-  bool report = false;
 };
 
 /// Adds them to a command. REQUIRES: `options` outlives the parsing.

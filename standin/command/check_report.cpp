@@ -7,6 +7,8 @@
 
 #include <nlohmann/json.hpp>
 
+#include "standin/escaped_text.h"
+
 namespace standin {
 namespace {
 
@@ -46,30 +48,6 @@ std::string TextOf(const Result& result) {
   return text.str();
 }
 
-std::string Escaped(const std::string& text) {
-  std::string escaped;
-  for (const char letter : text) {
-    const bool isControl = static_cast<unsigned char>(letter) < ' ' && letter != '\n';
-    switch (letter) {
-      case '&':
-        escaped += "&amp;";
-        break;
-      case '<':
-        escaped += "&lt;";
-        break;
-      case '>':
-        escaped += "&gt;";
-        break;
-      case '"':
-        escaped += "&quot;";
-        break;
-      default:
-        escaped += isControl ? '?' : letter;
-    }
-  }
-  return escaped;
-}
-
 std::string Joined(const std::vector<std::string>& lines) {
   std::string text;
   for (const std::string& line : lines) {
@@ -95,18 +73,18 @@ std::string ElementOf(check::Verdict verdict) {
 std::string TestCase(const Result& result) {
   const std::size_t dot = result.name.find('.');
   std::ostringstream text;
-  text << "  <testcase classname=\"" << Escaped(result.name.substr(0, dot)) << "\" name=\""
-       << Escaped(result.name.substr(dot + 1)) << "\" time=\"" << result.seconds << "\">";
+  text << "  <testcase classname=\"" << ForXml(result.name.substr(0, dot)) << "\" name=\""
+       << ForXml(result.name.substr(dot + 1)) << "\" time=\"" << result.seconds << "\">";
   if (!result.figures.empty()) {
     text << "<properties>";
     for (const auto& [what, figure] : result.figures) {
-      text << "<property name=\"" << Escaped(what) << "\" value=\"" << Escaped(figure) << "\"/>";
+      text << "<property name=\"" << ForXml(what) << "\" value=\"" << ForXml(figure) << "\"/>";
     }
     text << "</properties>";
   }
   if (const std::string element = ElementOf(result.verdict); !element.empty()) {
-    text << "<" << element << " message=\"" << Escaped(Name(result.verdict)) << "\">"
-         << Escaped(Joined(result.messages)) << "</" << element << ">";
+    text << "<" << element << " message=\"" << ForXml(Name(result.verdict)) << "\">"
+         << ForXml(Joined(result.messages)) << "</" << element << ">";
   }
   text << "</testcase>\n";
   return text.str();
@@ -117,7 +95,7 @@ std::string TestCase(const Result& result) {
 void CheckReport::Take(const Result& result) {
   results_.push_back(result);
   if (!json_) {
-    console_.out << TextOf(result) << std::flush;
+    console_.out << LinesForTerminal(TextOf(result)) << std::flush;
   }
 }
 
@@ -168,9 +146,13 @@ int CheckReport::End() const {
     console_.out << Json();
   }
   const bool isLoaded = notLoaded_.empty();
-  (json_ || !isLoaded ? console_.err : console_.out) << Verdict() << std::endl;
+  if (json_ || !isLoaded) {
+    console_.err << LinesForTerminal(Verdict()) << std::endl;
+  } else {
+    Tell(console_, LinesForTerminal(Verdict()) + "\n");
+  }
   if (!isLoaded) {
-    return kNotLoaded;
+    return kCannotRun;
   }
   return IsSound() ? kMade : kNotSound;
 }
@@ -188,7 +170,7 @@ std::string CheckReport::JUnit() const {
                      counted("skipped", Count(check::Verdict::kSkipped)) + ">\n";
   if (notLoaded != 0) {
     text += R"(  <testcase classname="Build" name="CanBeLoaded"><error message=")" +
-            Escaped(notLoaded_) + "\"/></testcase>\n";
+            ForXml(notLoaded_) + "\"/></testcase>\n";
   }
   for (const Result& result : results_) {
     text += TestCase(result);

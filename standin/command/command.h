@@ -13,14 +13,17 @@ class App;
 
 namespace standin {
 
+class MessageWriter;
+
 /// What the program ends with.
 enum ExitCode : int {
   kMade = 0,
   kDifferent = 1,    ///< two pictures are not the same
   kNotSound = 1,     ///< a build of the plug-in broke a promise
   kWrongInput = 2,   ///< a file, a scene or an option is wrong
-  kPluginFault = 3,  ///< the plug-in returned an error or broke a rule
-  kNotLoaded = 4,    ///< the library cannot be loaded, or this machine cannot run it
+  kPluginFault = 3,  ///< the plug-in returned an error, broke a rule, crashed or hung
+  kCannotRun = 4,    ///< the library cannot be loaded, or this machine cannot run it
+  kOutputLost = 4,   ///< standard output cannot be written
   kIncomplete = 5,   ///< a part of what was asked for is missing at the end
   kInterrupted = 130,
 };
@@ -45,7 +48,15 @@ class Unfinished : public std::runtime_error {
 struct Console {
   std::ostream& out;
   std::ostream& err;
+  /// In a worker (worker.h): the way to the process that started it; null otherwise.
+  MessageWriter* channel = nullptr;
+  /// The command line, less the program's name.
+  std::vector<std::string> words = {};
 };
+
+/// Writes what was made or found to `out`, or to `err` where `out` cannot be written: it stays
+/// told.
+void Tell(const Console& console, const std::string& text);
 
 /// What a command does once its options are read. Throws InputError, PluginError, PluginLoadError
 /// or Unfinished, having left no file that is not whole.

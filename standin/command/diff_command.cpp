@@ -8,6 +8,7 @@
 
 #include "standin/command/command.h"
 #include "standin/command/finish.h"
+#include "standin/command/output_guard.h"
 #include "standin/command/scene_options.h"
 #include "standin/compare.h"
 #include "standin/image_file.h"
@@ -24,6 +25,7 @@ struct DiffOptions {
   std::string other;
   std::string output;
   int tolerance = 0;
+  Sync sync = Sync::kYes;
 };
 
 Picture Read(const std::string& file, OptionFaults& faults) {
@@ -71,14 +73,17 @@ void Diff(const DiffOptions& options, const Console& console) {
   const Picture one = Read(options.one, faults);
   const Picture other = Read(options.other, faults);
   faults.ThrowIfAny();
-  ExpectApart({options.output}, {FilePath(options.one).Get(), FilePath(options.other).Get()});
+  if (!options.output.empty()) {
+    ExpectApart("--output", {options.output},
+                {FilePath(options.one).Get(), FilePath(options.other).Get()});
+  }
   const auto comparison = CompareIfSameSize(one, other, options.tolerance);
   if (!options.output.empty()) {
-    WritePicture(options.output, SideBySide(one, other, options.tolerance));
+    WritePicture(options.output, SideBySide(one, other, options.tolerance), options.sync);
   }
-  console.out << options.one << ": " << SizeText(one) << '\n'
-              << options.other << ": " << SizeText(other) << '\n'
-              << (comparison ? Finding(*comparison, options.tolerance) : "different sizes\n");
+  Tell(console, options.one + ": " + SizeText(one) + '\n' + options.other + ": " + SizeText(other) +
+                    '\n' +
+                    (comparison ? Finding(*comparison, options.tolerance) : "different sizes\n"));
   if (!comparison || comparison->beyond > 0) {
     throw Unfinished(kDifferent, {});
   }
@@ -89,16 +94,18 @@ void Diff(const DiffOptions& options, const Console& console) {
 void AddDiff(CLI::App& program, Work& chosen) {
   const auto options = std::make_shared<DiffOptions>();
   CLI::App* command = program.add_subcommand("diff", "Compare two pictures");
-  command->add_option("a", options->one, "A picture")->required()->type_name("A.png");
-  command->add_option("b", options->other, "Another picture")->required()->type_name("B.png");
-  command
-      ->add_option("-o,--output", options->output,
-                   "A picture to make: A, B, and their difference, side by side")
+  NotEmpty(command->add_option("a", options->one, "A picture"))->required()->type_name("A.png");
+  NotEmpty(command->add_option("b", options->other, "Another picture"))
+      ->required()
+      ->type_name("B.png");
+  NotEmpty(command->add_option("-o,--output", options->output,
+                               "A picture to make: A, B, and their difference, side by side"))
       ->type_name("DIFF.png");
   command
       ->add_option("--tolerance", options->tolerance,
                    "Steps of 255, in any channel, that count as the same")
       ->type_name("N");
+  AddSyncOption(*command, options->sync);
   command->footer(R"(Colours count as they are seen, multiplied by their alpha.
 Exit codes: 0 the same, 1 different, 2 wrong input.
 

@@ -9,6 +9,7 @@
 #include <CLI/CLI.hpp>
 
 #include "standin/command/command.h"
+#include "standin/command/guarded.h"
 #include "standin/command/scene_options.h"
 #include "standin/explanation.h"
 #include "standin/performance.h"
@@ -83,7 +84,9 @@ void AddExplain(CLI::App& program, Work& chosen) {
   tarvo explain examples/wave/wave.json --exact --at 650,330
   tarvo explain examples/wave/wave.json --frame 40 --json)");
   command->callback([options, &chosen] {
-    chosen = [options](const Console& console) { Explain(*options, console); };
+    chosen = [options](const Console& console) {
+      RunGuarded(options->scene, console, [&] { Explain(*options, console); });
+    };
   });
 }
 

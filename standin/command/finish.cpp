@@ -85,9 +85,9 @@ Picture CropToLayer(const Picture& picture, int width, int height) {
   return cropped;
 }
 
-void WritePicture(const std::string& file, const Picture& picture) {
+void WritePicture(const std::string& file, const Picture& picture, Sync sync) {
   try {
-    WritePng(file, picture);
+    WritePng(file, picture, sync);
   } catch (const FileError& error) {
     throw InputError({file + ": " + error.what()});
   }

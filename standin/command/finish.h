@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 
+#include "standin/file_system.h"
 #include "standin/picture.h"
 
 namespace standin {
@@ -20,8 +21,8 @@ inline constexpr const char* kBackgroundWords =
 /// `height` from the layer's corner; transparent where the picture does not reach.
 Picture CropToLayer(const Picture& picture, int width, int height);
 
-/// Writes a PNG file, whole or not at all. Throws InputError, which names the file, when it cannot.
-void WritePicture(const std::string& file, const Picture& picture);
+/// Writes a PNG file as WritePng does. Throws InputError, which names the file, when it cannot.
+void WritePicture(const std::string& file, const Picture& picture, Sync sync);
 
 /// The picture as it looks over a background: opaque everywhere.
 Picture Over(const Picture& picture, const Background& background);

@@ -7,6 +7,7 @@
 #include <CLI/CLI.hpp>
 
 #include "standin/command/command.h"
+#include "standin/command/guarded.h"
 #include "standin/command/scene_options.h"
 #include "standin/flips.h"
 #include "standin/performance.h"
@@ -52,7 +53,9 @@ void AddFlips(CLI::App& program, Work& chosen) {
   command->footer(R"(Example:
   tarvo flips examples/wave/wave.json)");
   command->callback([options, &chosen] {
-    chosen = [options](const Console& console) { FindFlips(*options, console); };
+    chosen = [options](const Console& console) {
+      RunGuarded(options->scene, console, [&] { FindFlips(*options, console); });
+    };
   });
 }
 

@@ -1,7 +1,7 @@
 #include "standin/command/frame_list.h"
 
 #include <cstddef>
-#include <set>
+#include <utility>
 
 #include "standin/command/scene_options.h"
 
@@ -53,7 +53,7 @@ std::size_t LengthOfRange(const std::vector<int>& frames, std::size_t start) {
 
 std::optional<std::vector<int>> ReadFrameList(std::string_view text, int count) {
   std::vector<int> frames;
-  std::set<int> listed;
+  std::vector<char> isListed(static_cast<std::size_t>(count));
   do {
     const bool isLast = text.find(',') == std::string_view::npos;
     const auto range = ReadRange(TakeUpTo(',', text), count);
@@ -61,7 +61,7 @@ std::optional<std::vector<int>> ReadFrameList(std::string_view text, int count) 
       return std::nullopt;
     }
     for (long long frame = range->first; frame <= range->last; frame += range->step) {
-      if (listed.insert(static_cast<int>(frame)).second) {
+      if (std::exchange(isListed[static_cast<std::size_t>(frame)], 1) == 0) {
         frames.push_back(static_cast<int>(frame));
       }
     }

@@ -6,11 +6,11 @@
 #include <ostream>
 #include <string_view>
 
+#include "standin/command/command.h"
 #include "standin/command/finish.h"
 #include "standin/command/movie.h"
 #include "standin/command/system.h"
 #include "standin/image_file.h"
-#include "standin/scene_faults.h"
 
 namespace standin {
 namespace {
@@ -59,7 +59,7 @@ std::string FrameFile(const std::string& pattern, int frame) {
 }
 
 void FrameFiles::Take(int frame, const Picture& picture) {
-  WritePicture(FrameFile(pattern_, frame), picture);
+  WritePicture(FrameFile(pattern_, frame), picture, sync_);
 }
 
 FrameStream::FrameStream(std::ostream& stream, bool isRaw) : stream_(stream), isRaw_(isRaw) {
@@ -74,7 +74,7 @@ void FrameStream::Take(int /*frame*/, const Picture& picture) {
     stream_ << EncodePng(picture);
   }
   if (!stream_.flush()) {
-    throw InputError({"standard output cannot be written"});
+    throw Unfinished(kOutputLost, {});  // the reason is said at the end of every command
   }
 }
 

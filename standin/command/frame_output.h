@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "standin/file_system.h"
 #include "standin/picture.h"
 
 namespace standin {
@@ -29,20 +30,23 @@ class FrameOutput {
   FrameOutput& operator=(const FrameOutput&) = delete;
   virtual ~FrameOutput() = default;
 
-  /// Throws InputError when it cannot be written.
+  /// Throws InputError when it cannot be written, and Unfinished where that is standard output.
   virtual void Take(int frame, const Picture& picture) = 0;
   /// All pictures are there. What needs them all is made now or never.
   virtual void Commit() {}
+  /// Makes a Take of another thread that blocks come to an end: it may throw.
+  virtual void Abort() {}
 };
 
-/// PNG files, each whole or not at all. Takes pictures in any order and from several threads.
+/// PNG files, written as WritePng does. Takes pictures in any order and from several threads.
 class FrameFiles : public FrameOutput {
  public:
-  explicit FrameFiles(std::string pattern) : pattern_(std::move(pattern)) {}
+  FrameFiles(std::string pattern, Sync sync) : pattern_(std::move(pattern)), sync_(sync) {}
   void Take(int frame, const Picture& picture) override;
 
  private:
   std::string pattern_;
+  Sync sync_;
 };
 
 /// PNG files one after the other, or raw pixels without any header: red, green, blue and straight

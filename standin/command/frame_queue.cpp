@@ -1,29 +1,39 @@
 #include "standin/command/frame_queue.h"
 
+#include <chrono>
 #include <utility>
 
 namespace standin {
 
-FrameQueue::FrameQueue(std::size_t threads, Consume consume)
-    : consume_(std::move(consume)), room_(threads) {
-  for (std::size_t i = 0; i < threads; ++i) {
-    threads_.emplace_back([this] { Work(); });
+FrameQueue::FrameQueue(std::size_t threads, const Interrupt& interrupt, Consume consume,
+                       Abort abort)
+    : interrupt_(interrupt),
+      consume_(std::move(consume)),
+      abort_(std::move(abort)),
+      room_(threads) {
+  try {
+    for (std::size_t i = 0; i < threads; ++i) {
+      threads_.Start([this] { Work(); });
+    }
+  } catch (...) {
+    End();
+    throw;
   }
 }
 
 FrameQueue::~FrameQueue() {
   {
     const std::lock_guard lock(mutex_);
-    waiting_.clear();
+    pending_.clear();
   }
   End();
 }
 
 void FrameQueue::Put(int frame, Picture picture) {
   std::unique_lock lock(mutex_);
-  changed_.wait(lock, [this] { return waiting_.size() < room_ || failure_; });
+  Await(lock, [this] { return pending_.size() < room_ || failure_; });
   ThrowFailure();
-  waiting_.push_back({frame, std::move(picture)});
+  pending_.push_back({frame, std::move(picture)});
   changed_.notify_all();
 }
 
@@ -34,13 +44,20 @@ void FrameQueue::Finish() {
 
 void FrameQueue::End() {
   {
-    const std::lock_guard lock(mutex_);
+    std::unique_lock lock(mutex_);
     isEnding_ = true;
+    changed_.notify_all();
+    Await(lock, [this] { return consuming_ == 0 && (pending_.empty() || failure_); });
   }
-  changed_.notify_all();
-  for (std::thread& thread : threads_) {
-    if (thread.joinable()) {
-      thread.join();
+  threads_.Join();
+}
+
+/// A signal's handler cannot notify: the interrupt is looked at again and again.
+void FrameQueue::Await(std::unique_lock<std::mutex>& lock, const std::function<bool()>& condition) {
+  constexpr std::chrono::milliseconds kLook(50);
+  while (!changed_.wait_for(lock, kLook, condition)) {
+    if (interrupt_.Came() && !std::exchange(isAborted_, true)) {
+      abort_();
     }
   }
 }
@@ -54,25 +71,31 @@ void FrameQueue::ThrowFailure() {
 void FrameQueue::Work() {
   std::unique_lock lock(mutex_);
   while (true) {
-    changed_.wait(lock, [this] { return !waiting_.empty() || isEnding_; });
-    if (waiting_.empty() || failure_) {
+    changed_.wait(lock, [this] { return !pending_.empty() || isEnding_; });
+    if (pending_.empty() || failure_) {
       return;
     }
-    Item item = std::move(waiting_.front());
-    waiting_.pop_front();
-    lock.unlock();
+    Item item = std::move(pending_.front());
+    pending_.pop_front();
+    Consumed(std::move(item), lock);
     changed_.notify_all();
-    std::exception_ptr failure;
-    try {
-      consume_(item.frame, std::move(item.picture));
-    } catch (...) {
-      failure = std::current_exception();
-    }
-    lock.lock();
-    if (failure) {
-      failure_ = failure;
-      changed_.notify_all();
-    }
+  }
+}
+
+void FrameQueue::Consumed(Item item, std::unique_lock<std::mutex>& lock) {
+  ++consuming_;
+  lock.unlock();
+  changed_.notify_all();
+  std::exception_ptr failure;
+  try {
+    consume_(item.frame, std::move(item.picture));
+  } catch (...) {
+    failure = std::current_exception();
+  }
+  lock.lock();
+  --consuming_;
+  if (failure) {
+    failure_ = failure;
   }
 }
 

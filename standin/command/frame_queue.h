@@ -6,9 +6,9 @@
 #include <exception>
 #include <functional>
 #include <mutex>
-#include <thread>
-#include <vector>
 
+#include "standin/command/interrupt.h"
+#include "standin/command/threads.h"
 #include "standin/picture.h"
 
 namespace standin {
@@ -18,18 +18,21 @@ namespace standin {
 class FrameQueue {
  public:
   using Consume = std::function<void(int frame, Picture picture)>;
+  using Abort = std::function<void()>;
 
+  /// `abort` makes a `consume` that may block return or throw; it is called once when the interrupt
+  /// comes while this queue blocks. Throws std::runtime_error when there are no threads left.
   /// REQUIRES: at least one thread; `consume` can be called by all of them at a time.
-  FrameQueue(std::size_t threads, Consume consume);
+  FrameQueue(std::size_t threads, const Interrupt& interrupt, Consume consume, Abort abort);
   FrameQueue(const FrameQueue&) = delete;
   FrameQueue& operator=(const FrameQueue&) = delete;
-  /// Drops what is still waiting.
+  /// Drops what is still pending.
   ~FrameQueue();
 
-  /// Hands a picture over; waits while as many are waiting as there are threads, so that pictures
+  /// Hands a picture over; blocks while as many are pending as there are threads, so that pictures
   /// do not pile up. Throws what `consume` threw for an earlier one.
   void Put(int frame, Picture picture);
-  /// Waits until everything is done. Throws what `consume` threw.
+  /// Returns once everything is done. Throws what `consume` threw.
   void Finish();
 
  private:
@@ -39,17 +42,23 @@ class FrameQueue {
   };
 
   void Work();
+  void Consumed(Item item, std::unique_lock<std::mutex>& lock);
   void End();
+  void Await(std::unique_lock<std::mutex>& lock, const std::function<bool()>& condition);
   void ThrowFailure();
 
+  const Interrupt& interrupt_;
   Consume consume_;
+  Abort abort_;
   std::mutex mutex_;
   std::condition_variable changed_;
-  std::deque<Item> waiting_;
+  std::deque<Item> pending_;
+  std::size_t consuming_ = 0;  ///< threads that are in `consume`
   bool isEnding_ = false;
+  bool isAborted_ = false;
   std::exception_ptr failure_;
   std::size_t room_;
-  std::vector<std::thread> threads_;
+  Threads threads_;  // last: they use the others
 };
 
 }  // namespace standin

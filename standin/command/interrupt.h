@@ -2,8 +2,8 @@
 
 namespace standin {
 
-/// While it lives, Ctrl-C, a request to terminate and a closed terminal are taken note of instead
-/// of ending the program. A second one ends it as ever. One at a time.
+/// While one exists, Ctrl-C, a request to terminate and a closed terminal are noted instead of
+/// ending the program. A second one ends it. They can be nested: an inner one changes nothing.
 class Interrupt {
  public:
   Interrupt();
@@ -11,14 +11,13 @@ class Interrupt {
   Interrupt& operator=(const Interrupt&) = delete;
   ~Interrupt();
 
-  [[nodiscard]] bool Came() const;
-
- private:
-  using Handler = void (*)(int);
-
-  Handler onInterrupt_;
-  Handler onTerminate_;
-  [[maybe_unused]] Handler onHangUp_ = nullptr;  ///< where the system knows of it
+  [[nodiscard]] bool Came() const { return Pending(); }
+  /// The same, for code that has none at hand; false while none exists.
+  [[nodiscard]] static bool Pending();
 };
+
+/// From now on an interrupt that is not noted removes the temporary files (temporary_files.h)
+/// before it ends the program. Signals that the caller of this program ignores remain ignored.
+void RemoveTemporaryFilesOnInterrupt();
 
 }  // namespace standin

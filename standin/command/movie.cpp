@@ -4,10 +4,14 @@
 #include <array>
 #include <cctype>
 #include <filesystem>
+#include <optional>
+#include <sstream>
 #include <stdexcept>
+#include <string_view>
 #include <utility>
 #include <vector>
 
+#include "standin/command/scene_options.h"
 #include "standin/scene_faults.h"
 #include "standin/text_table.h"
 
@@ -17,6 +21,7 @@ namespace {
 struct Format {
   std::string name;  ///< the ending, and ffmpeg's name for the container
   bool hasAlpha;
+  double highestRate;  ///< pictures a second that its times tell apart
   std::vector<std::string> encoder;
 };
 
@@ -25,16 +30,19 @@ const std::vector<Format>& Formats() {
       // A palette made for the very pictures; what is half transparent is either there or not.
       {"gif",
        true,
+       100.0,
        {"-filter_complex",
         "split[shown][counted];[counted]palettegen=reserve_transparent=1[colours];"
         "[shown][colours]paletteuse=alpha_threshold=128"}},
       {"webm",
        true,
+       1000.0,
        {"-c:v", "libvpx-vp9", "-pix_fmt", "yuva420p", "-crf", "24", "-b:v", "0", "-auto-alt-ref",
         "0"}},
       // The usual colour format wants even sides.
       {"mp4",
        false,
+       1000.0,
        {"-c:v", "libx264", "-pix_fmt", "yuv420p", "-crf", "18", "-movflags", "+faststart", "-vf",
         "pad=ceil(iw/2)*2:ceil(ih/2)*2"}},
   };
@@ -55,6 +63,7 @@ std::vector<std::string> EncoderCommand(const std::string& file, const PartFile&
                                       "-hide_banner",
                                       "-loglevel",
                                       "error",
+                                      "-xerror",  // a full disk is no success
                                       "-y",
                                       "-f",
                                       "rawvideo",
@@ -71,13 +80,59 @@ std::vector<std::string> EncoderCommand(const std::string& file, const PartFile&
   return command;
 }
 
-Process StartEncoder(const std::string& file, const std::vector<std::string>& command) {
+/// Throws std::runtime_error when the program is not installed.
+Process Start(const std::string& file, const std::vector<std::string>& command,
+              Process::Pipe pipe) {
   try {
-    return {command, Process::Pipe::kToInput};
+    return {command, pipe};
   } catch (const ProgramAbsent&) {
-    throw std::runtime_error(file +
-                             ": the program ffmpeg makes movies; install the package ffmpeg");
+    throw std::runtime_error(file + ": the program " + command.front() +
+                             " is needed for movies; install the package ffmpeg");
   }
+}
+
+/// What ffprobe prints for these words of its command line. Throws InputError when it fails.
+std::string ProbeText(const std::string& file, std::vector<std::string> words) {
+  words.insert(words.begin(), {"ffprobe", "-hide_banner", "-loglevel", "error"});
+  Process probe = Start(file, words, Process::Pipe::kFromOutput);
+  std::string text = probe.ReadAll();
+  if (const int code = probe.Wait(); code != 0) {
+    throw InputError({file + ": ffprobe ended with " + std::to_string(code)});
+  }
+  return text;
+}
+
+/// The number behind "KEY=" in a line of its own; none when there is no such line.
+std::optional<double> NumberOf(const std::string& key, const std::string& text) {
+  std::istringstream lines(text);
+  for (std::string line; std::getline(lines, line);) {
+    line.erase(line.find_last_not_of('\r') + 1);
+    if (line.starts_with(key + "=")) {
+      return ReadNumber<double>(std::string_view(line).substr(key.size() + 1));
+    }
+  }
+  return std::nullopt;
+}
+
+PartFile MakePart(const std::string& file) {
+  try {
+    return PartFile(file);
+  } catch (const FileError& error) {
+    throw InputError({file + ": " + error.what()});
+  }
+}
+
+/// What can be known to fail is known before the first picture is rendered.
+Process StartEncoder(const std::string& file, const PartFile& part, int width, int height,
+                     double rate) {
+  const Format& format = *FormatOf(file);
+  if (rate > format.highestRate) {
+    throw InputError({file + ": at most " + Shortest(format.highestRate) +
+                      " frames a second of a ." + format.name + " expected, the scene's rate is " +
+                      Shortest(rate)});
+  }
+  ProbeText(file, {"-version"});
+  return Start(file, EncoderCommand(file, part, width, height, rate), Process::Pipe::kToInput);
 }
 
 }  // namespace
@@ -86,27 +141,55 @@ bool IsMovie(const std::string& file) { return FormatOf(file) != nullptr; }
 
 bool MovieHasAlpha(const std::string& file) { return FormatOf(file)->hasAlpha; }
 
-Movie::Movie(std::string file, int width, int height, double rate)
+Movie::Movie(std::string file, int width, int height, double rate, Sync sync)
     : file_(std::move(file)),
-      part_(file_),
-      encoder_(StartEncoder(file_, EncoderCommand(file_, part_, width, height, rate))) {}
+      rate_(rate),
+      sync_(sync),
+      part_(MakePart(file_)),
+      encoder_(StartEncoder(file_, part_, width, height, rate)) {}
 
 void Movie::Take(int /*frame*/, const Picture& picture) {
   try {
     encoder_.Write(picture.Bytes(), picture.pixels.size() * sizeof(Rgba));
+    ++frames_;
   } catch (const ProcessError&) {
     throw InputError({file_ + ": ffmpeg ended with " + std::to_string(encoder_.Wait())});
   }
 }
 
 void Movie::Commit() {
+  ExpectEnd();
+  ExpectWhole();
+  try {
+    part_.Rename(sync_);
+  } catch (const FileError& error) {
+    throw InputError({file_ + ": " + error.what()});
+  }
+}
+
+void Movie::ExpectEnd() {
   if (const int code = encoder_.Wait(); code != 0) {
     throw InputError({file_ + ": ffmpeg ended with " + std::to_string(code)});
   }
-  try {
-    part_.Rename();
-  } catch (const FileError& error) {
-    throw InputError({file_ + ": " + error.what()});
+}
+
+/// Decodes every picture: an encoder may say that all is well and leave a file that is cut off. The
+/// times of a GIF are hundredths of a second, and players show short ones longer: a movie is too
+/// short or it is not.
+void Movie::ExpectWhole() const {
+  const std::string text =
+      ProbeText(file_, {"-count_frames", "-select_streams", "v:0", "-show_entries",
+                        "stream=nb_read_frames:format=duration", "-of",
+                        "default=noprint_wrappers=1", "file:" + part_.Name().string()});
+  constexpr double kRounding = 0.01;  // seconds
+  const auto frames = static_cast<int>(NumberOf("nb_read_frames", text).value_or(0.0));
+  const double seconds = NumberOf("duration", text).value_or(0.0);
+  const double shortest = (frames_ - 1) / rate_ - kRounding;
+  if (frames != frames_ || seconds < shortest) {
+    throw InputError({file_ +
+                      ": the movie that ffmpeg made is not whole: " + std::to_string(frames_) +
+                      " frames in " + Shortest(frames_ / rate_) + " s expected, " +
+                      std::to_string(frames) + " in " + Shortest(seconds) + " s found"});
   }
 }
 

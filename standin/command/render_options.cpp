@@ -48,14 +48,15 @@ void AddLookOptions(CLI::App& command, RenderOptions& options) {
                std::string("Show the overlap over the frame or in its place: ") + kSightWords))
       ->type_name("WHAT");
   command.add_flag("--quiet", options.quiet, "Do not say what is made and how far it is");
+  AddSyncOption(command, options.sync);
 }
 
 void AddRenderOptions(CLI::App& command, RenderOptions& options) {
   AddSceneOptions(command, options.scene);
-  command
-      .add_option("-o,--output", options.output,
-                  "The picture to make; frames of an animation (f.%04d.png); a movie (.gif, .webm, "
-                  ".mp4; needs ffmpeg); - for standard output")
+  NotEmpty(command.add_option(
+               "-o,--output", options.output,
+               "The picture to make; frames of an animation (f.%04d.png); a movie (.gif, .webm, "
+               ".mp4; needs ffmpeg); - for standard output"))
       ->required()
       ->type_name("OUT");
   NotEmpty(command.add_option(
@@ -106,6 +107,7 @@ std::vector<std::string> CommandLine(const RenderOptions& options) {
   addFlag("--layer", options.layer);
   addFlag("--quiet", options.quiet);
   addFlag("--missing", options.missing);
+  addFlag("--no-sync", options.sync == Sync::kNo);
   return words;
 }
 
@@ -154,8 +156,10 @@ void RenderWishes::ReadOutput() {
         "--output",
         "name of a picture (out.png), of frames (f.%04d.png) or of a movie (.gif, .webm, .mp4)",
         options_.output);
+  } else if (kind == OutputKind::kFrames) {
+    faults_.Expect(ExpectFolderWritable, file);
   } else if (kind != OutputKind::kStream) {
-    faults_.ExpectWritable(file);
+    faults_.Expect(ExpectWritable, file);
   }
   if (options_.raw && kind != OutputKind::kStream) {
     faults_.Expected("--raw", "-o - (standard output)", options_.output);
@@ -221,11 +225,18 @@ Picture RenderWishes::Shown(Picture frame, const Host& host, const Scene& scene)
   return Show(*sight_, frame, overlap, Scaled(scene.width), Scaled(scene.height));
 }
 
-Picture RenderWishes::Finish(Picture picture, const Scene& scene, bool isOneOfMany) const {
+Picture RenderWishes::Cropped(Picture picture, const Scene& scene, bool isOneOfMany) const {
   if (options_.layer || options_.raw || isOneOfMany) {
-    picture = CropToLayer(picture, Scaled(scene.width), Scaled(scene.height));
+    return CropToLayer(picture, Scaled(scene.width), Scaled(scene.height));
   }
-  return background_ ? Over(picture, *background_) : picture;
+  return picture;
+}
+
+Picture RenderWishes::OverBackground(Picture picture) const {
+  if (background_) {
+    return Over(picture, *background_);
+  }
+  return picture;
 }
 
 }  // namespace standin

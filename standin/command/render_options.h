@@ -31,10 +31,11 @@ struct RenderOptions {
   std::string background;
   std::string show;
   bool quiet = false;
+  Sync sync = Sync::kYes;
 };
 
 void AddRenderOptions(CLI::App& command, RenderOptions& options);
-/// Those of them that say how a picture looks and whether it is spoken of.
+/// Those of them that say how a picture looks, how it is written and whether it is spoken of.
 void AddLookOptions(CLI::App& command, RenderOptions& options);
 
 /// The words of a command line that gives these options: "render", "wave.json", …
@@ -54,9 +55,11 @@ class RenderWishes {
   /// The frame that a performance has just rendered on the host, with the sight of its overlap that
   /// was asked for, if any.
   [[nodiscard]] Picture Shown(Picture frame, const Host& host, const Scene& scene) const;
-  /// A picture as it was asked for: the layer's part of it (always, if `isOneOfMany`: only so are
-  /// all frames of one size and at one place) and what is behind it.
-  [[nodiscard]] Picture Finish(Picture picture, const Scene& scene, bool isOneOfMany) const;
+  /// The part of a picture that was asked for: the layer's (always, if `isOneOfMany`: only so are
+  /// all frames of one size and at one place) or all of it.
+  [[nodiscard]] Picture Cropped(Picture picture, const Scene& scene, bool isOneOfMany) const;
+  /// A picture over the background that was asked for, if any.
+  [[nodiscard]] Picture OverBackground(Picture picture) const;
   /// The background as a word of --background: the one that was asked for, otherwise black for
   /// movies that cannot be transparent, otherwise empty.
   [[nodiscard]] std::string BackgroundWord() const;

@@ -1,23 +1,23 @@
 #include "standin/command/scene_options.h"
 
-#include <algorithm>
 #include <cmath>
 #include <cstddef>
-#include <iterator>
-#include <map>
 #include <ostream>
-#include <set>
-#include <system_error>
 #include <utility>
 
 #include <CLI/CLI.hpp>
 
 #include "standin/command/system.h"
+#include "standin/escaped_text.h"
 #include "standin/scene_faults.h"
+#include "standin/text_table.h"
 #include "standin/whole_file.h"
 
 namespace standin {
 namespace {
+
+constexpr double kShortestTimeLimit = 0.01;
+constexpr double kLongestTimeLimit = 86'400;
 
 std::optional<Setting> ReadSetting(const std::string& text) {
   const std::size_t sign = text.rfind('=');
@@ -40,12 +40,19 @@ HostOptions OptionsFor(const PluginLibrary& library) {
 
 std::string DefaultPlugin() { return (ThisProgram().parent_path() / kPluginFile).string(); }
 
+void AddSyncOption(CLI::App& command, Sync& sync) {
+  command.add_flag_callback(
+      "--no-sync", [&sync] { sync = Sync::kNo; },
+      "Do not wait until what is written is on the disk itself: faster, but a loss of power soon "
+      "after may take it");
+}
+
 void AddSceneOptions(CLI::App& command, SceneOptions& options) {
-  command.add_option("scene", options.scene, "The scene, a JSON file")
+  NotEmpty(command.add_option("scene", options.scene, "The scene, a JSON file"))
       ->required()
       ->type_name("SCENE.json");
-  command
-      .add_option("--plugin", options.plugin, "The plug-in; the one beside this program otherwise")
+  NotEmpty(command.add_option("--plugin", options.plugin,
+                              "The plug-in; the one beside this program otherwise"))
       ->type_name("FILE");
   CLI::Option* exact =
       command.add_flag("--exact", options.exact, "Fast transparency off, whatever the scene says");
@@ -58,6 +65,18 @@ void AddSceneOptions(CLI::App& command, SceneOptions& options) {
       ->allow_extra_args(false);
   command.add_flag("--trace", options.trace,
                    "Write every command and host operation to standard error");
+  AddTimeLimit(
+      command, options.timeLimit,
+      "What one command of the plug-in may take until it counts as hanging; 120 otherwise");
+}
+
+void AddTimeLimit(CLI::App& command, double& seconds, const std::string& description) {
+  const auto check = [](const std::string& text) -> std::string {
+    const auto number = ReadNumber<double>(text);
+    const bool isLimit = number && *number >= kShortestTimeLimit && *number <= kLongestTimeLimit;
+    return isLimit ? "" : "number of seconds from 0.01 to 86400 expected, \"" + text + "\" given";
+  };
+  command.add_option("--time-limit", seconds, description)->type_name("SECONDS")->check(check);
 }
 
 void OptionFaults::Expected(const std::string& option, const std::string& what,
@@ -65,9 +84,9 @@ void OptionFaults::Expected(const std::string& option, const std::string& what,
   Add(option + ": " + what + " expected, \"" + given + "\" given");
 }
 
-void OptionFaults::ExpectWritable(const std::string& file) {
+void OptionFaults::Expect(FileExpectation expectation, const std::string& file) {
   try {
-    standin::ExpectWritable(file);
+    expectation(file);
   } catch (const FileError& error) {
     Add(file + ": " + error.what());
   }
@@ -77,35 +96,13 @@ void OptionFaults::ExpectPictureName(const std::string& file) {
   if (EndingOf(file) != ".png") {
     Expected("--output", "name of a picture that ends in .png", file);
   } else {
-    ExpectWritable(file);
+    Expect(ExpectWritable, file);
   }
 }
 
 void OptionFaults::ThrowIfAny() const {
   if (!lines_.empty()) {
     throw InputError(lines_);
-  }
-}
-
-void ExpectApart(const std::vector<std::string>& made,
-                 const std::vector<std::filesystem::path>& read) {
-  // Folders are few and files many: only those are asked of the disk.
-  std::map<std::filesystem::path, std::filesystem::path> folders;
-  const auto placeOf = [&](const std::filesystem::path& file) {
-    const auto [found, isNew] = folders.try_emplace(file.parent_path());
-    if (isNew) {
-      std::error_code ignored;
-      found->second = std::filesystem::weakly_canonical(
-          file.has_parent_path() ? file.parent_path() : ".", ignored);
-    }
-    return found->second / file.filename();
-  };
-  std::set<std::filesystem::path> places;
-  std::ranges::transform(read, std::inserter(places, places.end()), placeOf);
-  for (const std::string& file : made) {
-    if (places.contains(placeOf(FilePath(file).Get()))) {
-      throw InputError({"--output: " + file + " would take the place of a file that was read"});
-    }
   }
 }
 
@@ -144,15 +141,22 @@ std::vector<std::string> CommandLine(const SceneOptions& options) {
   for (const std::string& setting : options.settings) {
     words.insert(words.end(), {"--set", setting});
   }
+  if (options.timeLimit != kUsualTimeLimit) {
+    words.insert(words.end(), {"--time-limit", Shortest(options.timeLimit)});
+  }
   return words;
 }
 
+std::string PluginOf(const SceneOptions& options) {
+  return options.plugin.empty() ? DefaultPlugin() : options.plugin;
+}
+
 HostedPlugin::HostedPlugin(const SceneOptions& options, const Console& console)
-    : library_(options.plugin.empty() ? DefaultPlugin() : options.plugin),
-      host_(library_.EntryPoint(), OptionsFor(library_)) {
+    : library_(PluginOf(options)), host_(library_.EntryPoint(), OptionsFor(library_)) {
   host_.gate.KeepLog(false);
   if (options.trace) {
-    host_.gate.TraceTo([&err = console.err](std::string_view line) { err << line << '\n'; });
+    host_.gate.TraceTo(
+        [&err = console.err](std::string_view line) { err << ForTerminal(line) << '\n'; });
   }
 }
 

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <charconv>
-#include <filesystem>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -12,6 +11,7 @@
 #include "standin/host.h"
 #include "standin/performance.h"
 #include "standin/plugin_library.h"
+#include "standin/whole_file.h"
 
 namespace CLI {
 class App;
@@ -19,6 +19,13 @@ class Option;
 }  // namespace CLI
 
 namespace standin {
+
+/// Seconds that a command of the plug-in, or a check, may take if nothing else is asked for.
+inline constexpr double kUsualTimeLimit = 120;
+
+/// Adds --time-limit to a command: a number of seconds, which is finite and above 0. REQUIRES:
+/// `seconds` outlives the parsing.
+void AddTimeLimit(CLI::App& command, double& seconds, const std::string& description);
 
 /// What every command on a scene takes from its command line, as it was typed.
 struct SceneOptions {
@@ -28,10 +35,14 @@ struct SceneOptions {
   bool fast = false;
   std::vector<std::string> settings;
   bool trace = false;
+  double timeLimit = kUsualTimeLimit;  ///< seconds, for each command of the plug-in
 };
 
 /// Adds them to a command. REQUIRES: `options` outlives the parsing.
 void AddSceneOptions(CLI::App& command, SceneOptions& options);
+
+/// Adds --no-sync. REQUIRES: `sync` outlives the parsing.
+void AddSyncOption(CLI::App& command, Sync& sync);
 
 /// The words of a command line that gives these options.
 std::vector<std::string> CommandLine(const SceneOptions& options);
@@ -42,8 +53,9 @@ class OptionFaults {
   void Add(const std::string& line) { lines_.push_back(line); }
   /// "--scale: WHAT expected, "GIVEN" given"
   void Expected(const std::string& option, const std::string& what, const std::string& given);
-  /// Keeps a line if no file of that name can be made.
-  void ExpectWritable(const std::string& file);
+  using FileExpectation = void (*)(const FilePath& file);
+  /// Keeps a line if this function of whole_file.h throws FileError for the file.
+  void Expect(FileExpectation expectation, const std::string& file);
   /// Keeps a line if no picture of that name can be made, or if it would not be known for a PNG.
   void ExpectPictureName(const std::string& file);
   /// Throws InputError with all lines, if there are any.
@@ -52,10 +64,6 @@ class OptionFaults {
  private:
   std::vector<std::string> lines_;
 };
-
-/// Throws InputError if one of the files to be made is one that was read.
-void ExpectApart(const std::vector<std::string>& made,
-                 const std::vector<std::filesystem::path>& read);
 
 /// Keeps an empty text, which a shell makes of a variable that it does not know, from being taken
 /// for an option that was not given.
@@ -72,6 +80,9 @@ std::optional<Number> ReadNumber(std::string_view text) {
 
 /// The plug-in beside this program, whether it is there or not.
 std::string DefaultPlugin();
+
+/// The plug-in that a command asks for.
+std::string PluginOf(const SceneOptions& options);
 
 /// --exact, --fast and --set as they are played; those of --set that are no LABEL=NUMBER are kept
 /// as faults.

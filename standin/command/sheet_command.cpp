@@ -13,6 +13,8 @@
 #include "standin/command/command.h"
 #include "standin/command/finish.h"
 #include "standin/command/frame_list.h"
+#include "standin/command/guarded.h"
+#include "standin/command/output_guard.h"
 #include "standin/command/scene_options.h"
 #include "standin/performance.h"
 #include "standin/scene_file.h"
@@ -35,6 +37,7 @@ struct SheetOptions {
   int cell = 320;
   int columns = 0;
   std::string background = "checker";
+  Sync sync = Sync::kYes;
 };
 
 /// A slider, and the values that it is given one after the other.
@@ -79,7 +82,9 @@ class SheetMaker {
     ReadOptions();
     faults_.ThrowIfAny();
     animation_ = ReadAnimation(options.scene.scene);
-    ExpectApart({options.output}, FilesOf(options.scene.scene));
+    if (!IsWorker()) {
+      ExpectApart("--output", {options.output}, FilesRead(options.scene, animation_));
+    }
     ReadFrames();
     faults_.ThrowIfAny();
     const int side = std::max(animation_.scene.width, animation_.scene.height);
@@ -104,8 +109,13 @@ class SheetMaker {
   }
 
  private:
+  /// Only the process that writes the sheet knows what its own files are.
+  [[nodiscard]] bool IsWorker() const { return console_.channel != nullptr; }
+
   void ReadOptions() {
-    faults_.ExpectPictureName(options_.output);
+    if (!IsWorker()) {
+      faults_.ExpectPictureName(options_.output);
+    }
     background_ = ReadBackground(options_.background);
     if (!background_) {
       faults_.Expected("--background", kBackgroundWords, options_.background);
@@ -214,9 +224,14 @@ class SheetMaker {
 };
 
 void WriteSheet(const SheetOptions& options, const Console& console) {
-  const Picture sheet = SheetMaker(options, console).Make();
-  WritePicture(options.output, sheet);
-  console.out << options.output << ": " << sheet.width << "x" << sheet.height << '\n';
+  SheetMaker maker(options, console);
+  const std::optional<Picture> sheet =
+      MakeGuarded(options.scene, console, [&] { return maker.Make(); });
+  if (sheet) {
+    WritePicture(options.output, *sheet, options.sync);
+    Tell(console, options.output + ": " + std::to_string(sheet->width) + "x" +
+                      std::to_string(sheet->height) + "\n");
+  }
 }
 
 }  // namespace
@@ -226,7 +241,7 @@ void AddSheet(CLI::App& program, Work& chosen) {
   CLI::App* command =
       program.add_subcommand("sheet", "Render labelled pictures of a rig side by side");
   AddSceneOptions(*command, options->scene);
-  command->add_option("-o,--output", options->output, "The picture to make")
+  NotEmpty(command->add_option("-o,--output", options->output, "The picture to make"))
       ->required()
       ->type_name("SHEET.png");
   NotEmpty(command->add_option("--frames", options->frames,
@@ -247,6 +262,7 @@ void AddSheet(CLI::App& program, Work& chosen) {
                    std::string("What is behind the rig: ") + kBackgroundWords)
       ->type_name("COLOUR")
       ->capture_default_str();
+  AddSyncOption(*command, options->sync);
   command->footer(R"(Examples:
   tarvo sheet examples/wave/wave.json -o sheet.png
   tarvo sheet examples/wave/wave.json -o sweep.png --sweep "Forearm start Z=-9..3:7"

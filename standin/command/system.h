@@ -19,8 +19,17 @@ extern const char* const kPluginFile;
 /// True iff standard error is a terminal, where a line can be drawn anew.
 bool ErrorIsTerminal();
 
+/// To be called before any file is opened: a standard stream that was closed stays without an
+/// output instead of becoming whatever is opened next, a file beyond the size that the user may
+/// write is a failure to write, and the ends of started programs are told.
+void PrepareProcess();
+
 /// A crash of this program ends it, without a window that waits for somebody to close it.
 void EndAtOnceOnCrash();
+
+/// Ends this program as this signal would have ended it without a handler. For a signal's handler,
+/// which returns after it.
+void EndBySignal(int signal);
 
 /// Standard output passes every byte on as it is from now on.
 void MakeOutputBinary();

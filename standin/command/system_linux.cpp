@@ -1,7 +1,9 @@
 #include <algorithm>
 #include <cctype>
+#include <csignal>
 #include <string_view>
 
+#include <fcntl.h>
 #include <unistd.h>
 
 #include "standin/command/system.h"
@@ -18,7 +20,23 @@ std::filesystem::path ThisProgram() { return std::filesystem::read_symlink("/pro
 
 bool ErrorIsTerminal() { return isatty(STDERR_FILENO) != 0; }
 
+void PrepareProcess() {
+  for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+    if (fcntl(stream, F_GETFD) < 0) {
+      // The wrong way round, so that using it fails as it would have.
+      open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY);
+    }
+  }
+  std::signal(SIGXFSZ, SIG_IGN);
+  std::signal(SIGCHLD, SIG_DFL);  // where it is ignored, exit codes are lost
+}
+
 void EndAtOnceOnCrash() {}  // it always does
+
+void EndBySignal(int signal) {
+  std::signal(signal, SIG_DFL);
+  std::raise(signal);  // takes effect when the handler returns
+}
 
 void MakeOutputBinary() {}  // it always is
 

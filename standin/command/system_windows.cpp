@@ -32,12 +32,20 @@ std::filesystem::path ThisProgram() {
 
 bool ErrorIsTerminal() { return _isatty(_fileno(stderr)) != 0; }
 
+void PrepareProcess() {}  // none of it happens here
+
 void EndAtOnceOnCrash() {
   SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX);
   SetUnhandledExceptionFilter([](EXCEPTION_POINTERS* fault) -> LONG {
     TerminateProcess(GetCurrentProcess(), fault->ExceptionRecord->ExceptionCode);
     return EXCEPTION_EXECUTE_HANDLER;
   });
+}
+
+void EndBySignal(int /*signal*/) {
+  constexpr UINT kControlC =
+      0xC000'013A;  // STATUS_CONTROL_C_EXIT: what the usual handler ends with
+  TerminateProcess(GetCurrentProcess(), kControlC);
 }
 
 void MakeOutputBinary() { _setmode(_fileno(stdout), _O_BINARY); }

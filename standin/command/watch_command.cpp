@@ -1,20 +1,20 @@
 #include <chrono>
-#include <filesystem>
 #include <memory>
 #include <ostream>
 #include <string>
 #include <thread>
-#include <utility>
 #include <vector>
 
 #include <CLI/CLI.hpp>
 
 #include "standin/command/command.h"
 #include "standin/command/interrupt.h"
+#include "standin/command/output_guard.h"
 #include "standin/command/render.h"
 #include "standin/command/render_options.h"
-#include "standin/file_stamps.h"
+#include "standin/file_path.h"
 #include "standin/scene_file.h"
+#include "standin/watched_files.h"
 
 namespace standin {
 namespace {
@@ -23,35 +23,19 @@ namespace {
 /// which an editor has written a half is not taken for a fault.
 constexpr std::chrono::milliseconds kGlance{100};
 
-/// A scene file, the images that it names, and how they were when last looked at.
-class WatchedScene {
- public:
-  explicit WatchedScene(std::string file) : file_(std::move(file)) { Look(); }
-
-  /// Returns when a file was saved since the last look, or `interrupt` came.
-  void AwaitSave(const Interrupt& interrupt) {
-    const FileStamps seen = stamps_;
-    while (!interrupt.Came() && (Look() || stamps_ == seen)) {
-      std::this_thread::sleep_for(kGlance);
-    }
+/// Returns when a file was saved since the last look, or `interrupt` came.
+void AwaitSave(WatchedFiles& files, const Interrupt& interrupt) {
+  const FileStamps seen = files.Stamps();
+  while (!interrupt.Came() && (files.Look() || files.Stamps() == seen)) {
+    std::this_thread::sleep_for(kGlance);
   }
-
- private:
-  /// True iff something is new since the look before.
-  bool Look() {
-    const FileStamps before = std::exchange(stamps_, FileStamps(FilesOf(file_)));
-    return stamps_ != before;
-  }
-
-  std::string file_;
-  FileStamps stamps_{{}};
-};
+}
 
 /// Renders a scene again whenever it is saved. What cannot be rendered is said; the picture stays.
 class SceneWatch {
  public:
   SceneWatch(const RenderOptions& options, const Console& console)
-      : options_(options), console_(console), scene_(options.scene.scene) {
+      : options_(options), console_(console), scene_(FilePath(options.scene.scene).Get(), FilesOf) {
     ExpectUsable();
   }
 
@@ -65,7 +49,7 @@ class SceneWatch {
       if (code != kMade) {
         Say(options_.output + (isMade_ ? ": the last good picture stays" : ": no picture yet"));
       }
-      scene_.AwaitSave(interrupt);
+      AwaitSave(scene_, interrupt);
     }
     if (code != kMade) {
       throw Unfinished(code, {});
@@ -80,6 +64,8 @@ class SceneWatch {
       faults.Expected("--output", "name of one picture (out.png)", options_.output);
       faults.ThrowIfAny();
     }
+    ExpectApart("--output", {options_.output},
+                {FilePath(options_.scene.scene).Get(), FilePath(PluginOf(options_.scene)).Get()});
   }
 
   void Make() {
@@ -96,7 +82,7 @@ class SceneWatch {
 
   const RenderOptions& options_;
   const Console& console_;
-  WatchedScene scene_;
+  WatchedFiles scene_;
   bool isMade_ = false;
 };
 
@@ -107,7 +93,7 @@ void AddWatch(CLI::App& program, Work& chosen) {
   CLI::App* command =
       program.add_subcommand("watch", "Render a scene again whenever it or an image is saved");
   AddSceneOptions(*command, options->scene);
-  command->add_option("-o,--output", options->output, "The picture to make")
+  NotEmpty(command->add_option("-o,--output", options->output, "The picture to make"))
       ->required()
       ->type_name("OUT.png");
   command->add_option("--frame", options->frames, "The frame of an animation; the first otherwise")

@@ -7,7 +7,7 @@ namespace {
 
 TEST(ErrorText, OfAnyNumberIsFitForAFormat) {
   for (const std::int32_t unknown : {-1, 8, std::numeric_limits<std::int32_t>::min()}) {
-    EXPECT_EQ(AESDK_OpenGL_ErrorText(AESDK_OpenGL_Err(unknown)), "Unknown Error Code!");
+    EXPECT_STREQ(AESDK_OpenGL_ErrorText(AESDK_OpenGL_Err(unknown)), "Unknown Error Code!");
   }
   for (std::int32_t known = 0; known < 8; ++known) {
     const std::string text = AESDK_OpenGL_ErrorText(AESDK_OpenGL_Err(known));
@@ -22,11 +22,11 @@ TEST(FramebufferStatusText, KnowsNoStatusBetweenTheNamedOnes) {
   gEntryPoints.glCheckFramebufferStatusEXT = [](GLenum) { return gStatus; };
   for (const GLenum status : {0U, 0x8CD4U, 0x8CD8U, 0x8CDEU}) {
     gStatus = status;
-    EXPECT_EQ(AESDK_OpenGL_FramebufferStatusText(), "Unknown error!") << status;
+    EXPECT_STREQ(AESDK_OpenGL_FramebufferStatusText(), "Unknown error!") << status;
   }
   gStatus = 0x8CD9;
-  EXPECT_EQ(AESDK_OpenGL_FramebufferStatusText(),
-            "Framebuffer incomplete, attached images must have same dimensions!");
+  EXPECT_STREQ(AESDK_OpenGL_FramebufferStatusText(),
+               "Framebuffer incomplete, attached images must have same dimensions!");
   gEntryPoints = {};
 }
 

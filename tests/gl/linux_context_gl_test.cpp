@@ -45,7 +45,7 @@ TEST_F(RefusedContext, GivesCodeOneAndTheNextStartUpWorks) {
   ExpectRefusal({.makeCurrentRefused = [](HGLRC) { return true; }});
 }
 
-/// Without a shut-down between them, the second start-up gives back what the first one left.
+/// Without a shut-down between them, the second start-up releases what the first one left.
 TEST_F(RefusedContext, LeavesNoClassToTheNextStartUp) {
   gWindowSystemFaults.windowRefused = true;
   EXPECT_EQ(AESDK_OpenGL_StartUp(gState), AESDK_OpenGL_Err_OSCalls);

@@ -66,11 +66,27 @@ TEST_F(RenderTarget, HasTheDefaultSizeWhateverWasStored) {
 TEST_F(RenderTarget, IsClampedToWhatTheImplementationAllows) {
   gState.targetWidth = 65'535;  // As global set-up leaves it.
   AESDK_OpenGL_PrepareRenderTarget(gState, 1, 1);
-  const GLint width = gState.targetWidth;
-  EXPECT_LE(width, LargestRenderbuffer());
-  EXPECT_GE(width, 4096);
-  ExpectSize(width, 1);
+  const GLint side = gState.targetWidth;
+  EXPECT_LE(side, LargestRenderbuffer());
+  EXPECT_GE(side, 4096);
+  ExpectSize(side, 1);
   EXPECT_FALSE(IsRebuiltFor(65'535, 1)) << "there is no larger one";
+
+  AESDK_OpenGL_DeleteRenderTarget(gState);
+  gState.targetWidth = 1;
+  gState.targetHeight = 65'535;
+  AESDK_OpenGL_PrepareRenderTarget(gState, 1, 1);
+  ExpectSize(1, side);
+}
+
+// Images are uploaded between two frames.
+TEST_F(RenderTarget, IsKnownWhateverTextureIsBound) {
+  AESDK_OpenGL_PrepareRenderTarget(gState, 4, 4);
+  GLuint image = 0;
+  glGenTextures(1, &image);
+  glBindTexture(GL_TEXTURE_RECTANGLE_ARB, image);
+  EXPECT_FALSE(IsRebuiltFor(4, 4));
+  glDeleteTextures(1, &image);
 }
 
 TEST_F(RenderTarget, IsRefusedWhileIncomplete) {

@@ -1,18 +1,23 @@
-// Whole lives on machines whose OpenGL refuses, one refusal each. The linker turns two operations
+// Whole lives on machines whose OpenGL refuses, one refusal each. The linker turns three operations
 // of OpenGL itself to this file (CMakeLists.txt), so that what they answer can be chosen.
 
 #include <algorithm>
+#include <cstdint>
 #include <functional>
 #include <iostream>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include <window_system.h>
 
 #include "check/support/life.h"
+#include "check/support/pieces.h"
 #include "check/support/rig.h"
 #include "gl/framework.h"
 #include "platform/linux/window_system_faults.h"
+#include "standin/compare.h"
+#include "tests/support/render_target.h"
 
 namespace {
 
@@ -42,8 +47,13 @@ class OneRefusal {
 OneRefusal gMakeCurrent;   ///< of the plug-in's context: no context is current then
 OneRefusal gCompleteness;  ///< the framebuffer is said to be unsupported
 
+/// Textures were deleted while no context was current.
+bool gDeletedWithoutContext = false;
+
 /// The largest render buffer that OpenGL claims to have, in pixels a side; 0 is the true one.
 GLint gLargest = 0;
+/// The largest viewport that OpenGL claims to have, in pixels a side; 0 is the true one.
+GLint gLargestViewport = 0;
 /// Textures that still find memory; below 0 all of them.
 int gTexturesLeft = -1;
 
@@ -60,6 +70,16 @@ void __real_glTexImage2D(GLenum target, GLint level, GLint format, GLsizei width
 void __wrap_glGetIntegerv(GLenum name, GLint* values) {
   __real_glGetIntegerv(name, values);
   if (name == GL_MAX_RENDERBUFFER_SIZE_EXT && gLargest != 0) *values = gLargest;
+  if (name == GL_MAX_VIEWPORT_DIMS && gLargestViewport != 0) {
+    values[0] = values[1] = gLargestViewport;
+  }
+}
+
+void __real_glDeleteTextures(GLsizei count, const GLuint* textures);
+[[gnu::visibility("default")]] void __wrap_glDeleteTextures(GLsizei count, const GLuint* textures);
+void __wrap_glDeleteTextures(GLsizei count, const GLuint* textures) {
+  if (wglGetCurrentContext() == nullptr) gDeletedWithoutContext = true;
+  __real_glDeleteTextures(count, textures);
 }
 
 [[gnu::visibility("default")]] void __wrap_glTexImage2D(GLenum target, GLint level, GLint format,
@@ -131,6 +151,7 @@ void Mend() {
   gMakeCurrent.Cease();
   gCompleteness.Cease();
   gLargest = 0;
+  gLargestViewport = 0;
   gTexturesLeft = -1;
   gWindowSystemFaults = {};
 }
@@ -145,8 +166,8 @@ class GlLife : public ::testing::Test {
     Life life;
     breakSomething();
     life.Begin();
-    Mend();
     life.End();
+    Mend();
     const long failed = std::ranges::count_if(
         life.steps, [](const check::Step& step) { return !step.result.Ok(); });
     for (const check::Step& step : life.steps) {
@@ -155,6 +176,7 @@ class GlLife : public ::testing::Test {
         EXPECT_NE(step.result.message, "") << step.name;
       }
     }
+    EXPECT_FALSE(std::exchange(gDeletedWithoutContext, false));
     EXPECT_TRUE(life.host.ContextIsCurrent());
     check::EndHostInOrder(life.host);
     return failed;
@@ -229,6 +251,35 @@ TEST_F(GlLife, OutlivesAWindowSystemThatRefuses) {
         &Faults::pixelFormatNotFound, &Faults::pixelFormatRefused, &Faults::contextRefused}) {
     EXPECT_EQ(LiveWith([&] { gWindowSystemFaults.*fault = true; }), 1);  // the start
     ExpectRecovery();
+  }
+}
+
+class GlViewport : public check::RigTest {
+ protected:
+  void TearDown() override {
+    Mend();
+    check::RigTest::TearDown();
+  }
+};
+
+/// An output beyond the largest one is magnified tile by tile in the projection, which may move
+/// what lies on a piece's very edge.
+TEST_F(GlViewport, IsNoLimitOfAnOutput) {
+  for (int i = 0; i < 4; ++i) {
+    const check::Box box{.left = 45.0 * i, .top = 27.0 * i, .width = 90, .height = 70};
+    rig.AddBone(check::Pattern(64, 48, 7 + static_cast<std::uint32_t>(i), 220),
+                {check::Piece(box, {.left = 3, .top = 3, .width = 58, .height = 42}, 0.5)});
+  }
+  rig.Send();
+  check::ResizeRenderTarget(50, 70);
+  for (const bool exact : {false, true}) {
+    rig.SetFast(!exact);
+    gLargestViewport = 0;
+    const standin::Picture usual = rig.Render().picture;
+    gLargestViewport = 100;
+    const standin::Picture beyond = rig.Render().picture;
+    const auto comparison = standin::Compare(beyond, usual, 1);
+    EXPECT_LE(comparison.beyond, comparison.compared / 500) << comparison.Text();
   }
 }
 

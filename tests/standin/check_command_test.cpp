@@ -1,5 +1,6 @@
 // `tarvo check`: that its last line, its exit code and its files tell the same, and the truth.
 
+#include <algorithm>
 #include <string>
 
 #include <nlohmann/json.hpp>
@@ -51,6 +52,7 @@ TEST_F(CheckCommand, EndsWithAVerdictThatAgreesWithTheExitCode) {
   const Outcome memory = Run("check --only Memory.*");
   EXPECT_EQ(memory.code, memory.out.find("skipped  ") == std::string::npos ? 0 : 1) << memory.out;
   ExpectFailure("check --only NoSuchCheck", 2, "--list");
+  ExpectFailure("check --only \"" + std::string(40, '*') + "x\"", 2, "--list");
   ExpectFailure("check --jobs 0", 2, "--jobs");
 }
 
@@ -80,6 +82,9 @@ TEST_F(CheckCommand, ListsNamesAndPromises) {
   EXPECT_EQ(outcome.code, 0);
   EXPECT_NE(outcome.out.find("Commands.AboutTellsNameAndVersion\n    About tells"),
             std::string::npos);
+  const std::string one = Run("check --list --only \"*m*ands.**TellsName???V*n*\"").out;
+  EXPECT_TRUE(one.starts_with("Commands.AboutTellsNameAndVersion\n")) << one;
+  EXPECT_EQ(std::count(one.begin(), one.end(), '\n'), 2) << one;
   EXPECT_NE(Run(std::string("check --trace") + kOneCheck).err.find("> PF_Cmd_ABOUT"),
             std::string::npos);
 }

@@ -193,6 +193,51 @@ TEST_F(RenderCommand, TellsAFaultOfThePluginFromOneOfItsFile) {
   EXPECT_EQ(ReadWholeFile(folder_ / "x.png"), "an older picture");
 }
 
+// Behind "--" come names, as many as the command needs, and then options again.
+TEST_F(RenderCommand, NamesMayBeginWithADash) {
+  const std::filesystem::path before = std::filesystem::current_path();
+  std::filesystem::current_path(folder_);
+  std::filesystem::copy("scene.json", "-a.json");
+  std::filesystem::copy("scene.json", "check");
+  std::filesystem::copy("red.png", "-b.png");
+  const struct {
+    const char* arguments;
+    int code;
+  } cases[] = {
+      {"render -- -a.json --jobs 2 -o f%d.png", 0}, {"render -o x.png -- -a.json", 0},
+      {"render -o x.png -- check --quiet", 0},      {"render --set -- -o x.png -a.json", 2},
+      {"diff -- -b.png -b.png --tolerance 2", 0},   {"diff red.png -- -b.png --tolerance 2", 0},
+      {"diff red.png -- -b.png -b.png", 2},
+  };
+  for (const auto& [arguments, code] : cases) {
+    EXPECT_EQ(Run(arguments).code, code) << arguments << Run(arguments).err;
+  }
+  std::filesystem::current_path(before);
+}
+
+// A name of a scene must not reach a terminal as a control sequence.
+TEST_F(RenderCommand, WritesNoControlCharacters) {
+  std::string scene = kScene;
+  scene.replace(scene.find("\"Red\""), 5, "\"R\\u001b[2Jd\\n\"");
+  standin::WriteWholeFile(folder_ / "esc.json", scene);
+  std::string wrong = scene;
+  wrong.replace(wrong.find("\"image\": \"red\""), 14, "\"image\": \"x\\u009b2J\"");
+  standin::WriteWholeFile(folder_ / "wrong.json", wrong);
+  for (const std::string& command :
+       {"explain " + Quoted(File("esc.json")), "flips " + Quoted(File("esc.json")),
+        "render --trace -o " + Quoted(File("x.png")) + " " + Quoted(File("esc.json")),
+        "render --set \"R=1\" -o " + Quoted(File("x.png")) + " " + Quoted(File("esc.json")),
+        "render -o " + Quoted(File("x.png")) + " " + Quoted(File("wrong.json"))}) {
+    const Outcome outcome = Run(command);
+    for (const std::string& text : {outcome.out, outcome.err}) {
+      EXPECT_EQ(text.find('\x1b'), std::string::npos) << command << text;
+      EXPECT_EQ(text.find("\xC2\x9B"), std::string::npos) << command << text;
+    }
+  }
+  EXPECT_NE(Run("explain " + Quoted(File("esc.json"))).out.find(R"(R\x1B[2Jd\x0A start Z)"),
+            std::string::npos);
+}
+
 /// Every wrong scene says all that is wrong with it and nothing else.
 TEST_F(RenderCommand, RefusesEveryBrokenSampleInItsOwnWords) {
   std::vector<std::filesystem::path> scenes;

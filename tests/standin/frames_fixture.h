@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -21,6 +22,10 @@ inline std::string Moving(int count, const std::string& keys, const std::string&
          R"({"name": "Down", "image": "b", "z": 3, )" + kCard + R"(}], "frames": {"count": )" +
          std::to_string(count) + R"(, "bones": {"Up": {)" + keys + "}}" + more + "}}";
 }
+
+/// Twelve frames of nothing, for what has to do with processes and files alone.
+inline const std::string kEmptyScene =
+    R"({"size": [60, 40], "bones": [], "frames": {"count": 12}})";
 
 // Everything that can change, changes; numbers move up while the first bone is off.
 inline const std::string kRich =
@@ -56,6 +61,19 @@ class Frames : public CommandTest {
   [[nodiscard]] std::string Arguments(const std::string& output, const std::string& options) const {
     return "render " + Quoted(File("scene.json")) + " -o " +
            (output == "-" ? output : Quoted(File(output))) + " " + options;
+  }
+
+  /// A program of this name in the folder, for a PATH that begins with it.
+  void Install(const std::string& name, const std::string& script) const {
+    standin::WriteWholeFile(folder_ / name, "#!/bin/sh\n" + script);
+    std::filesystem::permissions(folder_ / name, std::filesystem::perms::owner_all);
+  }
+
+  /// An ffmpeg in the folder that stores what it is given and then does `after`, and an ffprobe
+  /// that calls everything a movie of 12 frames at the usual rate.
+  void InstallStoringEncoder(const std::string& after = "") const {
+    Install("ffmpeg", "for last; do :; done\n/bin/cat > \"${last#file:}\"\n" + after);
+    Install("ffprobe", "echo nb_read_frames=12\necho duration=0.48\n");
   }
 
   void ExpectSame(const std::string& a, const std::string& b, int first, int last) const {

@@ -83,7 +83,7 @@ TEST_F(Frames, MakesWhatIsMissing) {
   ExpectSame("a", "b", 0, 11);
 
   const Outcome failed =
-      Render(R"({"size": [60, 40], "bones": [], "frames": {"count": 12}})", "b%d.png",
+      Render(kEmptyScene, "b%d.png",
              "--frames 2-11 --missing --scale 1/2 --plugin " + Quoted(TARVO_FAILING_PLUGIN));
   EXPECT_EQ(failed.code, 3);
   EXPECT_NE(failed.err.find("b%d.png: missing 2-11\n"), std::string::npos) << failed.err;

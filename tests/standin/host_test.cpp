@@ -168,7 +168,7 @@ std::vector<Misuse> Misuses() {
          c.Release("AEGP Effect Suite", 2);
          return result == PF_Err_INVALID_CALLBACK ? PF_Err_NONE : result;
        },
-       {"slot 6 of AEGP Effect Suite 2 was called"}},
+       {"slot 6 of AEGP Effect Suite 2, AEGP_ReorderEffect, was called"}},
       {"lock left",
        Doing([](const Command& c) {
          const auto s = HandlesOf(c);
@@ -435,7 +435,9 @@ TEST_F(HostTest, HandOverOfImagesFollowsTheFlags) {
 TEST_F(HostTest, FrameIsWhatThePluginAsksForAndWrites) {
   Host& host = Start();
   probe::On(PF_Cmd_FRAME_SETUP, [](const Command& c) {
-    EXPECT_EQ(c.in.width, 20);
+    EXPECT_EQ(c.in.width, 40) << "the layer's, whatever the resolution";
+    EXPECT_EQ(c.in.extent_hint.right, 20);
+    EXPECT_EQ(c.out.width, 20) << "what the output would be without an answer";
     EXPECT_EQ(c.in.downsample_y.den, 4U);
     EXPECT_EQ(c.in.pre_effect_source_origin_x, 6);
     c.out.width = 4;

@@ -1,7 +1,8 @@
 #include "standin/image_file.h"
 
+#include <cstddef>
+#include <cstdint>
 #include <filesystem>
-#include <fstream>
 #include <random>
 #include <string>
 
@@ -53,6 +54,76 @@ TEST_F(ImageFile, RefusesEveryShorterPartOfAFile) {
   for (std::size_t length = 0; length + checksumOfEnd < bytes.size(); ++length) {
     standin::WriteWholeFile(folder_ / "b.png", bytes.substr(0, length));
     EXPECT_THROW(standin::ReadPng(folder_ / "b.png"), FileError) << length << " bytes";
+  }
+}
+
+/// The checksum that ends a chunk.
+std::uint32_t Crc(const std::string& bytes) {
+  std::uint32_t sum = ~0U;
+  for (const char byte : bytes) {
+    sum ^= static_cast<unsigned char>(byte);
+    for (int bit = 0; bit < 8; ++bit) {
+      sum = (sum & 1) != 0 ? 0xEDB88320U ^ (sum >> 1) : sum >> 1;
+    }
+  }
+  return ~sum;
+}
+
+std::string BigEndian(std::uint32_t number) {
+  std::string bytes;
+  for (int shift = 24; shift >= 0; shift -= 8) {
+    bytes += static_cast<char>(number >> shift & 0xFF);
+  }
+  return bytes;
+}
+
+std::string Chunk(const std::string& typeAndData) {
+  return BigEndian(static_cast<std::uint32_t>(typeAndData.size() - 4)) + typeAndData +
+         BigEndian(Crc(typeAndData));
+}
+
+/// The PNG file of a picture, with a header that gives another size, depth and colour type.
+std::string WithHeader(const std::string& png, std::uint32_t side, char depth, char colourType) {
+  constexpr std::size_t kSignature = 8;
+  constexpr std::size_t kHeaderEnd = kSignature + 25;
+  return png.substr(0, kSignature) +
+         Chunk("IHDR" + BigEndian(side) + BigEndian(side) + depth + colourType +
+               std::string(3, '\0')) +
+         png.substr(kHeaderEnd);
+}
+
+// The header says how much a picture holds; what is less, far more or too much is told apart before
+// memory is taken for it.
+TEST_F(ImageFile, RefusesWhatIsNotAsLargeAsItsHeaderSays) {
+  const std::string small = standin::EncodePng(Picture(5, 5, Rgba{200, 100, 50, 255}));
+  const std::string large = standin::EncodePng(Picture(700, 700));
+  const std::string empty = small.substr(0, 33) + Chunk(std::string("IDAT")) + Chunk("IEND");
+  // A whole stream of no data, in a file of 65 bytes.
+  const std::string nothing =
+      small.substr(0, 33) + Chunk(std::string("IDATx\x9C\x03\0\0\0\0\x01", 12)) + Chunk("IEND");
+  const struct {
+    std::string png;
+    std::string message;
+  } cases[] = {
+      {WithHeader(small, 9, 8, 6), "damaged PNG file (its data end too early)"},
+      {WithHeader(empty, 16384, 8, 6), "damaged PNG file (its data end too early)"},
+      {WithHeader(nothing, 16384, 8, 2), "damaged PNG file (its data end too early)"},
+      {WithHeader(nothing, 16384, 16, 6), "too large: a picture of at most 2147483647 bytes"},
+      {WithHeader(nothing, 16384, 16, 2), "too large: a picture of at most 2147483647 bytes"},
+      {WithHeader(large, 4, 8, 6),
+       "damaged PNG file (its data inflate to more than 1048644 bytes)"},
+      {WithHeader(nothing, 16385, 8, 6), "at most 16384 pixels on a side"},
+  };
+  EXPECT_EQ(cases[3].png.size(), 65U);
+  for (const auto& [png, message] : cases) {
+    standin::WriteWholeFile(folder_ / "a.png", png);
+    try {
+      static_cast<void>(standin::ReadPng(folder_ / "a.png"));
+      ADD_FAILURE() << "no error: " << message;
+    } catch (const FileError& error) {
+      EXPECT_TRUE(std::string(error.what()).starts_with(message)) << error.what();
+    }
+    EXPECT_FALSE(standin::IsWholePng(folder_ / "a.png", 4, 4));
   }
 }
 

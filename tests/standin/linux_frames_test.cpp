@@ -16,8 +16,9 @@ TEST_F(Frames, GoesOnAfterAnInterruption) {
   for (const std::string name : {"b", "c"}) {
     const std::string jobs = name == "c" ? " --jobs 2" : "";
     standin::WriteWholeFile(folder_ / "interrupt.sh",
-                            Quoted(TARVO_COMMAND) + " " + Arguments(name + "%d.png", jobs) +
-                                " & job=$!\nuntil [ -e " + Quoted(File(name + "1.png")) +
+                            "env --default-signal=INT " + Quoted(TARVO_COMMAND) + " " +
+                                Arguments(name + "%d.png", jobs) + " & job=$!\nuntil [ -e " +
+                                Quoted(File(name + "1.png")) +
                                 " ]; do sleep 0.01; done\nkill -INT $job; wait $job");
     const Outcome outcome = Shell("sh " + Quoted(File("interrupt.sh")));
     EXPECT_EQ(outcome.code, 130) << outcome.err;
@@ -37,12 +38,8 @@ TEST_F(Frames, GoesOnAfterAnInterruption) {
 }
 
 TEST_F(Frames, PassesAMoviesFramesToItsEncoder) {
-  const auto install = [this](const std::string& script) {
-    standin::WriteWholeFile(folder_ / "ffmpeg", "#!/bin/sh\nfor last; do :; done\n" + script);
-    std::filesystem::permissions(folder_ / "ffmpeg", std::filesystem::perms::owner_all);
-  };
   const std::string path = "PATH=" + Quoted(folder_.string()) + " ";
-  install("exec /bin/cat > \"${last#file:}\"\n");
+  InstallStoringEncoder();
   for (const std::string jobs : {"--jobs 1", "--jobs 2"}) {
     ASSERT_EQ(Render(kRich, "a.webm", jobs, path).code, 0);
     ASSERT_EQ(Render(kRich, "a.mp4", jobs, path).code, 0);
@@ -52,9 +49,11 @@ TEST_F(Frames, PassesAMoviesFramesToItsEncoder) {
               Run(Arguments("-", raw + " --background black")).out)
         << jobs;
   }
-  install("exit 7\n");
+  Install("ffmpeg", "exit 7\n");
   ExpectFailure(Arguments("b.gif", ""), 2, "ffmpeg ended with 7", path);
   ExpectFailure(Arguments("b.gif", ""), 4, "install the package ffmpeg", "PATH=/nowhere ");
+  std::filesystem::remove(folder_ / "ffprobe");
+  ExpectFailure(Arguments("b.gif", ""), 4, "the program ffprobe", path);
 }
 
 }  // namespace

@@ -9,12 +9,16 @@ namespace {
 TEST_F(Frames, WatchFollowsSavesAndKeepsTheLastGoodPicture) {
   const std::string still = kHead + R"({"name": "Up", "image": "a", )" + kCard + "}]}";
   standin::WriteWholeFile(folder_ / "scene.json", still);
-  standin::WriteWholeFile(folder_ / "watch.sh", "cd " + Quoted(folder_.string()) + "\n" +
-                                                    Quoted(TARVO_COMMAND) +
-                                                    R"( watch scene.json -o out.png 2>said & job=$!
-await() { until "$@" >made 2>&1; do sleep 0.02; done; }
+  standin::WriteWholeFile(folder_ / "watch.sh", "cd " + Quoted(folder_.string()) + "\n" + "cp " +
+                                                    Quoted(TARVO_COMMAND) + " tarvo\n" +
+                                                    "plugin=" + Quoted(TARVO_PLUGIN) +
+                                                    R"(
+env --default-signal=INT ./tarvo watch scene.json -o out.png --plugin "$plugin" 2>said & job=$!
+await() { tries=0; until "$@" >made 2>&1; do sleep 0.02; tries=$((tries + 1))
+  if [ $tries -gt 1500 ]; then echo "in vain: $*" >>said; kill $job; exit 99; fi; done; }
 changed() { ! cmp out.png "$1"; }
 await test -e out.png
+rm tarvo  # as a build replaces it
 cp out.png first.png
 cp scene.json good.json
 printf '{"size": ' >scene.json
@@ -26,6 +30,11 @@ await changed first.png
 cp out.png second.png
 sed 's/50, 10/40, 10/' good.json >scene.json
 await changed second.png
+cp out.png third.png
+sed 's/40, 10/30, 10/' good.json >new.json
+touch -r scene.json new.json
+mv new.json scene.json
+await changed third.png
 kill -INT $job; wait $job
 )");
   const Outcome outcome = Shell("sh " + Quoted(File("watch.sh")));

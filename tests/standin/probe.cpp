@@ -57,8 +57,10 @@ PF_Err SetUp(const Command& command) {
   PF_Handle handle = handles->host_new_handle(kSequenceBytes);
   if (handle != nullptr) {
     auto* bytes = static_cast<std::uint8_t*>(handles->host_lock_handle(handle));
-    if (bytes != nullptr) std::memset(bytes, 0, kSequenceBytes);
-    handles->host_unlock_handle(handle);
+    if (bytes != nullptr) {
+      std::memset(bytes, 0, kSequenceBytes);
+      handles->host_unlock_handle(handle);
+    }
     command.out.sequence_data = handle;
   }
   command.Release("PF Handle Suite", 2);

@@ -1,5 +1,6 @@
 #include "standin/scene_file.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <filesystem>
 #include <string>
@@ -122,9 +123,129 @@ TEST(SceneFile, NamesTheNearestOfWhatThereIs) {
             "scene.json: bones[0].image: no image is called \"b\"\n");
 }
 
-TEST(SceneFile, RefusesDeepNestingWithoutRunningOutOfStack) {
-  EXPECT_THROW(Read(std::string(200'000, '[')), InputError);
-  EXPECT_THROW(Read(std::string(200'000, '[') + std::string(200'000, ']')), InputError);
+/// The fields of a scene with one bone for each name; all share an image.
+std::string WithBones(std::size_t count, const std::string& more) {
+  std::string text =
+      R"({"size": [9, 9], "images": {"tile": "tile.png"}, )" + more + R"("bones": [)";
+  for (std::size_t i = 0; i < count; ++i) {
+    text += (i == 0 ? "" : ",") + std::string(R"({"name": "B)") + std::to_string(i) +
+            R"(", "image": "tile", "pieces": []})";
+  }
+  return text + "]}";
+}
+
+/// `member(i)` so many times, between commas.
+template <typename Member>
+std::string Repeated(std::size_t count, Member member) {
+  std::string text;
+  for (std::size_t i = 0; i < count; ++i) {
+    text += (i == 0 ? "" : ", ") + member(std::to_string(i));
+  }
+  return text;
+}
+
+TEST(SceneFile, SaysWhichLimitAFilePasses) {
+  const std::string deep(50'000, '[');
+  const std::string closed(50'000, ']');
+  const std::string longText(4097, 'x');
+  const struct {
+    std::string text;
+    std::string faults;
+  } cases[] = {
+      // The second key makes the library copy the first one's value, with a call for each level.
+      {"{\"size\":\n " + deep + closed + ", \"a\": 1, \"b\": 2}",
+       "scene.json: line 2, column 65: at most 64 lists and objects inside one another expected, "
+       "another one given\n"},
+      {R"({"size": [9, 9], "bones": [], "set": {"[[\"[": )" + std::string(62, '[') +
+           std::string(62, ']') + "}}",
+       "scene.json: set[\"[[\"[\"]: number expected, list of 1 given\n"},
+      {std::string("{\"size\": [9, 9], \"bones\": []}\n") + '\0' + "{}",
+       "scene.json: line 2, column 1: JSON text expected, a zero byte given\n"},
+      {R"({"size": [9, 9], "bones": [{"name": ")" + longText +
+           R"(", "image": "a", "pieces": []}], "images": {"a": "tile.png"}})",
+       "scene.json: bones[0].name: text of at most 4096 bytes expected, 4097 given\n"
+       "scene.json: bones[0].name: text of at most 31 bytes expected, 4097 given\n"},
+      {WithBones(4097, ""),
+       "scene.json: bones: at most 4096 bones and other effects together expected, 4097 given\n"},
+  };
+  for (const auto& [text, faults] : cases) {
+    EXPECT_EQ(Faults(text), faults);
+  }
+}
+
+TEST(SceneFile, SaysAHundredFaultsAndHowManyMoreThereAre) {
+  const std::string faults = Faults(
+      R"({"size": [9, 9], "bones": [], )" +
+      Repeated(250, [](const std::string& i) { return "\"k\\u001b[31m" + i + "\": 1"; }) + "}");
+  EXPECT_EQ(std::count(faults.begin(), faults.end(), '\n'), 101);
+  EXPECT_TRUE(faults.ends_with("\nand 150 more\n")) << faults.substr(faults.size() - 100);
+  EXPECT_EQ(faults.find('\x1b'), std::string::npos);
+  EXPECT_NE(faults.find(R"(k\x1B[31m249)"), 0U);
+}
+
+// Each takes from ten seconds to hours where the time is not linear in the file.
+TEST(SceneFile, AnswersForManyOfEverything) {
+  constexpr std::size_t kMany = 100'000;
+  const auto numbers = [](const std::string& i) { return "\"l" + i + "\": 1"; };
+  EXPECT_EQ(Read(WithBones(1, "\"set\": {" + Repeated(kMany, numbers) + "}, ")).settings.size(),
+            kMany);
+  const std::string keyed = Repeated(
+      kMany, [](const std::string& i) { return "\"l" + i + R"(": [{"frame": 0, "value": 1}])"; });
+  const standin::Animation animation = standin::ReadAnimation(
+      WithBones(1, R"("frames": {"count": 2, "set": {)" + keyed + "}}, "), kImageFolder, "s.json");
+  EXPECT_EQ(standin::SceneAt(animation, 1).settings.size(), kMany);
+  // No bone has this name, and the many that there are would all be compared with it.
+  EXPECT_NE(Faults(WithBones(4096, R"("frames": {"count": 2, "bones": {)" +
+                                       Repeated(kMany,
+                                                [](const std::string& i) {
+                                                  return "\"none of these " + i + "\": {}";
+                                                }) +
+                                       "}}, "))
+                .find("\nand 99900 more\n"),
+            std::string::npos);
+}
+
+// Which bones own sliders changes with the keys, not with every frame of a long animation.
+TEST(SceneFile, FindsBonesWithoutSlidersInLongAnimations) {
+  const auto track = [](const std::string& i) {
+    return "\"B" + i + R"(": {"active": [{"frame": 0, "value": true}, {"frame": )" + i +
+           R"(.5, "value": false}]})";
+  };
+  std::string text =
+      WithBones(2000, R"("frames": {"count": 100000, "bones": {)" + Repeated(1990, track) + "}}, ");
+  EXPECT_EQ(Faults(text), "");
+  // Bones 0 to 1989 become inactive one by one; bone 1998 is the 25th from frame 1974 on.
+  const std::size_t place = text.find(R"("B1998", )") + 9;
+  text.insert(place, R"("active": false, "z": 1, )");
+  EXPECT_EQ(Faults(text), "");
+  text.replace(
+      text.find("\"bones\": {") + 10, 0,
+      R"("B1998": {"active": [{"frame": 0, "value": false}, {"frame": 1900, "value": true}]}, )");
+  EXPECT_EQ(
+      Faults(text),
+      "scene.json: bones[1998].z: only the first 25 active bones have sliders (frame 1900)\n");
+}
+
+TEST(SceneFile, SuggestsNothingForLongWords) {
+  const std::string one(4000, 'x');
+  const std::string other(4000, 'y');
+  EXPECT_EQ(Faults(R"({"size": [9, 9], "images": {")" + other + R"(": "tile.png"}, "bones": [)" +
+                   R"({"name": "A", "image": ")" + one + R"(", "pieces": []}]})"),
+            "scene.json: bones[0].image: no image is called \"" + one.substr(0, 256) + "…\"\n");
+}
+
+// What no bone shows is checked like all others, and takes no memory.
+TEST(SceneFile, DecodesWhatBonesShow) {
+  const Scene scene = Read(R"({"size": [9, 9], "images": {"used": "tile.png", "unused": "tile.png",
+      "again": "../broken/tile.png", "keyed": "tile.png"},
+      "frames": {"count": 2, "bones": {"A": {"image": [{"frame": 1, "value": "keyed"}]}}},
+      "bones": [{"name": "A", "image": "used", "imageB": "again", "pieces": []}]})");
+  EXPECT_EQ(scene.images[0].picture.width, 32);
+  EXPECT_EQ(scene.images[1].picture.width, 0);
+  EXPECT_EQ(scene.images[2].picture, scene.images[0].picture);
+  EXPECT_EQ(scene.images[3].picture, scene.images[0].picture);
+  EXPECT_EQ(Faults(R"({"size": [9, 9], "images": {"unused": "damaged.png"}, "bones": []})"),
+            "scene.json: images.unused: damaged.png: damaged PNG file (a checksum is wrong)\n");
 }
 
 }  // namespace

@@ -1,0 +1,42 @@
+// Extreme numbers and unterminated texts that the stand-in host cannot produce.
+
+#include <algorithm>
+#include <cstdint>
+#include <limits>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "host/match_name.h"
+#include "render/camera.h"
+
+namespace {
+
+/// What follows the field in memory would go on with the name.
+TEST(MatchNameTest, EndsWithItsFieldWithoutATerminator) {
+  struct {
+    tarvo::MatchName name;
+    char behind[8] = "x";
+  } field;
+  const std::string longest(sizeof field.name, 'x');
+  std::copy(longest.begin(), longest.end(), field.name.Buffer());
+  EXPECT_TRUE(field.name.Is(longest));
+  EXPECT_FALSE(field.name.Is(longest + "x"));
+}
+
+TEST(TilesTest, CoverOutputsUpToTheLargestNumber) {
+  constexpr A_long kMost = std::numeric_limits<A_long>::max();
+  const auto tiles = tarvo::TilesOf(kMost, 3, 1'000'000'000, 4096);
+  ASSERT_EQ(tiles.size(), 3U);
+  std::int64_t covered = 0;
+  for (const tarvo::Tile& tile : tiles) {
+    EXPECT_EQ(tile.x, covered);
+    EXPECT_EQ(tile.height, 3);
+    covered += tile.width;
+  }
+  EXPECT_EQ(covered, kMost);
+  EXPECT_TRUE(tarvo::TilesOf(0, 3, 64, 64).empty());
+  EXPECT_TRUE(tarvo::TilesOf(3, 3, 0, 64).empty());
+}
+
+}  // namespace

@@ -1,0 +1,10 @@
+#include "tests/standin/linux_preload.h"
+
+#include "tests/standin/frames_fixture.h"
+
+std::string Preload(const std::string& variable, const std::string& value) {
+  // Address sanitizers want to be the first library and are told that they need not be.
+  return variable + "=" + value +
+         " ASAN_OPTIONS=\"$ASAN_OPTIONS:verify_asan_link_order=0\" LD_PRELOAD=" +
+         Quoted(TARVO_FAULT_PRELOAD) + " ";
+}
