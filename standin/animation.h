@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -90,6 +91,7 @@ struct SettingKeys {
 struct Animation {
   Scene scene;                               ///< what is not keyed is as it is here
   std::vector<std::filesystem::path> files;  ///< that it was read from: the scene's, its images'
+  std::uint64_t fingerprint = 0;             ///< of the bytes of these files; equal for equal bytes
   int count = 1;
   double rate = 25.0;  ///< frames a second
   std::vector<BoneKeys> bones;

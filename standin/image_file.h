@@ -20,6 +20,8 @@ class PngFile {
 
   [[nodiscard]] int Width() const { return width_; }
   [[nodiscard]] int Height() const { return height_; }
+  /// The whole file as it was read.
+  [[nodiscard]] const std::string& Bytes() const { return bytes_; }
   /// Its pixels as ReadPng gives them. Throws FileError when they are damaged, and OutOfMemory.
   [[nodiscard]] Picture Decode() const;
 

@@ -61,6 +61,7 @@ class SceneReader {
     scene_.images = std::move(read.images);
     images_ = std::move(read.names);
     animation_.files = std::move(read.files);
+    animation_.fingerprint = read.fingerprint;
     ReadControls(root);
     if (const auto effects = root.Find("effects")) {
       std::ranges::transform(effects->Items(), std::back_inserter(scene_.effects), ReadEffect);
@@ -156,6 +157,7 @@ Animation ReadAnimation(const std::string& text, const std::filesystem::path& fo
   if (!faults.Empty()) {
     throw InputError(faults.Lines());
   }
+  animation.fingerprint = Fingerprint(text, animation.fingerprint);
   return animation;
 }
 

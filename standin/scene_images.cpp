@@ -8,6 +8,7 @@
 
 #include "standin/image_file.h"
 #include "standin/out_of_memory.h"
+#include "standin/whole_file.h"
 
 namespace standin {
 namespace {
@@ -84,6 +85,7 @@ class ImageReader {
       return picture;
     }
     const PngFile png(file);
+    images_.fingerprint = Fingerprint(png.Bytes(), images_.fingerprint);
     if (!isUsed) {
       return {};
     }

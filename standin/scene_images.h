@@ -19,6 +19,7 @@ struct SceneImages {
   std::vector<NamedImage> images;
   NameIndex names;
   std::vector<std::filesystem::path> files;  ///< that were read
+  std::uint64_t fingerprint = 0;             ///< of their bytes
 };
 
 /// Reads the "images" of a scene. Every file is read and checked, but only what a bone shows, at

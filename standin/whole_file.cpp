@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <random>
 #include <system_error>
 
@@ -94,6 +95,11 @@ std::string ReadWholeFile(const FilePath& file, std::uintmax_t most) {
       return bytes;
     }
   }
+}
+
+std::uint64_t Fingerprint(std::string_view bytes, std::uint64_t before) {
+  constexpr std::uint64_t kFactor = 0x9E37'79B9'7F4A'7C15;  // odd: no two numbers become one
+  return before * kFactor + std::hash<std::string_view>()(bytes);
 }
 
 void ExpectWritable(const FilePath& file) {

@@ -18,6 +18,10 @@ inline constexpr std::uintmax_t kLargestFile = 2'147'483'647;
 /// than `most` bytes, cannot be opened or cannot be read to its end.
 std::string ReadWholeFile(const FilePath& file, std::uintmax_t most = kLargestFile);
 
+/// A number that tells other bytes from these, in every process of this program; `before` is that
+/// of bytes that precede them.
+std::uint64_t Fingerprint(std::string_view bytes, std::uint64_t before = 0);
+
 /// Throws FileError when nothing can be written under that name: its folder is missing or takes no
 /// new files, or the name is a folder's or a read-only file's. Worth knowing before the work of
 /// making what goes into it. A pipe or a device can be written.

@@ -8,10 +8,11 @@
 
 namespace standin {
 
-FrameWorkers::FrameWorkers(const RenderOptions& options, const std::vector<int>& frames,
-                           bool isOneOfMany, bool inOrder, const Interrupt& interrupt,
-                           const Console& console)
+FrameWorkers::FrameWorkers(const RenderOptions& options, const Animation& animation,
+                           const std::vector<int>& frames, bool isOneOfMany, bool inOrder,
+                           const Interrupt& interrupt, const Console& console)
     : options_(options),
+      fingerprint_(animation.fingerprint),
       isOneOfMany_(isOneOfMany),
       inOrder_(inOrder),
       interrupt_(interrupt),
@@ -34,6 +35,10 @@ void FrameWorkers::ExpectSize(int width, int height) { size_ = std::pair(width, 
 std::optional<RenderedFrame> FrameWorkers::Next() {
   while (!interrupt_.Came()) {
     PumpAll();  // also those whose frames are not due: they may print, and have a time limit
+    if (!HaveReadScene()) {
+      AwaitAny();
+      continue;
+    }
     if (inOrder_ && taken_ < total_) {
       Job& due = jobs_[taken_ % jobs_.size()];
       if (auto frame = TakeFrom(due)) {
@@ -70,6 +75,37 @@ std::vector<std::string> FrameWorkers::WordsFor(const std::vector<int>& frames) 
   options.progress = "auto";
   options.jobs = 1;
   return CommandLine(options);
+}
+
+/// True once every worker has told what scene it read, or has ended. A scene may be saved while it
+/// is rendered: frames of two versions are no animation, and the names of the files to be made were
+/// compared with those of the version that was read first.
+bool FrameWorkers::HaveReadScene() {
+  for (Job& job : jobs_) {
+    if (job.hasReadScene || !job.worker.HasMessage()) {
+      continue;
+    }
+    try {
+      job.hasReadScene = true;
+      ExpectScene(FingerprintFrom(job.worker.Take()));
+    } catch (const MessageError& error) {
+      job.worker.Refuse(error.what());
+    }
+  }
+  return std::ranges::all_of(
+      jobs_, [](const Job& job) { return job.hasReadScene || job.worker.IsOver(); });
+}
+
+void FrameWorkers::ExpectScene(std::uint64_t fingerprint) {
+  if (fingerprint == fingerprint_) {
+    return;
+  }
+  failure_ = Unfinished(kWrongInput,
+                        {options_.scene.scene +
+                         ": it or one of its images changed while they were read; run this again"});
+  for (Job& job : jobs_) {
+    job.worker.Stop();
+  }
 }
 
 /// The worker's next frame, if it has come. Does not pump: the end of a worker is looked at in one
@@ -146,6 +182,7 @@ void FrameWorkers::AwaitAny() {
 void SendFrames(const RenderOptions& options, const Console& console) {
   const RenderWishes wishes(options);
   const Animation animation = ReadAnimation(options.scene.scene);
+  SendFingerprint(*console.channel, animation.fingerprint);
   RunStatistics statistics;
   HostedPlugin plugin(options.scene, console);
   const Traffic traffic = PlayFrames(

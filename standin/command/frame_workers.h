@@ -1,11 +1,13 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "standin/animation.h"
 #include "standin/command/interrupt.h"
 #include "standin/command/messages.h"
 #include "standin/command/render_options.h"
@@ -16,12 +18,14 @@ namespace standin {
 /// Frames of an animation, rendered by workers: each of them has every so many-th frame.
 class FrameWorkers {
  public:
-  /// Starts as many workers as the options ask for, but not more than there are frames. With
-  /// `isOneOfMany` the pictures are the layer's part, all of `width` x `height` pixels; with
-  /// `inOrder` they come in the order of the frames. Throws ProcessError. REQUIRES: all references
-  /// outlive this object; there is a frame.
-  FrameWorkers(const RenderOptions& options, const std::vector<int>& frames, bool isOneOfMany,
-               bool inOrder, const Interrupt& interrupt, const Console& console);
+  /// Starts as many workers as the options ask for, but not more than there are frames. Each reads
+  /// the scene anew: what it reads must have the fingerprint of `animation`. With `isOneOfMany` the
+  /// pictures are the layer's part, all of `width` x `height` pixels; with `inOrder` they come in
+  /// the order of the frames. Throws ProcessError. REQUIRES: all references outlive this object;
+  /// there is a frame.
+  FrameWorkers(const RenderOptions& options, const Animation& animation,
+               const std::vector<int>& frames, bool isOneOfMany, bool inOrder,
+               const Interrupt& interrupt, const Console& console);
 
   /// What the pictures of many frames must measure, in pixels.
   void ExpectSize(int width, int height);
@@ -43,10 +47,13 @@ class FrameWorkers {
     Worker worker;
     std::vector<int> frames;
     std::size_t sent = 0;
+    bool hasReadScene = false;
     bool isNoted = false;  ///< its end was looked at
   };
 
   [[nodiscard]] std::vector<std::string> WordsFor(const std::vector<int>& frames) const;
+  bool HaveReadScene();
+  void ExpectScene(std::uint64_t fingerprint);
   std::optional<RenderedFrame> TakeFrom(Job& job);
   RenderedFrame Expected(Job& job, const Message& message) const;
   void PumpAll();
@@ -55,6 +62,7 @@ class FrameWorkers {
   void AwaitAny();
 
   const RenderOptions& options_;
+  std::uint64_t fingerprint_;
   bool isOneOfMany_;
   bool inOrder_;
   const Interrupt& interrupt_;

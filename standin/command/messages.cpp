@@ -141,6 +141,10 @@ bool MessageReader::FillMessage(const Read& read) {
   return true;
 }
 
+void SendFingerprint(MessageWriter& writer, std::uint64_t fingerprint) {
+  writer.Send(MessageKind::kScene, BytesOf(fingerprint));
+}
+
 void Send(MessageWriter& writer, const RenderedFrame& frame) {
   const Picture& picture = frame.picture;
   const PictureHead head{.number = frame.number,
@@ -161,6 +165,10 @@ void Send(MessageWriter& writer, const RunStatistics& statistics) {
 
 void SendEnd(MessageWriter& writer, int exitCode) {
   writer.Send(MessageKind::kEnd, BytesOf(std::int32_t{exitCode}));
+}
+
+std::uint64_t FingerprintFrom(const Message& message) {
+  return RecordFrom<std::uint64_t>(message, MessageKind::kScene);
 }
 
 RenderedFrame FrameFrom(const Message& message) {

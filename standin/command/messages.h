@@ -20,6 +20,7 @@ namespace standin {
 enum class MessageKind : std::uint32_t {
   kOutput,      ///< text for standard output
   kError,       ///< text for standard error, as the command words it
+  kScene,       ///< the fingerprint of the scene that was read, a uint64, before its pictures
   kPicture,     ///< a RenderedFrame
   kStatistics,  ///< a RunStatistics, after the last picture
   kLoaded,      ///< the plug-in is loaded and a host runs
@@ -96,11 +97,13 @@ struct RunStatistics {
   double pluginMilliseconds = 0.0;
 };
 
+void SendFingerprint(MessageWriter& writer, std::uint64_t fingerprint);
 void Send(MessageWriter& writer, const RenderedFrame& frame);
 void Send(MessageWriter& writer, const RunStatistics& statistics);
 void SendEnd(MessageWriter& writer, int exitCode);
 
 /// Throw MessageError when the message is not one of theirs.
+std::uint64_t FingerprintFrom(const Message& message);
 RenderedFrame FrameFrom(const Message& message);
 RunStatistics StatisticsFrom(const Message& message);
 int ExitCodeFrom(const Message& message);

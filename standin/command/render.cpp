@@ -17,9 +17,10 @@ namespace {
 
 /// The frame as a worker renders it. The interrupt is noted for as long alone: what follows is the
 /// writing, which an interrupt ends at once.
-RenderedFrame RenderInWorker(const RenderOptions& options, int frame, const Console& console) {
+RenderedFrame RenderInWorker(const RenderOptions& options, const Animation& animation, int frame,
+                             const Console& console) {
   const Interrupt interrupt;
-  FrameWorkers workers(options, {frame}, false, true, interrupt, console);
+  FrameWorkers workers(options, animation, {frame}, false, true, interrupt, console);
   std::optional<RenderedFrame> rendered = workers.Next();
   while (workers.Next()) {  // none: it returns once the worker has ended
   }
@@ -32,9 +33,9 @@ RenderedFrame RenderInWorker(const RenderOptions& options, int frame, const Cons
   return *std::move(rendered);
 }
 
-void RenderPicture(const RenderOptions& options, const RenderWishes& wishes, int frame,
-                   const Console& console) {
-  RenderedFrame rendered = RenderInWorker(options, frame, console);
+void RenderPicture(const RenderOptions& options, const RenderWishes& wishes,
+                   const Animation& animation, int frame, const Console& console) {
+  RenderedFrame rendered = RenderInWorker(options, animation, frame, console);
   const Picture picture = wishes.OverBackground(std::move(rendered.picture));
   if (wishes.kind == OutputKind::kStream) {
     FrameStream(console.out, options.raw).Take(frame, picture);
@@ -60,7 +61,7 @@ void Render(const RenderOptions& options, const Console& console) {
   ExpectApart("--output", wishes.Files(frames), FilesRead(options.scene, animation));
   const bool isSingle = wishes.kind == OutputKind::kPicture || wishes.kind == OutputKind::kStream;
   if (isSingle && frames.size() == 1) {
-    RenderPicture(options, wishes, frames.front(), console);
+    RenderPicture(options, wishes, animation, frames.front(), console);
   } else {
     RenderFrames(options, wishes, animation, frames, console);
   }

@@ -137,7 +137,7 @@ class FrameRender {
   std::optional<RunStatistics> Pass(const std::vector<int>& frames, FrameOutput& output,
                                     Progress& progress, const Interrupt& interrupt) const {
     if (frames.empty()) return std::nullopt;
-    FrameWorkers workers(options_, frames, true, !MakesFiles(), interrupt, console_);
+    FrameWorkers workers(options_, animation_, frames, true, !MakesFiles(), interrupt, console_);
     workers.ExpectSize(width_, height_);
     FrameQueue queue(
         CountThreads(), interrupt,
@@ -174,10 +174,11 @@ class FrameRender {
     return MakesFiles() ? cores : 1;
   }
 
-  /// Not where the plug-in answered with an error: it would do so again.
+  /// Not where the plug-in answered with an error: it would do so again. Nor where the scene
+  /// changed: frames of the new one do not go with those of the old one.
   static Unfinished WithHint(const Unfinished& failure, const std::vector<std::string>& hint) {
     std::vector<std::string> lines = failure.Lines();
-    if (!lines.empty()) {
+    if (!lines.empty() && failure.Code() != kWrongInput) {
       lines.insert(lines.end(), hint.begin(), hint.end());
     }
     return {failure.Code(), lines};

@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <string>
 #include <string_view>
 
 #include <dlfcn.h>
@@ -49,8 +50,15 @@ __attribute__((visibility("default"))) int pthread_create(pthread_t* thread,
   return Original<decltype(&pthread_create)>("pthread_create")(thread, attributes, start, argument);
 }
 
+/// Before the first of them a file, the variable's text up to a ">", takes the name after it.
 __attribute__((visibility("default"))) pid_t fork() {
   static int calls = 0;
+  if (const char* const change = std::getenv("PRELOAD_CHANGE"); change != nullptr && !IsWorker()) {
+    const std::string_view names = change;
+    const std::size_t sign = names.find('>');
+    const std::string from(names.substr(0, sign));
+    std::rename(from.c_str(), change + sign + 1);
+  }
   if (IsDue("PRELOAD_PROCESSES", calls)) {
     errno = EAGAIN;
     return -1;

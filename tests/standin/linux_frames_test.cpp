@@ -1,9 +1,11 @@
 // Animations where a POSIX shell sends the signal, and stands in for ffmpeg.
 
+#include <cstdint>
 #include <filesystem>
 #include <string>
 
 #include "tests/standin/frames_fixture.h"
+#include "tests/standin/linux_preload.h"
 
 namespace {
 
@@ -34,6 +36,27 @@ TEST_F(Frames, GoesOnAfterAnInterruption) {
   }
   for (const auto& entry : std::filesystem::directory_iterator(folder_)) {
     EXPECT_NE(entry.path().extension(), ".part") << entry.path();
+  }
+}
+
+TEST_F(Frames, OfTwoVersionsOfASceneAreNotMixed) {
+  std::uint8_t shade = 0;
+  for (const std::string changed : {"scene.json", "a.png"}) {
+    for (const std::string output : {"x.png", "x%d.png"}) {
+      standin::WritePng(folder_ / "new", standin::Picture(32, 32, {++shade, 0, 0, 255}));
+      if (changed == "scene.json") {
+        standin::WriteWholeFile(folder_ / "new", kRich + "\n");
+      }
+      const Outcome outcome =
+          Render(kRich, output, "--jobs 2",
+                 Preload("PRELOAD_CHANGE", Quoted(File("new") + ">" + File(changed))));
+      EXPECT_EQ(outcome.code, 2) << changed << ": " << outcome.err;
+      EXPECT_NE(outcome.err.find("scene.json: it or one of its images changed"), std::string::npos)
+          << changed << ": " << outcome.err;
+      EXPECT_EQ(outcome.err.find("goes on"), std::string::npos) << outcome.err;
+      EXPECT_FALSE(std::filesystem::exists(folder_ / "x.png"));
+      EXPECT_FALSE(std::filesystem::exists(folder_ / "x0.png"));
+    }
   }
 }
 
