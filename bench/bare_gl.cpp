@@ -4,7 +4,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "gl/shader_sources.h"
+#include "plugin/gl/shader_sources.h"
 
 namespace bench {
 namespace {

@@ -7,9 +7,9 @@
 
 #include <window_system.h>
 
+#include "base/image/picture.h"
 #include "bench/rigs.h"
-#include "standin/gl_context.h"
-#include "standin/picture.h"
+#include "standin/core/gl_context.h"
 
 namespace bench {
 

@@ -8,11 +8,11 @@
 #include <utility>
 
 #include "bench/measure.h"
-#include "host/host_calls.h"
-#include "host/host_memory.h"
-#include "host/host_world.h"
-#include "host/parameters.h"
-#include "render/pixel_rows.h"
+#include "plugin/host/host_calls.h"
+#include "plugin/host/host_memory.h"
+#include "plugin/host/host_world.h"
+#include "plugin/host/parameters.h"
+#include "plugin/render/pixel_rows.h"
 
 namespace bench {
 namespace {

@@ -5,8 +5,8 @@
 
 #include "bench/bare_gl.h"
 #include "bench/rigs.h"
-#include "entry/entry_point.h"
-#include "standin/host.h"
+#include "plugin/entry/entry_point.h"
+#include "standin/host/host.h"
 
 namespace bench {
 

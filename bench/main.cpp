@@ -11,12 +11,12 @@
 #include <benchmark/benchmark.h>
 #include <malloc.h>
 
+#include "base/files/whole_file.h"
 #include "bench/contests.h"
 #include "bench/page.h"
 #include "bench/results.h"
 #include "bench/sweeps.h"
-#include "standin/gl_context.h"
-#include "standin/whole_file.h"
+#include "standin/core/gl_context.h"
 
 namespace bench {
 namespace {

@@ -5,10 +5,10 @@
 #include "bench/contests.h"
 #include "bench/hosted_rig.h"
 #include "bench/measure.h"
-#include "host/parameters.h"
-#include "host/process.h"
-#include "host/suite_handler.h"
-#include "render/draw_list.h"
+#include "plugin/host/parameters.h"
+#include "plugin/host/process.h"
+#include "plugin/host/suite_handler.h"
+#include "plugin/render/draw_list.h"
 #include "sdk/aegp_suites.h"
 
 namespace bench {

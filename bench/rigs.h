@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "standin/picture.h"
+#include "base/image/picture.h"
 #include "tarvo/companion.h"
 
 namespace bench {

@@ -7,9 +7,9 @@
 
 #include "bench/contests.h"
 #include "bench/measure.h"
-#include "standin/performance.h"
-#include "standin/plugin_library.h"
-#include "standin/scene_file.h"
+#include "standin/loader/plugin_library.h"
+#include "tool/player/performance.h"
+#include "tool/rig/file/scene_file.h"
 
 namespace bench {
 namespace {

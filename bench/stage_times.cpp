@@ -3,7 +3,7 @@
 #include <window_system.h>
 
 #include "bench/measure.h"
-#include "entry/entry_point.h"
+#include "plugin/entry/entry_point.h"
 
 namespace bench {
 namespace {

@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <map>
 
-#include "render/stage_watch.h"
+#include "plugin/render/stage_watch.h"
 #include "sdk/effect.h"
 
 namespace bench {

@@ -11,7 +11,7 @@
 #include "check/support/pieces.h"
 #include "check/support/promise.h"
 #include "check/support/rig.h"
-#include "standin/books.h"
+#include "standin/core/books.h"
 
 namespace check::memory {
 namespace {

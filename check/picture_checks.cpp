@@ -6,11 +6,11 @@
 
 #include <gtest/gtest.h>
 
+#include "base/image/compare.h"
 #include "check/support/parameters.h"
 #include "check/support/pieces.h"
 #include "check/support/promise.h"
 #include "check/support/rig.h"
-#include "standin/compare.h"
 
 namespace check::pictures {
 namespace {

@@ -3,10 +3,10 @@
 #include <cstdint>
 #include <vector>
 
+#include "base/image/compare.h"
 #include "check/support/pieces.h"
 #include "check/support/promise.h"
 #include "check/support/rig.h"
-#include "standin/compare.h"
 
 namespace check::tiles {
 namespace {

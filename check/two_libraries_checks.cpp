@@ -8,7 +8,7 @@
 #include "check/support/pieces.h"
 #include "check/support/promise.h"
 #include "check/support/rig.h"
-#include "standin/plugin_library.h"
+#include "standin/loader/plugin_library.h"
 
 namespace check::two_libraries {
 namespace {

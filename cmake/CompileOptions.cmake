@@ -1,5 +1,5 @@
 # One interface target holds what every file of ours is compiled with; linking `tarvo_options` is how
-# a room takes part.
+# a folder takes part.
 add_library(tarvo_options INTERFACE)
 target_compile_features(tarvo_options INTERFACE cxx_std_20)
 target_include_directories(tarvo_options INTERFACE ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/include)

@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "standin/host.h"
+#include "standin/host/host.h"
 
 namespace check {
 

@@ -5,7 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "check/support/rig.h"
-#include "standin/host.h"
+#include "standin/host/host.h"
 
 namespace check {
 

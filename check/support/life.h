@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "standin/host.h"
-#include "standin/picture.h"
+#include "base/image/picture.h"
+#include "standin/host/host.h"
 
 namespace check {
 

@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "standin/picture.h"
+#include "base/image/picture.h"
 #include "tarvo/companion.h"
 
 /// \file

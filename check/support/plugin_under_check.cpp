@@ -3,7 +3,7 @@
 #include <optional>
 #include <stdexcept>
 
-#include "standin/plugin_library.h"
+#include "standin/loader/plugin_library.h"
 
 namespace check {
 namespace {

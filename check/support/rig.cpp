@@ -1,7 +1,7 @@
 #include "check/support/rig.h"
 
 #include "check/support/parameters.h"
-#include "standin/overlap_bones.h"
+#include "tool/player/overlap_bones.h"
 
 namespace check {
 namespace {

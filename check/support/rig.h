@@ -7,9 +7,9 @@
 #include <gtest/gtest.h>
 
 #include "check/support/plugin_under_check.h"
-#include "standin/companion.h"
-#include "standin/host.h"
-#include "standin/overlap_picture.h"
+#include "standin/core/companion.h"
+#include "standin/host/host.h"
+#include "tool/reference/overlap_picture.h"
 
 namespace check {
 

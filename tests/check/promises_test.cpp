@@ -3,8 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include "base/files/whole_file.h"
 #include "check/run.h"
-#include "standin/whole_file.h"
 
 namespace {
 

@@ -26,8 +26,8 @@
 #include <fuzzer/FuzzedDataProvider.h>
 #include <sanitizer/lsan_interface.h>
 
-#include "entry/entry_point.h"
-#include "standin/host.h"
+#include "plugin/entry/entry_point.h"
+#include "standin/host/host.h"
 #include "tests/fuzz/finding.h"
 #include "tests/support/render_target.h"
 

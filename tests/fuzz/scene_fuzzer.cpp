@@ -14,12 +14,12 @@
 #include <utility>
 #include <vector>
 
-#include "standin/animation.h"
-#include "standin/overlap_bones.h"
-#include "standin/overlap_picture.h"
-#include "standin/scene_file.h"
-#include "standin/scene_json.h"
+#include "base/files/json.h"
 #include "tests/fuzz/finding.h"
+#include "tool/reference/overlap_picture.h"
+#include "tool/rig/active_bones.h"
+#include "tool/rig/animation.h"
+#include "tool/rig/file/scene_file.h"
 
 extern "C" std::size_t LLVMFuzzerMutate(std::uint8_t* data, std::size_t size, std::size_t most);
 

@@ -1,11 +1,11 @@
-#include "gl/class_name.h"
+#include "plugin/gl/class_name.h"
 
 #include <cstdlib>
 #include <string>
 
 #include <gtest/gtest.h>
 
-#include "gl/framework.h"
+#include "plugin/gl/framework.h"
 
 namespace AESDK_OpenGL {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "gl/framework.h"
+#include "plugin/gl/framework.h"
 
 namespace AESDK_OpenGL {
 

@@ -1,7 +1,7 @@
 #include <array>
 #include <vector>
 
-#include "gl/render_target.h"
+#include "plugin/gl/render_target.h"
 #include "tests/gl/framework_fixture.h"
 
 namespace AESDK_OpenGL {

@@ -11,12 +11,12 @@
 
 #include <window_system.h>
 
+#include "base/image/compare.h"
 #include "check/support/life.h"
 #include "check/support/pieces.h"
 #include "check/support/rig.h"
-#include "gl/framework.h"
 #include "platform/linux/window_system_faults.h"
-#include "standin/compare.h"
+#include "plugin/gl/framework.h"
 #include "tests/support/render_target.h"
 
 namespace {

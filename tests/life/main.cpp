@@ -2,8 +2,8 @@
 
 #include "check/support/plugin_under_check.h"
 #include "check/support/settings.h"
-#include "entry/entry_point.h"
-#include "gl/framework.h"
+#include "plugin/entry/entry_point.h"
+#include "plugin/gl/framework.h"
 #include "tests/support/render_target.h"
 
 namespace {

@@ -1,13 +1,13 @@
-#include "standin/overlap.h"
+#include "tool/reference/overlap.h"
 
 #include <cmath>
 #include <vector>
 
 #include <gtest/gtest.h>
 
+#include "base/image/compare.h"
 #include "check/support/pieces.h"
-#include "standin/compare.h"
-#include "standin/overlap_picture.h"
+#include "tool/reference/overlap_picture.h"
 
 // The judge of the plug-in's pictures is itself judged by values worked out by hand.
 

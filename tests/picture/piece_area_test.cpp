@@ -1,6 +1,6 @@
 // Work on an image's maps is limited to the box of its pieces; nobody must be able to tell.
 
-#include "render/piece_area.h"
+#include "plugin/render/piece_area.h"
 
 #include <algorithm>
 #include <cmath>
@@ -14,7 +14,7 @@
 
 #include "check/support/pieces.h"
 #include "check/support/rig.h"
-#include "host/parameters.h"
+#include "plugin/host/parameters.h"
 #include "tests/support/render_target.h"
 
 namespace {

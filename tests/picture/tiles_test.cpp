@@ -8,10 +8,10 @@
 
 #include <gtest/gtest.h>
 
+#include "base/image/compare.h"
 #include "check/support/pieces.h"
 #include "check/support/rig.h"
-#include "gl/framework.h"
-#include "standin/compare.h"
+#include "plugin/gl/framework.h"
 #include "tests/support/render_target.h"
 
 namespace {

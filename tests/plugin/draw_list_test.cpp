@@ -1,6 +1,6 @@
 // The order of pieces of equal depth, which pictures show in part only.
 
-#include "render/draw_list.h"
+#include "plugin/render/draw_list.h"
 
 #include <cstddef>
 #include <vector>

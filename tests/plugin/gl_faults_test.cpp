@@ -7,7 +7,7 @@
 
 #include "check/support/failed_render_test.h"
 #include "check/support/host_test.h"
-#include "gl/framework.h"
+#include "plugin/gl/framework.h"
 
 namespace {
 

@@ -7,8 +7,8 @@
 
 #include <gtest/gtest.h>
 
-#include "host/match_name.h"
-#include "render/camera.h"
+#include "plugin/host/match_name.h"
+#include "plugin/render/camera.h"
 
 namespace {
 

@@ -2,8 +2,8 @@
 
 #include "check/support/host_test.h"
 #include "check/support/pieces.h"
-#include "gl/framework.h"
 #include "platform/linux/window_system_faults.h"
+#include "plugin/gl/framework.h"
 
 namespace {
 

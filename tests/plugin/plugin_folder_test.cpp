@@ -1,4 +1,4 @@
-#include "entry/plugin_folder.h"
+#include "plugin/entry/plugin_folder.h"
 
 #include <string>
 

@@ -1,4 +1,4 @@
-#include "standin/animation.h"
+#include "tool/rig/animation.h"
 
 #include <filesystem>
 #include <string>
@@ -6,7 +6,7 @@
 
 #include <gtest/gtest.h>
 
-#include "standin/scene_file.h"
+#include "tool/rig/file/scene_file.h"
 
 namespace {
 

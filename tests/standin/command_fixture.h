@@ -7,7 +7,7 @@
 
 #include <gtest/gtest.h>
 
-#include "standin/whole_file.h"
+#include "base/files/whole_file.h"
 #include "tests/standin/shell.h"
 
 struct Outcome {

@@ -5,7 +5,7 @@
 
 #include <gtest/gtest.h>
 
-#include "standin/image_file.h"
+#include "base/image/image_file.h"
 #include "tests/standin/command_fixture.h"
 
 namespace {

@@ -1,4 +1,4 @@
-#include "standin/escaped_text.h"
+#include "base/files/escaped_text.h"
 
 #include <string>
 #include <string_view>

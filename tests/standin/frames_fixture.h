@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "standin/image_file.h"
+#include "base/image/image_file.h"
 #include "tests/standin/command_fixture.h"
 
 /// \file

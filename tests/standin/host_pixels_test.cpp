@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "standin/pixels.h"
-#include "standin/worlds.h"
+#include "standin/core/pixels.h"
+#include "standin/core/worlds.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "standin/host.h"
+#include "standin/host/host.h"
 
 #include <cstring>
 #include <filesystem>
@@ -10,7 +10,7 @@
 #include <gtest/gtest.h>
 #include <window_system.h>
 
-#include "standin/plugin_library.h"
+#include "standin/loader/plugin_library.h"
 #include "tests/standin/probe.h"
 
 namespace {

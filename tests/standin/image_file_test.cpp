@@ -1,4 +1,4 @@
-#include "standin/image_file.h"
+#include "base/image/image_file.h"
 
 #include <cstddef>
 #include <cstdint>

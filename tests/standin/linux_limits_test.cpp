@@ -3,7 +3,7 @@
 #include <filesystem>
 #include <string>
 
-#include "standin/image_file.h"
+#include "base/image/image_file.h"
 #include "tests/standin/command_fixture.h"
 
 namespace {

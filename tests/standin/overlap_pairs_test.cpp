@@ -1,4 +1,4 @@
-#include "standin/overlap_pairs.h"
+#include "tool/reference/overlap_pairs.h"
 
 #include <cstddef>
 #include <vector>

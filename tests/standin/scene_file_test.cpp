@@ -1,4 +1,4 @@
-#include "standin/scene_file.h"
+#include "tool/rig/file/scene_file.h"
 
 #include <algorithm>
 #include <cstddef>

@@ -7,7 +7,7 @@
 
 #include <gtest/gtest.h>
 
-#include "standin/host.h"
+#include "standin/host/host.h"
 #include "tests/standin/second/plugin.h"
 #include "tests/standin/second/tables.h"
 

@@ -1,7 +1,7 @@
 #include <cstdlib>
 #include <string>
 
-#include "standin/file_path.h"
+#include "base/files/file_path.h"
 #include "tests/standin/shell.h"
 
 int RunInShell(const std::string& line) {

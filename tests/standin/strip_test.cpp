@@ -1,4 +1,4 @@
-#include "standin/strip.h"
+#include "tool/rig/strip.h"
 
 #include <algorithm>
 #include <array>

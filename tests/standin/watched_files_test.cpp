@@ -1,4 +1,4 @@
-#include "standin/watched_files.h"
+#include "base/files/watched_files.h"
 
 #include <filesystem>
 #include <random>
@@ -7,7 +7,7 @@
 
 #include <gtest/gtest.h>
 
-#include "standin/whole_file.h"
+#include "base/files/whole_file.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "check/support/plugin_under_check.h"
-#include "entry/entry_point.h"
+#include "plugin/entry/entry_point.h"
 
 int main(int argc, char** argv) {
   testing::InitGoogleTest(&argc, argv);

@@ -1,6 +1,6 @@
 #include "tests/support/render_target.h"
 
-#include "gl/framework.h"
+#include "plugin/gl/framework.h"
 
 namespace check {
 

@@ -13,7 +13,7 @@
 #include <tlhelp32.h>
 
 #include "check/support/rig.h"
-#include "standin/host.h"
+#include "standin/host/host.h"
 
 /// \file
 /// What hosts and the Explorer read from the plug-in's file without calling it.

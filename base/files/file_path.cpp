@@ -1,0 +1,16 @@
+#include "base/files/file_path.h"
+
+#include <algorithm>
+#include <cctype>
+
+namespace standin {
+
+std::string EndingOf(const FilePath& file) {
+  std::string ending = file.Get().extension().string();
+  std::ranges::transform(ending, ending.begin(), [](unsigned char letter) {
+    return static_cast<char>(std::tolower(letter));
+  });
+  return ending;
+}
+
+}  // namespace standin

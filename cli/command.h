@@ -1,0 +1,44 @@
+#pragma once
+
+#include <functional>
+
+#include "cli/process/console.h"
+
+namespace CLI {
+class App;
+}
+
+namespace standin {
+
+/// What a command does once its options are read. Throws InputError, PluginError, PluginLoadError
+/// or Unfinished, having left no file that is not whole.
+using Work = std::function<void(const Console&)>;
+
+/// Adds a command with its options to the program; parsing a command line that names the command
+/// sets `chosen`.
+using AddCommand = void (*)(CLI::App& program, Work& chosen);
+
+/// `tarvo render`: a scene file into a picture, or its animation into many or a movie.
+void AddRender(CLI::App& program, Work& chosen);
+
+/// `tarvo explain`: why the pieces of a frame lie as they do.
+void AddExplain(CLI::App& program, Work& chosen);
+/// `tarvo flips`: where bones change places in an animation.
+void AddFlips(CLI::App& program, Work& chosen);
+/// `tarvo diff`: two pictures compared.
+void AddDiff(CLI::App& program, Work& chosen);
+/// `tarvo sheet`: labelled pictures of a rig side by side.
+void AddSheet(CLI::App& program, Work& chosen);
+/// `tarvo watch`: a picture that is made again whenever its scene is saved.
+void AddWatch(CLI::App& program, Work& chosen);
+
+/// Does some work; writes what it throws to the console's `err`, and returns the exit code for it.
+int Try(const std::function<void()>& work, const Console& console);
+
+/// `tarvo check`: whether a build of the plug-in is sound.
+void AddCheck(CLI::App& program, Work& chosen);
+
+/// Runs the program and returns its exit code.
+int RunTarvo(int argc, const char* const* argv, const Console& console);
+
+}  // namespace standin

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+
+#include "base/files/file_system.h"
+#include "base/image/picture.h"
+
+namespace standin {
+
+/// An opaque colour for each place of a picture.
+using Background = std::function<Rgba(int x, int y)>;
+
+/// What kBackgroundWords promises; none for any other text.
+std::optional<Background> ReadBackground(const std::string& text);
+inline constexpr const char* kBackgroundWords =
+    "checker, black, white, grey, red, green, blue, #rgb or #rrggbb";
+
+/// The part of a picture that lies in the layer's frame, in pixels of the picture: `width` x
+/// `height` from the layer's corner; transparent where the picture does not reach.
+Picture CropToLayer(const Picture& picture, int width, int height);
+
+/// Writes a PNG file as WritePng does. Throws InputError, which names the file, when it cannot.
+void WritePicture(const std::string& file, const Picture& picture, Sync sync);
+
+/// The picture as it looks over a background: opaque everywhere.
+Picture Over(const Picture& picture, const Background& background);
+
+}  // namespace standin

@@ -1,0 +1,63 @@
+#include "cli/guarded.h"
+
+#include "cli/process/interrupt.h"
+#include "cli/process/messages.h"
+#include "cli/process/worker.h"
+
+namespace standin {
+namespace {
+
+/// The last picture that the worker sent, if any.
+std::optional<Picture> RunWorker(const SceneOptions& options, const Console& console) {
+  const TimeLimit limit{.seconds = options.timeLimit};
+  const Interrupt interrupt;
+  Worker worker(console.words, console.words.front(), limit, console);
+  std::optional<Picture> picture;
+  while (!worker.IsOver()) {
+    Worker::AwaitAny({&worker});
+    worker.Pump();
+    if (interrupt.Came()) {
+      worker.Stop();
+    }
+    if (worker.HasMessage()) {
+      try {
+        picture = FrameFrom(worker.Take()).picture;
+      } catch (const MessageError& error) {
+        worker.Refuse(error.what());
+      }
+    }
+  }
+  if (interrupt.Came()) {
+    throw Unfinished(kInterrupted, {"interrupted"});
+  }
+  if (const auto failure = FailureOf(worker.End(), limit)) {
+    throw Unfinished(*failure);
+  }
+  return picture;
+}
+
+}  // namespace
+
+void RunGuarded(const SceneOptions& options, const Console& console,
+                const std::function<void()>& work) {
+  if (console.channel != nullptr) {
+    work();
+  } else {
+    RunWorker(options, console);
+  }
+}
+
+std::optional<Picture> MakeGuarded(const SceneOptions& options, const Console& console,
+                                   const std::function<Picture()>& make) {
+  if (console.channel != nullptr) {
+    Send(*console.channel, RenderedFrame{.picture = make()});
+    return std::nullopt;
+  }
+  std::optional<Picture> picture = RunWorker(options, console);
+  if (!picture) {
+    throw Unfinished(kPluginFault, {"the process that runs the plug-in sent no picture"});
+  }
+  return picture;
+}
+
+}  // namespace standin

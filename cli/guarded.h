@@ -1,0 +1,23 @@
+#pragma once
+
+#include <functional>
+#include <optional>
+
+#include "base/image/picture.h"
+#include "cli/command.h"
+#include "cli/options/scene_options.h"
+
+namespace standin {
+
+/// Runs the work of a command that loads the plug-in in a worker: this very command line, whose
+/// texts come to this console. In the worker, where it is called too, it does the work. Throws
+/// Unfinished when the worker fails or the user interrupts.
+void RunGuarded(const SceneOptions& options, const Console& console,
+                const std::function<void()>& work);
+
+/// The same of work that makes a picture: it comes back from the worker. None is returned in the
+/// worker itself, which has no more to do.
+std::optional<Picture> MakeGuarded(const SceneOptions& options, const Console& console,
+                                   const std::function<Picture()>& make);
+
+}  // namespace standin

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <iosfwd>
+#include <stdexcept>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace standin {
+
+class MessageWriter;
+
+/// What the program ends with.
+enum ExitCode : int {
+  kMade = 0,
+  kDifferent = 1,    ///< two pictures are not the same
+  kNotSound = 1,     ///< a build of the plug-in broke a promise
+  kWrongInput = 2,   ///< a file, a scene or an option is wrong
+  kPluginFault = 3,  ///< the plug-in returned an error, broke a rule, crashed or hung
+  kCannotRun = 4,    ///< the library cannot be loaded, or this machine cannot run it
+  kOutputLost = 4,   ///< standard output cannot be written
+  kIncomplete = 5,   ///< a part of what was asked for is missing at the end
+  kInterrupted = 130,
+};
+
+/// The command ends before its work is done, with a code other than those of the errors.
+class Unfinished : public std::runtime_error {
+ public:
+  Unfinished(int exitCode, std::vector<std::string> lines)
+      : std::runtime_error(lines.empty() ? "" : lines.front()),
+        code_(exitCode),
+        lines_(std::move(lines)) {}
+
+  [[nodiscard]] int Code() const { return code_; }
+  [[nodiscard]] const std::vector<std::string>& Lines() const { return lines_; }
+
+ private:
+  int code_;
+  std::vector<std::string> lines_;
+};
+
+/// Where a command writes: what was made to `out`, everything else to `err`.
+struct Console {
+  std::ostream& out;
+  std::ostream& err;
+  /// In a worker (worker.h): the way to the process that started it; null otherwise.
+  MessageWriter* channel = nullptr;
+  /// The command line, less the program's name.
+  std::vector<std::string> words = {};
+};
+
+/// Writes what was made or found to `out`, or to `err` where `out` cannot be written: it stays
+/// told.
+void Tell(const Console& console, const std::string& text);
+
+}  // namespace standin

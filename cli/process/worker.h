@@ -1,0 +1,111 @@
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "cli/process/console.h"
+#include "cli/process/messages.h"
+#include "cli/process/process.h"
+#include "cli/process/time_limit.h"
+
+namespace standin {
+
+/// What a worker may take, in seconds: each command of the plug-in, or all that the process does.
+struct TimeLimit {
+  enum class Of { kCommand, kProcess };
+
+  double seconds = kUsualTimeLimit;
+  Of of = Of::kCommand;
+};
+
+/// How a worker ended.
+struct WorkerEnd {
+  std::optional<int> told;  ///< the exit code that it announced; none if it did not come so far
+  int code = 0;             ///< what Process::Wait says
+  bool timedOut = false;
+  std::string damage;  ///< what was wrong with its messages; empty if nothing was
+  bool ranOutOfMemory = false;
+  std::string place;     ///< where the plug-in was: PlaceText
+  std::string hostCall;  ///< HostCallText
+
+  /// True iff it did what it was started for, and said so.
+  [[nodiscard]] bool IsGood() const {
+    return told == kMade && code == kMade && !timedOut && damage.empty();
+  }
+};
+
+/// This program, started once more to run the plug-in, so that a crash or a hang ends that process
+/// alone. It sends messages on a channel of its own; what it prints goes to the console's `err`,
+/// behind its name.
+///
+///   (AwaitAny Pump Take*)* until IsOver; End
+class Worker {
+ public:
+  /// `words` are a command line, less the program's name; `name` is what its printed lines are
+  /// marked with. Throws ProcessError. REQUIRES: the console outlives this object.
+  Worker(const std::vector<std::string>& words, std::string name, TimeLimit limit,
+         const Console& console);
+  Worker(Worker&&) = default;
+  Worker& operator=(Worker&&) = delete;
+  ~Worker() = default;
+
+  /// Takes in what has come: prints and texts are passed on, one message is kept for Take. Ends the
+  /// worker at its time limit or when its messages are damaged. Never blocks.
+  void Pump();
+  [[nodiscard]] bool HasMessage() const { return message_.has_value(); }
+  /// REQUIRES: HasMessage.
+  Message Take();
+  /// A message was taken that is not what this worker has to send: ends it.
+  void Refuse(const std::string& damage);
+  /// Ends it by force.
+  void Stop() { process_.Kill(); }
+  /// True iff it has ended and there is nothing left of it to be taken in.
+  [[nodiscard]] bool IsOver() const { return isOver_; }
+  /// REQUIRES: IsOver.
+  [[nodiscard]] WorkerEnd End() const;
+
+  [[nodiscard]] const std::string& Name() const { return name_; }
+
+  /// Blocks until one of them has something for Pump, but not for long, so that time limits and
+  /// interrupts are noticed.
+  static void AwaitAny(const std::vector<Worker*>& workers);
+
+ private:
+  using Clock = std::chrono::steady_clock;
+
+  void PassPrintsOn(std::size_t most);
+  void PassLinesOn(bool isLast);
+  [[nodiscard]] std::string Marked(std::string line) const;
+  bool ReadMessages();
+  void TakeIn(Message message);
+  void WatchTime();
+
+  std::string name_;
+  TimeLimit limit_;
+  const Console* console_;
+  Process process_;
+  MessageReader reader_;
+  std::optional<Message> message_;
+  std::string printed_;  ///< the beginning of a line
+  std::uint64_t changes_ = 0;
+  Clock::time_point since_ = Clock::now();  ///< of the last change, or of the start
+  Clock::time_point watched_ = since_;      ///< when WatchTime was last here
+  Clock::duration writing_;                 ///< what its thread had spent on writing then
+  std::optional<int> told_;
+  bool timedOut_ = false;
+  bool isOver_ = false;
+  std::string damage_;
+};
+
+/// Why a worker did not do what it was started for: a sentence and the exit code for it, or no
+/// sentence where the worker itself has said why. None if it is good.
+std::optional<Unfinished> FailureOf(const WorkerEnd& end, const TimeLimit& limit);
+
+/// "120 s"
+std::string SecondsText(double seconds);
+
+}  // namespace standin

@@ -1,0 +1,115 @@
+#include <chrono>
+#include <memory>
+#include <ostream>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <CLI/CLI.hpp>
+
+#include "base/files/file_path.h"
+#include "base/files/watched_files.h"
+#include "cli/command.h"
+#include "cli/frames/render.h"
+#include "cli/frames/render_options.h"
+#include "cli/options/output_guard.h"
+#include "cli/process/interrupt.h"
+#include "tool/rig/file/scene_file.h"
+
+namespace standin {
+namespace {
+
+/// How often files are looked at. Something saved has to stand still for as long, so that a file of
+/// which an editor has written a half is not taken for a fault.
+constexpr std::chrono::milliseconds kGlance{100};
+
+/// Returns when a file was saved since the last look, or `interrupt` came.
+void AwaitSave(WatchedFiles& files, const Interrupt& interrupt) {
+  const FileStamps seen = files.Stamps();
+  while (!interrupt.Came() && (files.Look() || files.Stamps() == seen)) {
+    std::this_thread::sleep_for(kGlance);
+  }
+}
+
+/// Renders a scene again whenever it is saved. What cannot be rendered is said; the picture stays.
+class SceneWatch {
+ public:
+  SceneWatch(const RenderOptions& options, const Console& console)
+      : options_(options), console_(console), scene_(FilePath(options.scene.scene).Get(), FilesOf) {
+    ExpectUsable();
+  }
+
+  /// Until Ctrl-C. Throws Unfinished if the picture is not that of the scene as it is then.
+  void Run() {
+    const Interrupt interrupt;
+    int code = kMade;
+    Say("watching " + options_.scene.scene + " and its images; Ctrl-C ends this");
+    while (!interrupt.Came()) {
+      code = Try([this] { Make(); }, console_);
+      if (code != kMade) {
+        Say(options_.output + (isMade_ ? ": the last good picture stays" : ": no picture yet"));
+      }
+      AwaitSave(scene_, interrupt);
+    }
+    if (code != kMade) {
+      throw Unfinished(code, {});
+    }
+  }
+
+ private:
+  /// Options that no save of the scene can mend end the command before it begins.
+  void ExpectUsable() const {
+    if (RenderWishes(options_).kind != OutputKind::kPicture) {
+      OptionFaults faults;
+      faults.Expected("--output", "name of one picture (out.png)", options_.output);
+      faults.ThrowIfAny();
+    }
+    ExpectApart("--output", {options_.output},
+                {FilePath(options_.scene.scene).Get(), FilePath(PluginOf(options_.scene)).Get()});
+  }
+
+  void Make() {
+    Render(options_, console_);
+    console_.out.flush();  // somebody looks at it now
+    isMade_ = true;
+  }
+
+  void Say(const std::string& line) const {
+    if (!options_.quiet) {
+      console_.err << line << std::endl;
+    }
+  }
+
+  const RenderOptions& options_;
+  const Console& console_;
+  WatchedFiles scene_;
+  bool isMade_ = false;
+};
+
+}  // namespace
+
+void AddWatch(CLI::App& program, Work& chosen) {
+  const auto options = std::make_shared<RenderOptions>();
+  CLI::App* command =
+      program.add_subcommand("watch", "Render a scene again whenever it or an image is saved");
+  AddSceneOptions(*command, options->scene);
+  NotEmpty(command->add_option("-o,--output", options->output, "The picture to make"))
+      ->required()
+      ->type_name("OUT.png");
+  command->add_option("--frame", options->frames, "The frame of an animation; the first otherwise")
+      ->type_name("N")
+      ->check(CLI::NonNegativeNumber);
+  AddLookOptions(*command, *options);
+  command->footer(
+      R"(What cannot be rendered is said on standard error, and the last good picture stays.
+Ctrl-C ends it, with 0 if the picture is that of the scene as it is then.
+
+Examples:
+  tarvo watch examples/wave/wave.json -o wave.png --background checker
+  tarvo watch examples/wave/wave.json -o depth.png --frame 40 --show depth)");
+  command->callback([options, &chosen] {
+    chosen = [options](const Console& console) { SceneWatch(*options, console).Run(); };
+  });
+}
+
+}  // namespace standin

@@ -1,9 +1,0 @@
-#include "host/process.h"
-
-namespace tarvo {
-
-SPBasicSuite* gBasicSuite = nullptr;
-AEGP_PluginID gPluginId = 0;
-A_u_long gIdleTicks = 0;
-
-}  // namespace tarvo

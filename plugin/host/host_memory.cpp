@@ -1,0 +1,39 @@
+#include "plugin/host/host_memory.h"
+
+#include <utility>
+
+#include "plugin/host/error_chain.h"
+
+namespace tarvo {
+
+HostMemory::HostMemory(SuiteHandler& suites, A_HandleSize bytes)
+    : memory_(suites.Get<PF_HandleSuite1>()), handle_(memory_.host_new_handle(bytes)) {}
+
+HostMemory::~HostMemory() {
+  if (handle_ == nullptr) return;
+  // One by one: a host that throws at the first is still asked for the second.
+  if (locked_) IgnoreErrors([&] { memory_.host_unlock_handle(handle_); });
+  IgnoreErrors([&] { memory_.host_dispose_handle(handle_); });
+}
+
+void* HostMemory::Lock() {
+  void* const bytes = memory_.host_lock_handle(handle_);
+  locked_ = bytes != nullptr;
+  return bytes;
+}
+
+void HostMemory::Unlock() {
+  locked_ = false;
+  memory_.host_unlock_handle(handle_);
+}
+
+PF_Handle HostMemory::Release() {
+  if (locked_) Unlock();
+  return std::exchange(handle_, nullptr);
+}
+
+void DisposeHandle(SuiteHandler& suites, PF_Handle handle) {
+  suites.Get<PF_HandleSuite1>().host_dispose_handle(handle);
+}
+
+}  // namespace tarvo

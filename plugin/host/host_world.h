@@ -1,0 +1,51 @@
+#pragma once
+
+#include <utility>
+
+#include "plugin/host/host_calls.h"
+#include "sdk/effect_suites.h"
+
+namespace tarvo {
+
+/// An 8-bit world that the host makes for us: Make? (Release | Dispose)?. What is neither released
+/// nor disposed of goes back when the scope ends, on whatever path.
+class HostWorld {
+ public:
+  HostWorld(HostCalls& host, PF_ProgPtr effectRef) : host_(host), effectRef_(effectRef) {}
+  ~HostWorld() { Dispose(); }
+  HostWorld(const HostWorld&) = delete;
+  HostWorld& operator=(const HostWorld&) = delete;
+
+  /// Asks for a world of that size in pixels, its pixels not cleared; chained.
+  void Make(A_long width, A_long height) {
+    if (!host_.Ok()) return;
+    host_.Run(&PF_WorldSuite1::new_world, effectRef_, width, height, PF_NewWorldFlag_NONE, &world_);
+    made_ = host_.Ok();
+    if (!made_) world_ = {};
+  }
+
+  /// Gives the world back, if there is one; an error counts only if there was none.
+  void Dispose() {
+    if (std::exchange(made_, false)) {
+      host_.GiveBack(&PF_WorldSuite1::dispose_world, effectRef_, &world_);
+    }
+  }
+
+  /// Hands the world over to the caller. REQUIRES: Made.
+  PF_EffectWorld Release() {
+    made_ = false;
+    return world_;
+  }
+
+  [[nodiscard]] bool Made() const { return made_; }
+  /// All fields are zero unless it was made.
+  PF_EffectWorld& Get() { return world_; }
+
+ private:
+  HostCalls& host_;
+  PF_ProgPtr effectRef_;
+  PF_EffectWorld world_{};
+  bool made_ = false;
+};
+
+}  // namespace tarvo

@@ -1,0 +1,19 @@
+#pragma once
+
+#include "plugin/render/frame.h"
+#include "plugin/render/ownership_maps.h"
+
+namespace tarvo {
+
+/// Draws the pieces of one tile in two passes: the greatest of all pieces, channel by channel, and
+/// over it the pieces from the deepest to the nearest, where only a pixel's owner of each image
+/// shows unless transparency is fast. The target then holds premultiplied colour. Stops the render
+/// like RequireFramework if the framework fails. [framework's context current, program in use,
+/// camera aimed]
+void RenderColourPasses(Frame& frame, const Tile& tile, OwnershipMaps& maps);
+
+/// Reads one tile back into its place in the scratch world. False if the host has no buffer, or no
+/// address for a row: the tile is then not, or not wholly, there. What the host throws passes.
+bool ReadBack(Frame& frame, const Tile& tile);
+
+}  // namespace tarvo

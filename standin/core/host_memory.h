@@ -1,0 +1,71 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <deque>
+#include <memory>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "sdk/effect.h"
+#include "standin/core/books.h"
+
+namespace standin {
+
+/// Host handles. A handle points to its master pointer; the memory behind it is the plug-in's to
+/// use while the handle is locked, by the plug-in or, during a command, by the host.
+class HostMemory {
+ public:
+  explicit HostMemory(Books& books);
+  HostMemory(const HostMemory&) = delete;
+  HostMemory& operator=(const HostMemory&) = delete;
+  ~HostMemory();
+
+  /// Whether new memory is filled with a pattern and unlocked memory is watched (they are), or left
+  /// as the system and the plug-in give it.
+  void Inspect(bool inspects) { inspects_ = inspects; }
+  /// A new unlocked handle of that many bytes; null when there is no memory.
+  PF_Handle New(A_HandleSize bytes);
+  /// A new handle that holds a copy of these bytes.
+  PF_Handle NewFrom(const std::vector<std::uint8_t>& bytes);
+  /// Locks the handle; its master pointer, or null for a handle that is none.
+  void* Lock(PF_Handle handle, std::string_view who);
+  void Unlock(PF_Handle handle, std::string_view who);
+  void Dispose(PF_Handle handle, std::string_view who);
+  A_HandleSize Size(PF_Handle handle, std::string_view who);
+  /// Changes the size in place of the handle and keeps what fits; the handle must not be locked.
+  PF_Err Resize(A_HandleSize bytes, PF_Handle handle, std::string_view who);
+
+  /// What the host does itself around a command: a lock that the plug-in's accounts don't show. The
+  /// handle may be null, and may be gone by the time it is unlocked.
+  void HostLock(PF_Handle handle);
+  void HostUnlock(PF_Handle handle);
+  /// The bytes behind a living handle, as a project is saved; empty for null.
+  [[nodiscard]] std::vector<std::uint8_t> Bytes(PF_Handle handle) const;
+  /// Gives the memory behind a handle up: its master pointer is null from now on.
+  void Purge(PF_Handle handle);
+  /// The plug-in's locks were written off in the books.
+  void ForgetLocks();
+  [[nodiscard]] bool Alive(PF_Handle handle) const { return books_.Alive(Kind::kHandle, handle); }
+  /// One unlock of a handle whose lock was made to fail is no violation from now on.
+  void AllowUnlockOf(PF_Handle handle);
+
+  /// Bytes at the start of an unlocked handle that must not change until it is locked again.
+  static constexpr std::size_t kWatchedBytes = std::size_t{64} * 1024;
+
+ private:
+  struct Block;
+
+  Block* Find(PF_Handle handle, std::string_view who);
+  [[nodiscard]] Block* Living(PF_Handle handle) const;
+  void Watch(Block& block) const;
+  void CheckWatched(Block& block, std::string_view who);
+
+  Books& books_;
+  std::unordered_map<const void*, std::unique_ptr<Block>> blocks_;
+  std::deque<std::unique_ptr<Block>> graveyard_;
+  bool inspects_ = true;
+};
+
+}  // namespace standin

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <functional>
+#include <vector>
+
+#include "base/image/picture.h"
+#include "tool/reference/overlap.h"
+#include "tool/reference/overlap_pixel.h"
+
+/// \file
+/// Whole frames as the stand-in's own model would draw them.
+
+namespace standin {
+
+/// Calls `visit` for every pixel of the frame, row by row, with the fragments at its centre,
+/// deepest first.
+void ForEachPixel(const Overlap& overlap,
+                  const std::function<void(int x, int y, const std::vector<Fragment>&)>& visit);
+
+struct OverlapPicture {
+  Picture picture;
+  /// One entry a pixel, row by row. False where two correct renderers may disagree: closer than
+  /// kEdgeMargin to the edge of a piece, or where an owner is not decided.
+  std::vector<bool> decided;
+};
+
+/// What the frame should look like.
+OverlapPicture DrawOverlap(const Overlap& overlap);
+
+}  // namespace standin
