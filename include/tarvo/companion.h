@@ -75,6 +75,9 @@ extern "C" {
 /* The index of the companion's parameter that the renderer counts up, modulo 1000. */
 #define TARVO_NUDGE_PARAMETER 89
 
+/* The longest side, in pixels, of a layer and of an image that the host makes. */
+#define TARVO_LONGEST_SIDE 30000
+
 /* Bytes of the host's image record, PF_EffectWorld. */
 #define TARVO_WORLD_BYTES 120
 

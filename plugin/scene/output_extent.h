@@ -2,11 +2,12 @@
 
 #include "plugin/scene/scene.h"
 #include "sdk/effect.h"
+#include "tarvo/companion.h"
 
 namespace tarvo {
 
 /// The largest side, in pixels, of an output that the host accepts.
-inline constexpr A_long kLargestSide = 30'000;
+inline constexpr A_long kLargestSide = TARVO_LONGEST_SIDE;
 
 /// The host's side of a frame: layer size in pixels at full resolution, denominators of the
 /// resolution, and the origin of what lies before this effect.

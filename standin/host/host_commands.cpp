@@ -7,12 +7,13 @@
 #include "standin/host/conversation.h"
 #include "standin/host/host.h"
 #include "standin/host/life_cycle.h"
+#include "tarvo/companion.h"
 
 namespace standin {
 namespace {
 
 // The longest side of an image that the host makes.
-constexpr A_long kLongestSide = 30'000;
+constexpr A_long kLongestSide = TARVO_LONGEST_SIDE;
 constexpr PF_Pixel kInputColour{0xFF, 0x40, 0x60, 0x80};
 
 bool IsInputColour(PF_Pixel pixel) {

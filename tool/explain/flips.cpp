@@ -6,6 +6,7 @@
 #include <set>
 
 #include "base/files/input_error.h"
+#include "tarvo/companion.h"
 #include "tool/player/overlap_bones.h"
 #include "tool/reference/overlap_pairs.h"
 #include "tool/rig/active_bones.h"
@@ -18,7 +19,7 @@ constexpr double kSeenAlpha = 0.02;
 /// Pairs of pieces of different bones that lie on one another in a frame, at most: 160 MB of them.
 constexpr std::size_t kMostTouching = 5'000'000;
 /// Pixels of the layer beyond which nothing is looked at: the longest side of a frame.
-constexpr double kFarthest = 30'000.0;
+constexpr double kFarthest = TARVO_LONGEST_SIDE;
 
 std::size_t SharedPixels(const Overlap& overlap, const PlacedPiece& one, const PlacedPiece& other) {
   const auto isSeen = [&](const PlacedPiece& piece, Point at) {

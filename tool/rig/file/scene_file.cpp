@@ -22,7 +22,7 @@
 namespace standin {
 namespace {
 
-constexpr int kLongestLayerSide = 30'000;
+constexpr int kLongestLayerSide = TARVO_LONGEST_SIDE;
 /// Most bones and other effects. The plug-in looks through all of the stack at each bone's message:
 /// the time grows with the square of their number.
 constexpr std::size_t kMostInStack = 4096;
