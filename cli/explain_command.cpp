@@ -10,6 +10,7 @@
 
 #include "cli/command.h"
 #include "cli/guarded.h"
+#include "cli/options/hosted_plugin.h"
 #include "cli/options/scene_options.h"
 #include "tool/explain/explanation.h"
 #include "tool/player/performance.h"

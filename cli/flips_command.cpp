@@ -8,6 +8,7 @@
 
 #include "cli/command.h"
 #include "cli/guarded.h"
+#include "cli/options/hosted_plugin.h"
 #include "cli/options/scene_options.h"
 #include "tool/explain/flips.h"
 #include "tool/player/performance.h"

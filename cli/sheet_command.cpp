@@ -16,6 +16,7 @@
 #include "cli/frames/finish.h"
 #include "cli/frames/frame_list.h"
 #include "cli/guarded.h"
+#include "cli/options/hosted_plugin.h"
 #include "cli/options/output_guard.h"
 #include "cli/options/scene_options.h"
 #include "tool/player/performance.h"
@@ -83,7 +84,7 @@ class SheetMaker {
     faults_.ThrowIfAny();
     animation_ = ReadAnimation(options.scene.scene);
     if (!IsWorker()) {
-      ExpectApart("--output", {options.output}, FilesRead(options.scene, animation_));
+      ExpectApart("--output", {options.output}, FilesRead(options.scene, animation_.files));
     }
     ReadFrames();
     faults_.ThrowIfAny();

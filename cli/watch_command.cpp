@@ -12,6 +12,7 @@
 #include "cli/command.h"
 #include "cli/frames/render.h"
 #include "cli/frames/render_options.h"
+#include "cli/frames/render_settings.h"
 #include "cli/options/output_guard.h"
 #include "cli/process/interrupt.h"
 #include "tool/rig/file/scene_file.h"
@@ -59,7 +60,7 @@ class SceneWatch {
  private:
   /// Options that no save of the scene can mend end the command before it begins.
   void ExpectUsable() const {
-    if (RenderWishes(options_).kind != OutputKind::kPicture) {
+    if (ReadRenderSettings(options_, console_).kind != OutputKind::kPicture) {
       OptionFaults faults;
       faults.Expected("--output", "name of one picture (out.png)", options_.output);
       faults.ThrowIfAny();
@@ -108,7 +109,13 @@ Examples:
   tarvo watch examples/wave/wave.json -o wave.png --background checker
   tarvo watch examples/wave/wave.json -o depth.png --frame 40 --show depth)");
   command->callback([options, &chosen] {
-    chosen = [options](const Console& console) { SceneWatch(*options, console).Run(); };
+    chosen = [options](const Console& console) {
+      if (console.channel != nullptr) {
+        Render(*options, console);
+      } else {
+        SceneWatch(*options, console).Run();
+      }
+    };
   });
 }
 

@@ -80,6 +80,7 @@ JobOutcome RunJob(const CheckOptions& options, const std::string& check, const C
   const Clock::time_point start = Clock::now();
   Worker worker(ReportingCommandLine(options, check), check,
                 {.seconds = options.timeLimit, .of = TimeLimit::Of::kProcess}, console);
+  worker.Order("");
   JobOutcome outcome;
   while (!worker.IsOver()) {
     Worker::AwaitAny({&worker});

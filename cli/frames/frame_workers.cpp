@@ -1,43 +1,103 @@
 #include "cli/frames/frame_workers.h"
 
 #include <algorithm>
+#include <string>
 #include <utility>
 
+#include <nlohmann/json.hpp>
+
 #include "cli/frames/frame_list.h"
+#include "cli/frames/picture_composer.h"
+#include "cli/options/hosted_plugin.h"
+#include "cli/process/interrupt.h"
 #include "tool/rig/file/scene_file.h"
 
 namespace standin {
+namespace {
 
-FrameWorkers::FrameWorkers(const RenderOptions& options, const Animation& animation,
-                           const std::vector<int>& frames, bool isOneOfMany, bool inOrder,
-                           const Interrupt& interrupt, const Console& console)
-    : options_(options),
-      fingerprint_(animation.fingerprint),
-      isOneOfMany_(isOneOfMany),
-      inOrder_(inOrder),
-      interrupt_(interrupt),
-      limit_{.seconds = options.scene.timeLimit},
-      total_(frames.size()) {
-  const std::size_t count = std::min(static_cast<std::size_t>(options.jobs), frames.size());
+/// What a worker is to render, as it is sent to it.
+struct FrameOrder {
+  std::vector<int> frames;
+  bool cropsToLayer = false;
+};
+
+std::string OrderText(const FrameOrder& order) {
+  return nlohmann::json{{"frames", FrameListText(order.frames)},
+                        {"cropsToLayer", order.cropsToLayer}}
+      .dump();
+}
+
+/// Of an animation of `count` frames.
+FrameOrder ReadFrameOrder(int count) {
+  const nlohmann::json order = nlohmann::json::parse(ReadOrder());
+  return {.frames = ReadFrameList(order.at("frames").get<std::string>(), count).value(),
+          .cropsToLayer = order.at("cropsToLayer").get<bool>()};
+}
+
+SceneSummary SummaryOf(const Animation& animation) {
+  return {.frames = animation.count,
+          .width = animation.scene.width,
+          .height = animation.scene.height,
+          .rate = animation.rate,
+          .fingerprint = animation.fingerprint,
+          .files = animation.files};
+}
+
+}  // namespace
+
+FrameWorkers::FrameWorkers(const RenderSettings& settings, const Console& console)
+    : settings_(settings), console_(console), limit_{.seconds = settings.scene.timeLimit} {
+  AddJob();
+}
+
+void FrameWorkers::AddJob() {
+  jobs_.push_back({.worker = Worker(console_.words, console_.words.front(), limit_, console_)});
+}
+
+SceneSummary FrameWorkers::AwaitScene() {
+  const Interrupt interrupt;
+  for (PumpAll(); !interrupt.Came() && !HaveReadScene(); PumpAll()) {
+    AwaitAny();
+  }
+  if (interrupt.Came()) {
+    throw Unfinished(kInterrupted, {"interrupted"});
+  }
+  if (failure_) {
+    throw Unfinished(*failure_);
+  }
+  return jobs_.front().scene.value();
+}
+
+void FrameWorkers::Start(const std::vector<int>& frames, bool cropsToLayer, bool inOrder) {
+  const std::size_t count = std::min(static_cast<std::size_t>(settings_.jobs), frames.size());
+  total_ = frames.size();
+  inOrder_ = inOrder;
+  while (jobs_.size() < count) {
+    AddJob();
+  }
   for (std::size_t number = 0; number < count; ++number) {
-    std::vector<int> own;
+    Job& job = jobs_[number];
     for (std::size_t i = number; i < frames.size(); i += count) {
-      own.push_back(frames[i]);
+      job.frames.push_back(frames[i]);
     }
-    const std::string name =
-        count > 1 ? "job " + std::to_string(number + 1) : console.words.front();
-    jobs_.push_back({.worker = Worker(WordsFor(own), name, limit_, console), .frames = own});
+    if (count > 1) {
+      job.worker.Rename("job " + std::to_string(number + 1));
+    }
+    job.worker.Order(OrderText({job.frames, cropsToLayer}));
   }
 }
 
 void FrameWorkers::ExpectSize(int width, int height) { size_ = std::pair(width, height); }
 
 std::optional<RenderedFrame> FrameWorkers::Next() {
-  while (!interrupt_.Came()) {
+  while (!Interrupt::Pending()) {
     PumpAll();  // also those whose frames are not due: they may print, and have a time limit
     if (!HaveReadScene()) {
       AwaitAny();
       continue;
+    }
+    if (isMixed_) {
+      return std::nullopt;
     }
     if (inOrder_ && taken_ < total_) {
       Job& due = jobs_[taken_ % jobs_.size()];
@@ -63,48 +123,35 @@ std::optional<RenderedFrame> FrameWorkers::Next() {
   return std::nullopt;
 }
 
-/// This very command for some frames.
-std::vector<std::string> FrameWorkers::WordsFor(const std::vector<int>& frames) const {
-  RenderOptions options = options_;
-  options.frames = FrameListText(frames);  // short: systems bound the length of an argument
-  options.output = "-";
-  options.background.clear();                 // what is behind the picture is added here
-  options.raw = options.raw || isOneOfMany_;  // the layer's part alone
-  options.quiet = true;
-  options.missing = false;
-  options.progress = "auto";
-  options.jobs = 1;
-  return CommandLine(options);
-}
-
 /// True once every worker has told what scene it read, or has ended. A scene may be saved while it
 /// is rendered: frames of two versions are no animation, and the names of the files to be made were
 /// compared with those of the version that was read first.
 bool FrameWorkers::HaveReadScene() {
   for (Job& job : jobs_) {
-    if (job.hasReadScene || !job.worker.HasMessage()) {
-      continue;
-    }
-    try {
-      job.hasReadScene = true;
-      ExpectScene(FingerprintFrom(job.worker.Take()));
-    } catch (const MessageError& error) {
-      job.worker.Refuse(error.what());
+    if (!job.scene && job.worker.HasMessage()) {
+      TakeScene(job);
     }
   }
-  return std::ranges::all_of(
-      jobs_, [](const Job& job) { return job.hasReadScene || job.worker.IsOver(); });
+  return std::ranges::all_of(jobs_,
+                             [](const Job& job) { return job.scene || job.worker.IsOver(); });
 }
 
-void FrameWorkers::ExpectScene(std::uint64_t fingerprint) {
-  if (fingerprint == fingerprint_) {
+void FrameWorkers::TakeScene(Job& job) {
+  try {
+    job.scene = SummaryFrom(job.worker.Take());
+  } catch (const MessageError& error) {
+    return job.worker.Refuse(error.what());
+  }
+  const std::optional<SceneSummary>& first = jobs_.front().scene;
+  if (first && first->fingerprint == job.scene->fingerprint) {
     return;
   }
+  isMixed_ = true;
   failure_ = Unfinished(kWrongInput,
-                        {options_.scene.scene +
+                        {settings_.scene.scene +
                          ": it or one of its images changed while they were read; run this again"});
-  for (Job& job : jobs_) {
-    job.worker.Stop();
+  for (Job& any : jobs_) {
+    any.worker.Stop();
   }
 }
 
@@ -152,7 +199,7 @@ void FrameWorkers::PumpAll() {
 
 void FrameWorkers::NoteEnd(const Job& job) {
   std::optional<Unfinished> failure = FailureOf(job.worker.End(), limit_);
-  if (!failure && job.sent < job.frames.size()) {
+  if (!failure && (!job.scene || job.sent < job.frames.size())) {
     failure = Unfinished(kPluginFault,
                          {"the process that runs the plug-in sent " + std::to_string(job.sent) +
                           " of " + std::to_string(job.frames.size()) + " frames"});
@@ -179,22 +226,23 @@ void FrameWorkers::AwaitAny() {
   Worker::AwaitAny(workers);
 }
 
-void SendFrames(const RenderOptions& options, const Console& console) {
-  const RenderWishes wishes(options);
-  const Animation animation = ReadAnimation(options.scene.scene);
-  SendFingerprint(*console.channel, animation.fingerprint);
+void SendFrames(const RenderSettings& settings, const Console& console) {
+  const Animation animation = ReadAnimation(settings.scene.scene);
+  Send(*console.channel, SummaryOf(animation));
+  const FrameOrder order = ReadFrameOrder(animation.count);
+  const PictureComposer composer(settings, animation.scene.width, animation.scene.height);
   RunStatistics statistics;
-  HostedPlugin plugin(options.scene, console);
+  HostedPlugin plugin(settings.scene, console);
   const Traffic traffic = PlayFrames(
-      plugin.TheHost(), animation, wishes.Frames(animation), wishes.play,
+      plugin.TheHost(), animation, order.frames, settings.play,
       [&](int number, PlayedFrame played) {
         statistics.pluginMilliseconds += played.milliseconds;
-        Picture shown = wishes.Shown(std::move(played.picture), plugin.TheHost(), animation.scene);
-        Send(*console.channel, RenderedFrame{.number = number,
-                                             .picture = wishes.Cropped(
-                                                 std::move(shown), animation.scene, options.raw),
-                                             .pieces = played.pieces,
-                                             .milliseconds = played.milliseconds});
+        Send(*console.channel,
+             RenderedFrame{.number = number,
+                           .picture = composer.Compose(std::move(played.picture), plugin.TheHost(),
+                                                       order.cropsToLayer),
+                           .pieces = played.pieces,
+                           .milliseconds = played.milliseconds});
         return true;
       });
   statistics.messages = traffic.messages;

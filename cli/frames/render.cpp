@@ -2,25 +2,26 @@
 
 #include <cmath>
 #include <optional>
-#include <ostream>
+#include <string>
 #include <utility>
 #include <vector>
 
 #include "cli/frames/finish.h"
 #include "cli/frames/frame_workers.h"
+#include "cli/frames/picture_composer.h"
 #include "cli/frames/render_frames.h"
 #include "cli/options/output_guard.h"
-#include "tool/rig/file/scene_file.h"
+#include "cli/process/interrupt.h"
 
 namespace standin {
 namespace {
 
 /// The frame as a worker renders it. The interrupt is noted for as long alone: what follows is the
 /// writing, which an interrupt ends at once.
-RenderedFrame RenderInWorker(const RenderOptions& options, const Animation& animation, int frame,
-                             const Console& console) {
+RenderedFrame RenderInWorker(FrameWorkers& workers, const std::vector<int>& frame,
+                             bool cropsToLayer) {
   const Interrupt interrupt;
-  FrameWorkers workers(options, animation, {frame}, false, true, interrupt, console);
+  workers.Start(frame, cropsToLayer, true);
   std::optional<RenderedFrame> rendered = workers.Next();
   while (workers.Next()) {  // none: it returns once the worker has ended
   }
@@ -33,17 +34,17 @@ RenderedFrame RenderInWorker(const RenderOptions& options, const Animation& anim
   return *std::move(rendered);
 }
 
-void RenderPicture(const RenderOptions& options, const RenderWishes& wishes,
-                   const Animation& animation, int frame, const Console& console) {
-  RenderedFrame rendered = RenderInWorker(options, animation, frame, console);
-  const Picture picture = wishes.OverBackground(std::move(rendered.picture));
-  if (wishes.kind == OutputKind::kStream) {
-    FrameStream(console.out, options.raw).Take(frame, picture);
+void RenderPicture(const RenderSettings& settings, const PictureComposer& composer,
+                   const std::vector<int>& frame, FrameWorkers& workers, const Console& console) {
+  RenderedFrame rendered = RenderInWorker(workers, frame, composer.CropsToLayer(false));
+  const Picture picture = composer.OverBackground(std::move(rendered.picture));
+  if (settings.kind == OutputKind::kStream) {
+    FrameStream(console.out, settings.raw).Take(rendered.number, picture);
     return;
   }
-  WritePicture(options.output, picture, options.sync);
-  if (!options.quiet) {
-    Tell(console, options.output + ": " + std::to_string(picture.width) + "x" +
+  WritePicture(settings.output, picture, settings.sync);
+  if (!settings.quiet) {
+    Tell(console, settings.output + ": " + std::to_string(picture.width) + "x" +
                       std::to_string(picture.height) + ", " + std::to_string(rendered.pieces) +
                       " pieces, " + std::to_string(std::lround(rendered.milliseconds)) + " ms\n");
   }
@@ -52,18 +53,21 @@ void RenderPicture(const RenderOptions& options, const RenderWishes& wishes,
 }  // namespace
 
 void Render(const RenderOptions& options, const Console& console) {
+  const RenderSettings settings = ReadRenderSettings(options, console);
   if (console.channel != nullptr) {
-    return SendFrames(options, console);
+    return SendFrames(settings, console);
   }
-  const RenderWishes wishes(options);
-  const Animation animation = ReadAnimation(options.scene.scene);
-  const std::vector<int> frames = wishes.Frames(animation);
-  ExpectApart("--output", wishes.Files(frames), FilesRead(options.scene, animation));
-  const bool isSingle = wishes.kind == OutputKind::kPicture || wishes.kind == OutputKind::kStream;
-  if (isSingle && frames.size() == 1) {
-    RenderPicture(options, wishes, animation, frames.front(), console);
+  FrameWorkers workers(settings, console);
+  const SceneSummary scene = workers.AwaitScene();
+  const std::vector<int> frames = FramesAskedFor(settings, scene.frames);
+  ExpectApart("--output", FilesMade(settings, frames), FilesRead(settings.scene, scene.files));
+  const PictureComposer composer(settings, scene.width, scene.height);
+  const bool isSingle = settings.kind == OutputKind::kPicture ||
+                        (settings.kind == OutputKind::kStream && frames.size() == 1);
+  if (isSingle) {
+    RenderPicture(settings, composer, frames, workers, console);
   } else {
-    RenderFrames(options, wishes, animation, frames, console);
+    RenderFrames(settings, composer, scene.rate, frames, workers, console);
   }
 }
 

@@ -17,7 +17,6 @@
 #include "base/image/image_file.h"
 #include "cli/frames/frame_list.h"
 #include "cli/frames/frame_queue.h"
-#include "cli/frames/frame_workers.h"
 #include "cli/frames/movie.h"
 #include "cli/process/interrupt.h"
 #include "cli/process/system.h"
@@ -28,31 +27,30 @@ namespace {
 
 class FrameRender {
  public:
-  FrameRender(const RenderOptions& options, const RenderWishes& wishes, const Animation& animation,
-              const std::vector<int>& frames, const Console& console)
-      : options_(options),
-        wishes_(wishes),
-        animation_(animation),
+  FrameRender(const RenderSettings& settings, const PictureComposer& composer, double rate,
+              const std::vector<int>& frames, FrameWorkers& workers, const Console& console)
+      : settings_(settings),
+        composer_(composer),
+        rate_(rate),
         frames_(frames),
-        console_(console),
-        width_(wishes.Scaled(animation.scene.width)),
-        height_(wishes.Scaled(animation.scene.height)) {}
+        workers_(workers),
+        console_(console) {}
 
   void Run() {
     try {
-      Make(options_.missing ? Missing() : frames_);
+      Make(settings_.missing ? Missing() : frames_);
     } catch (...) {
       ListMissing();
       throw;
     }
     if (const std::vector<int> missing = Missing(); !missing.empty()) {
       List(missing);
-      throw Unfinished(kIncomplete, {options_.output + ": not all frames are there"});
+      throw Unfinished(kIncomplete, {settings_.output + ": not all frames are there"});
     }
   }
 
  private:
-  [[nodiscard]] bool MakesFiles() const { return wishes_.kind == OutputKind::kFrames; }
+  [[nodiscard]] bool MakesFiles() const { return settings_.kind == OutputKind::kFrames; }
 
   /// The frames whose file is absent, does not decode or has another size; none where no files are
   /// made.
@@ -75,8 +73,8 @@ class FrameRender {
     for (std::size_t share = 0; share < shares; ++share) {
       looks.push_back(StartTask([this, &whole, share, shares] {
         for (std::size_t place = share; place < frames_.size(); place += shares) {
-          const std::string file = FrameFile(options_.output, frames_[place]);
-          whole[place] = IsWholePng(file, width_, height_) ? 1 : 0;
+          const std::string file = FrameFile(settings_.output, frames_[place]);
+          whole[place] = IsWholePng(file, composer_.Width(), composer_.Height()) ? 1 : 0;
         }
       }));
     }
@@ -89,15 +87,15 @@ class FrameRender {
     try {
       List(Missing());
     } catch (const std::exception& error) {
-      console_.err << options_.output << ": which frames are missing is not known: " << error.what()
-                   << '\n';
+      console_.err << settings_.output
+                   << ": which frames are missing is not known: " << error.what() << '\n';
     }
   }
 
   void List(std::vector<int> missing) const {
     std::ranges::sort(missing);
     if (!missing.empty()) {
-      console_.err << options_.output << ": missing " << FrameListText(missing) << '\n';
+      console_.err << settings_.output << ": missing " << FrameListText(missing) << '\n';
     }
   }
 
@@ -106,7 +104,7 @@ class FrameRender {
     OptionFaults faults;
     if (MakesFiles()) {
       for (const int frame : frames) {
-        faults.Expect(ExpectReplaceable, FrameFile(options_.output, frame));
+        faults.Expect(ExpectReplaceable, FrameFile(settings_.output, frame));
       }
     }
     faults.ThrowIfAny();
@@ -116,8 +114,8 @@ class FrameRender {
     ExpectReplaceableFiles(frames);
     const Interrupt interrupt;
     const std::unique_ptr<FrameOutput> output = MakeOutput();
-    const bool isWatched = frames.size() > 1 || wishes_.progress == ProgressForm::kJson;
-    Progress progress(console_.err, isWatched ? wishes_.progress : ProgressForm::kNone,
+    const bool isWatched = frames.size() > 1 || settings_.progress == ProgressForm::kJson;
+    Progress progress(console_.err, isWatched ? settings_.progress : ProgressForm::kNone,
                       static_cast<int>(frames.size()));
     std::optional<RunStatistics> statistics;
     try {
@@ -135,36 +133,36 @@ class FrameRender {
 
   /// Renders the frames and passes them to the output. Throws when one of them does not come.
   std::optional<RunStatistics> Pass(const std::vector<int>& frames, FrameOutput& output,
-                                    Progress& progress, const Interrupt& interrupt) const {
+                                    Progress& progress, const Interrupt& interrupt) {
     if (frames.empty()) return std::nullopt;
-    FrameWorkers workers(options_, animation_, frames, true, !MakesFiles(), interrupt, console_);
-    workers.ExpectSize(width_, height_);
+    workers_.Start(frames, composer_.CropsToLayer(true), !MakesFiles());
+    workers_.ExpectSize(composer_.Width(), composer_.Height());
     FrameQueue queue(
         CountThreads(), interrupt,
         [&](int frame, Picture picture) {
-          output.Take(frame, wishes_.OverBackground(std::move(picture)));
+          output.Take(frame, composer_.OverBackground(std::move(picture)));
           progress.Made(frame);
         },
         [&] { output.Abort(); });
-    while (auto frame = workers.Next()) {
+    while (auto frame = workers_.Next()) {
       queue.Put(frame->number, std::move(frame->picture));
     }
     queue.Finish();
-    if (const auto& failure = workers.Failure()) {
+    if (const auto& failure = workers_.Failure()) {
       throw WithHint(*failure, ResumeHint("stopped", progress.Count(), frames.size()));
     }
-    return workers.Statistics();
+    return workers_.Statistics();
   }
 
   [[nodiscard]] std::unique_ptr<FrameOutput> MakeOutput() const {
-    switch (wishes_.kind) {
+    switch (settings_.kind) {
       case OutputKind::kMovie:
-        return std::make_unique<Movie>(options_.output, width_, height_, animation_.rate,
-                                       options_.sync);
+        return std::make_unique<Movie>(settings_.output, composer_.Width(), composer_.Height(),
+                                       rate_, settings_.sync);
       case OutputKind::kStream:
-        return std::make_unique<FrameStream>(console_.out, options_.raw);
+        return std::make_unique<FrameStream>(console_.out, settings_.raw);
       default:
-        return std::make_unique<FrameFiles>(options_.output, options_.sync);
+        return std::make_unique<FrameFiles>(settings_.output, settings_.sync);
     }
   }
 
@@ -188,31 +186,30 @@ class FrameRender {
   [[nodiscard]] std::vector<std::string> ResumeHint(const std::string& end, int made,
                                                     std::size_t total) const {
     if (!MakesFiles()) {
-      return {end + "; " + options_.output + " is not complete"};
+      return {end + "; " + settings_.output + " is not complete"};
     }
-    RenderOptions rest = options_;
-    rest.missing = true;
     std::string command = Quoted(ThisProgram().string());
-    for (const std::string& word : CommandLine(rest)) {
+    for (const std::string& word : console_.words) {
       command += " " + Quoted(word);
     }
+    command += settings_.missing ? "" : " --missing";
     return {end + " after " + std::to_string(made) + " of " + std::to_string(total) +
                 " frames; this goes on:",
             command};
   }
 
   void SayMade(const Progress& progress, const std::optional<RunStatistics>& statistics) const {
-    if (options_.quiet || wishes_.kind == OutputKind::kStream) {
+    if (settings_.quiet || settings_.kind == OutputKind::kStream) {
       return;
     }
     if (progress.Count() == 0) {
-      Tell(console_, options_.output + ": no frame is missing\n");
+      Tell(console_, settings_.output + ": no frame is missing\n");
       return;
     }
     std::ostringstream line;
-    line << std::fixed << std::setprecision(1) << options_.output << ": " << progress.Count()
-         << " frames of " << width_ << "x" << height_ << " in " << progress.Seconds() << " s ("
-         << progress.Count() / progress.Seconds() << " a second";
+    line << std::fixed << std::setprecision(1) << settings_.output << ": " << progress.Count()
+         << " frames of " << composer_.Width() << "x" << composer_.Height() << " in "
+         << progress.Seconds() << " s (" << progress.Count() / progress.Seconds() << " a second";
     if (statistics) {
       line << "; the plug-in alone " << 1000.0 * progress.Count() / statistics->pluginMilliseconds
            << "), " << statistics->messages << " messages, " << statistics->images << " images";
@@ -222,21 +219,19 @@ class FrameRender {
     Tell(console_, line.str() + "\n");
   }
 
-  const RenderOptions& options_;
-  const RenderWishes& wishes_;
-  const Animation& animation_;
+  const RenderSettings& settings_;
+  const PictureComposer& composer_;
+  double rate_;
   const std::vector<int>& frames_;
+  FrameWorkers& workers_;
   const Console& console_;
-  int width_;  // of every picture, in pixels
-  int height_;
 };
 
 }  // namespace
 
-void RenderFrames(const RenderOptions& options, const RenderWishes& wishes,
-                  const Animation& animation, const std::vector<int>& frames,
-                  const Console& console) {
-  FrameRender(options, wishes, animation, frames, console).Run();
+void RenderFrames(const RenderSettings& settings, const PictureComposer& composer, double rate,
+                  const std::vector<int>& frames, FrameWorkers& workers, const Console& console) {
+  FrameRender(settings, composer, rate, frames, workers, console).Run();
 }
 
 }  // namespace standin

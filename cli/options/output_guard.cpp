@@ -73,10 +73,9 @@ InputError Refusal(const std::string& option, const std::string& name, const std
 }  // namespace
 
 std::vector<std::filesystem::path> FilesRead(const SceneOptions& options,
-                                             const Animation& animation) {
-  std::vector<std::filesystem::path> files = animation.files;
-  files.push_back(FilePath(PluginOf(options)).Get());
-  return files;
+                                             std::vector<std::filesystem::path> sceneFiles) {
+  sceneFiles.push_back(FilePath(PluginOf(options)).Get());
+  return sceneFiles;
 }
 
 void ExpectApart(const std::string& option, const std::vector<std::string>& made,

@@ -5,13 +5,12 @@
 #include <vector>
 
 #include "cli/options/scene_options.h"
-#include "tool/rig/animation.h"
 
 namespace standin {
 
-/// What a command on a scene reads: the scene file, its images, the plug-in.
+/// What a command on a scene reads: the files of the scene, and the plug-in.
 std::vector<std::filesystem::path> FilesRead(const SceneOptions& options,
-                                             const Animation& animation);
+                                             std::vector<std::filesystem::path> sceneFiles);
 
 /// Throws InputError if one of the files to be made, under whatever name, is one of those read,
 /// this program or where its standard streams go, or if two of them are links to one file. `option`

@@ -2,14 +2,11 @@
 
 #include <cmath>
 #include <cstddef>
-#include <ostream>
 #include <utility>
 
 #include <CLI/CLI.hpp>
 
-#include "base/files/escaped_text.h"
 #include "base/files/input_error.h"
-#include "base/files/text_table.h"
 #include "base/files/whole_file.h"
 #include "cli/process/system.h"
 
@@ -28,12 +25,6 @@ std::optional<Setting> ReadSetting(const std::string& text) {
     return std::nullopt;
   }
   return Setting{text.substr(0, sign), *value, "--set \"" + text + "\""};
-}
-
-HostOptions OptionsFor(const PluginLibrary& library) {
-  HostOptions options;
-  options.pluginPath = library.Path();
-  return options;
 }
 
 }  // namespace
@@ -126,38 +117,8 @@ PlayOptions ReadPlayOptions(const SceneOptions& options, OptionFaults& faults) {
   return play;
 }
 
-std::vector<std::string> CommandLine(const SceneOptions& options) {
-  std::vector<std::string> words = {options.scene};
-  if (!options.plugin.empty()) {
-    words.insert(words.end(), {"--plugin", options.plugin});
-  }
-  for (const auto& [isSet, flag] :
-       {std::pair(options.exact, "--exact"), std::pair(options.fast, "--fast"),
-        std::pair(options.trace, "--trace")}) {
-    if (isSet) {
-      words.emplace_back(flag);
-    }
-  }
-  for (const std::string& setting : options.settings) {
-    words.insert(words.end(), {"--set", setting});
-  }
-  if (options.timeLimit != kUsualTimeLimit) {
-    words.insert(words.end(), {"--time-limit", Shortest(options.timeLimit)});
-  }
-  return words;
-}
-
 std::string PluginOf(const SceneOptions& options) {
   return options.plugin.empty() ? DefaultPlugin() : options.plugin;
-}
-
-HostedPlugin::HostedPlugin(const SceneOptions& options, const Console& console)
-    : library_(PluginOf(options)), host_(library_.EntryPoint(), OptionsFor(library_)) {
-  host_.gate.KeepLog(false);
-  if (options.trace) {
-    host_.gate.TraceTo(
-        [&err = console.err](std::string_view line) { err << ForTerminal(line) << '\n'; });
-  }
 }
 
 }  // namespace standin

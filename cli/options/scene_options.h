@@ -8,10 +8,7 @@
 #include <vector>
 
 #include "base/files/whole_file.h"
-#include "cli/process/console.h"
 #include "cli/process/time_limit.h"
-#include "standin/host/host.h"
-#include "standin/loader/plugin_library.h"
 #include "tool/player/performance.h"
 
 namespace CLI {
@@ -41,9 +38,6 @@ void AddSceneOptions(CLI::App& command, SceneOptions& options);
 
 /// Adds --no-sync. REQUIRES: `sync` outlives the parsing.
 void AddSyncOption(CLI::App& command, Sync& sync);
-
-/// The words of a command line that gives these options.
-std::vector<std::string> CommandLine(const SceneOptions& options);
 
 /// Options that cannot be used, a line each.
 class OptionFaults {
@@ -85,20 +79,5 @@ std::string PluginOf(const SceneOptions& options);
 /// --exact, --fast and --set as they are played; those of --set that are no LABEL=NUMBER are kept
 /// as faults.
 PlayOptions ReadPlayOptions(const SceneOptions& options, OptionFaults& faults);
-
-/// The plug-in that a command asks for, loaded, and a host for it; its trace goes to the console
-/// if that was asked for. Throws PluginLoadError, and std::runtime_error where no OpenGL context
-/// can be made.
-class HostedPlugin {
- public:
-  /// REQUIRES: the console's streams outlive this object.
-  HostedPlugin(const SceneOptions& options, const Console& console);
-
-  [[nodiscard]] Host& TheHost() { return host_; }
-
- private:
-  PluginLibrary library_;  // outlives the host, whose end calls the plug-in
-  Host host_;
-};
 
 }  // namespace standin

@@ -4,6 +4,8 @@
 #include <cstring>
 #include <type_traits>
 
+#include "base/files/file_path.h"
+
 namespace standin {
 namespace {
 
@@ -18,6 +20,16 @@ struct Header {
   std::uint64_t length = 0;
 };
 static_assert(sizeof(Header) == 24);
+
+/// The names of the files follow, each with a zero at its end.
+struct SceneHead {
+  std::int32_t frames = 0;
+  std::int32_t width = 0;
+  std::int32_t height = 0;
+  std::uint32_t unused = 0;
+  double rate = 0;
+  std::uint64_t fingerprint = 0;
+};
 
 struct PictureHead {
   std::int32_t number = 0;
@@ -141,8 +153,17 @@ bool MessageReader::FillMessage(const Read& read) {
   return true;
 }
 
-void SendFingerprint(MessageWriter& writer, std::uint64_t fingerprint) {
-  writer.Send(MessageKind::kScene, BytesOf(fingerprint));
+void Send(MessageWriter& writer, const SceneSummary& summary) {
+  const SceneHead head{.frames = summary.frames,
+                       .width = summary.width,
+                       .height = summary.height,
+                       .rate = summary.rate,
+                       .fingerprint = summary.fingerprint};
+  std::string names;
+  for (const std::filesystem::path& file : summary.files) {
+    names += file.string() + '\0';
+  }
+  writer.Send(MessageKind::kScene, BytesOf(head), names);
 }
 
 void Send(MessageWriter& writer, const RenderedFrame& frame) {
@@ -167,8 +188,19 @@ void SendEnd(MessageWriter& writer, int exitCode) {
   writer.Send(MessageKind::kEnd, BytesOf(std::int32_t{exitCode}));
 }
 
-std::uint64_t FingerprintFrom(const Message& message) {
-  return RecordFrom<std::uint64_t>(message, MessageKind::kScene);
+SceneSummary SummaryFrom(const Message& message) {
+  const auto head = RecordFrom<SceneHead>(message, MessageKind::kScene, true);
+  SceneSummary summary{.frames = head.frames,
+                       .width = head.width,
+                       .height = head.height,
+                       .rate = head.rate,
+                       .fingerprint = head.fingerprint};
+  std::string_view names = std::string_view(message.bytes).substr(sizeof head);
+  for (std::size_t end = names.find('\0'); end != std::string_view::npos; end = names.find('\0')) {
+    summary.files.push_back(FilePath(std::string(names.substr(0, end))).Get());
+    names.remove_prefix(end + 1);
+  }
+  return summary;
 }
 
 RenderedFrame FrameFrom(const Message& message) {

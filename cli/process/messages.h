@@ -3,6 +3,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <filesystem>
 #include <functional>
 #include <optional>
 #include <ostream>
@@ -20,7 +21,7 @@ namespace standin {
 enum class MessageKind : std::uint32_t {
   kOutput,      ///< text for standard output
   kError,       ///< text for standard error, as the command words it
-  kScene,       ///< the fingerprint of the scene that was read, a uint64, before its pictures
+  kScene,       ///< a SceneSummary, before its pictures
   kPicture,     ///< a RenderedFrame
   kStatistics,  ///< a RunStatistics, after the last picture
   kLoaded,      ///< the plug-in is loaded and a host runs
@@ -82,6 +83,16 @@ class MessageReader {
   Message message_;
 };
 
+/// What the process that started a worker has to know of the scene that the worker has read.
+struct SceneSummary {
+  int frames = 1;
+  int width = 0;  ///< of the layer, in pixels
+  int height = 0;
+  double rate = 0.0;                         ///< frames a second
+  std::uint64_t fingerprint = 0;             ///< of the bytes of its files
+  std::vector<std::filesystem::path> files;  ///< that were read: the scene's, its images'
+};
+
 /// A frame as a worker sends it.
 struct RenderedFrame {
   int number = 0;
@@ -97,13 +108,13 @@ struct RunStatistics {
   double pluginMilliseconds = 0.0;
 };
 
-void SendFingerprint(MessageWriter& writer, std::uint64_t fingerprint);
+void Send(MessageWriter& writer, const SceneSummary& summary);
 void Send(MessageWriter& writer, const RenderedFrame& frame);
 void Send(MessageWriter& writer, const RunStatistics& statistics);
 void SendEnd(MessageWriter& writer, int exitCode);
 
 /// Throw MessageError when the message is not one of theirs.
-std::uint64_t FingerprintFrom(const Message& message);
+SceneSummary SummaryFrom(const Message& message);
 RenderedFrame FrameFrom(const Message& message);
 RunStatistics StatisticsFrom(const Message& message);
 int ExitCodeFrom(const Message& message);

@@ -33,7 +33,7 @@ class Process {
   enum class Pipe {
     kToInput,     ///< a pipe to its standard input; its other streams are this program's
     kFromOutput,  ///< a pipe from its standard output; its other streams are this program's
-    kWorker,      ///< what a worker needs: see ParentLink, which is the other end
+    kWorker,      ///< a pipe to its standard input, and what ParentLink, the other end, needs
   };
 
   /// What a process is awaited for, beside what it prints.
@@ -52,6 +52,8 @@ class Process {
 
   /// Writes to the program's input. Throws ProcessError when the program reads no more.
   void Write(const void* bytes, std::size_t size);
+  /// Nothing more is written: the program's input ends.
+  void CloseInput();
 
   /// What a worker has sent and not been read yet, at most `size` bytes; 0 if there is nothing now.
   std::size_t ReadChannel(void* bytes, std::size_t size);
@@ -89,7 +91,6 @@ class Process {
  private:
   struct Running;  // what the system knows it by
 
-  void CloseInput();
   void AppendPrints(std::string& output);
 
   std::unique_ptr<Running> running_;

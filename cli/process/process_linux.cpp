@@ -167,6 +167,29 @@ pid_t Start(const std::vector<std::string>& command, StartPlan plan) {
   return child;
 }
 
+/// While it exists, a write to a pipe that nobody reads fails without the signal that would end
+/// this program. Only this thread's: what ends a write to standard output is the user's wish.
+class WithoutPipeSignal {
+ public:
+  WithoutPipeSignal() {
+    sigemptyset(&pipe_);
+    sigaddset(&pipe_, SIGPIPE);
+    pthread_sigmask(SIG_BLOCK, &pipe_, &before_);
+  }
+  WithoutPipeSignal(const WithoutPipeSignal&) = delete;
+  WithoutPipeSignal& operator=(const WithoutPipeSignal&) = delete;
+  ~WithoutPipeSignal() {
+    constexpr timespec kNow{};
+    while (sigtimedwait(&pipe_, nullptr, &kNow) < 0 && errno == EINTR) {
+    }
+    pthread_sigmask(SIG_SETMASK, &before_, nullptr);
+  }
+
+ private:
+  sigset_t pipe_{};
+  sigset_t before_{};
+};
+
 void MakeNonblocking(const Descriptor& descriptor) {
   fcntl(descriptor.Get(), F_SETFL, fcntl(descriptor.Get(), F_GETFL) | O_NONBLOCK);
 }
@@ -215,6 +238,7 @@ struct Process::Running {
 
   void StartWorker(std::vector<std::string> command) {
     constexpr int kRoom = 1 << 20;  // most of a frame at once; systems may grant less
+    PipeEnds forInput;
     PipeEnds forChannel;
     PipeEnds forPrints;
     record = std::make_unique<SharedRecord>();
@@ -225,8 +249,11 @@ struct Process::Running {
     const int printed = forPrints.writing.Get();
     // Also after its file was replaced: both ends of the channel are the same program.
     id = Start(command, {.program = "/proc/self/exe",
-                         .streams = {{printed, STDOUT_FILENO}, {printed, STDERR_FILENO}},
+                         .streams = {{forInput.reading.Get(), STDIN_FILENO},
+                                     {printed, STDOUT_FILENO},
+                                     {printed, STDERR_FILENO}},
                          .inherited = {theirs, record->File()}});
+    input = std::move(forInput.writing);
     channel = std::move(forChannel.reading);
     prints = std::move(forPrints.reading);
     MakeNonblocking(channel);
@@ -299,6 +326,7 @@ Process::Process(Process&&) noexcept = default;
 Process::~Process() = default;
 
 void Process::Write(const void* bytes, std::size_t size) {
+  const WithoutPipeSignal withoutSignal;
   const char* next = static_cast<const char*>(bytes);
   while (size > 0) {
     const ssize_t written = write(running_->input.Get(), next, size);

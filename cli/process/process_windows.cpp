@@ -221,18 +221,24 @@ struct Process::Running {
 
   void StartWorker(std::vector<std::string> command) {
     const std::scoped_lock lock(StartLock());
+    PipeEnds forInput;
     PipeEnds forChannel(kLargestTransfer);
     PipeEnds forPrints;
     record = std::make_unique<SharedRecord>();
+    forInput.reading.MakeInheritable();
     forChannel.writing.MakeInheritable();
     forPrints.writing.MakeInheritable();
     record->Mapping().MakeInheritable();
     command.insert(command.begin() + 1,
                    "--worker=" + NumberOf(forChannel.writing) + "," + NumberOf(record->Mapping()));
     job = MakeJob();
-    process =
-        Start(command, {.output = forPrints.writing.Get(), .error = forPrints.writing.Get()}, job);
+    process = Start(command,
+                    {.input = forInput.reading.Get(),
+                     .output = forPrints.writing.Get(),
+                     .error = forPrints.writing.Get()},
+                    job);
     SetHandleInformation(record->Mapping().Get(), HANDLE_FLAG_INHERIT, 0);
+    input = std::move(forInput.writing);
     channel = std::move(forChannel.reading);
     prints = std::move(forPrints.reading);
   }

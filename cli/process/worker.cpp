@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <array>
+#include <iostream>
+#include <iterator>
 #include <mutex>
 #include <ostream>
 #include <sstream>
@@ -53,6 +55,16 @@ Worker::Worker(const std::vector<std::string>& words, std::string name, TimeLimi
       console_(&console),
       process_(Command(words), Process::Pipe::kWorker),
       writing_(tWriting) {}
+
+void Worker::Order(std::string_view order) {
+  try {
+    process_.Write(order.data(), order.size());
+  } catch (const ProcessError&) {  // it has ended, and its end tells why
+  }
+  process_.CloseInput();
+}
+
+std::string ReadOrder() { return {std::istreambuf_iterator<char>(std::cin), {}}; }
 
 void Worker::Pump() {
   constexpr std::size_t kMostAfterEnd = 1U << 24U;  // what escaped may print on and on

@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 #include "cli/process/console.h"
@@ -46,12 +48,18 @@ struct WorkerEnd {
 class Worker {
  public:
   /// `words` are a command line, less the program's name; `name` is what its printed lines are
-  /// marked with. Throws ProcessError. REQUIRES: the console outlives this object.
+  /// marked with. Its standard input is empty but for an order. Throws ProcessError. REQUIRES: the
+  /// console outlives this object.
   Worker(const std::vector<std::string>& words, std::string name, TimeLimit limit,
          const Console& console);
   Worker(Worker&&) = default;
   Worker& operator=(Worker&&) = delete;
   ~Worker() = default;
+
+  /// Tells it what to do where its command line does not: ReadOrder is the other end. Once at most.
+  void Order(std::string_view order);
+  /// What its printed lines are marked with from now on.
+  void Rename(std::string name) { name_ = std::move(name); }
 
   /// Takes in what has come: prints and texts are passed on, one message is kept for Take. Ends the
   /// worker at its time limit or when its messages are damaged. Never blocks.
@@ -100,6 +108,9 @@ class Worker {
   bool isOver_ = false;
   std::string damage_;
 };
+
+/// In a worker: what it was told to do; blocks until it was.
+std::string ReadOrder();
 
 /// Why a worker did not do what it was started for: a sentence and the exit code for it, or no
 /// sentence where the worker itself has said why. None if it is good.

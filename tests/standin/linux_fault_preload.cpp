@@ -50,10 +50,12 @@ __attribute__((visibility("default"))) int pthread_create(pthread_t* thread,
   return Original<decltype(&pthread_create)>("pthread_create")(thread, attributes, start, argument);
 }
 
-/// Before the first of them a file, the variable's text up to a ">", takes the name after it.
+/// Before the second one a file, the variable's text up to a ">", takes the name after it.
 __attribute__((visibility("default"))) pid_t fork() {
   static int calls = 0;
-  if (const char* const change = std::getenv("PRELOAD_CHANGE"); change != nullptr && !IsWorker()) {
+  static int started = 0;
+  const char* const change = std::getenv("PRELOAD_CHANGE");
+  if (change != nullptr && !IsWorker() && ++started == 2) {
     const std::string_view names = change;
     const std::size_t sign = names.find('>');
     const std::string from(names.substr(0, sign));

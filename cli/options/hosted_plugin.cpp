@@ -1,0 +1,28 @@
+#include "cli/options/hosted_plugin.h"
+
+#include <ostream>
+#include <string_view>
+
+#include "base/files/escaped_text.h"
+
+namespace standin {
+namespace {
+
+HostOptions OptionsFor(const PluginLibrary& library) {
+  HostOptions options;
+  options.pluginPath = library.Path();
+  return options;
+}
+
+}  // namespace
+
+HostedPlugin::HostedPlugin(const SceneOptions& options, const Console& console)
+    : library_(PluginOf(options)), host_(library_.EntryPoint(), OptionsFor(library_)) {
+  host_.gate.KeepLog(false);
+  if (options.trace) {
+    host_.gate.TraceTo(
+        [&err = console.err](std::string_view line) { err << ForTerminal(line) << '\n'; });
+  }
+}
+
+}  // namespace standin
