@@ -12,8 +12,4 @@ namespace tarvo {
 /// camera aimed]
 void RenderColourPasses(Frame& frame, const Tile& tile, OwnershipMaps& maps);
 
-/// Reads one tile back into its place in the scratch world. False if the host has no buffer, or no
-/// address for a row: the tile is then not, or not wholly, there. What the host throws passes.
-bool ReadBack(Frame& frame, const Tile& tile);
-
 }  // namespace tarvo

@@ -11,6 +11,7 @@
 #include "plugin/render/frame.h"
 #include "plugin/render/ownership_maps.h"
 #include "plugin/render/piece_upload.h"
+#include "plugin/render/readback.h"
 #include "plugin/render/stage_watch.h"
 #include "plugin/scene/output_extent.h"
 #include "plugin/scene/scene_store.h"
@@ -20,7 +21,6 @@ namespace tarvo {
 
 using AESDK_OpenGL::AESDK_OpenGL_BindRenderTarget;
 using AESDK_OpenGL::AESDK_OpenGL_FramebufferStatusText;
-using AESDK_OpenGL::AESDK_OpenGL_MakeCurrent;
 using AESDK_OpenGL::AESDK_OpenGL_UseNoProgram;
 using AESDK_OpenGL::AESDK_OpenGL_UseProgram;
 using AESDK_OpenGL::gState;
@@ -153,7 +153,6 @@ PF_Err Render(PF_InData& in, PF_OutData& out, PF_ParamDef* const* params, PF_Eff
     RenderFrame(frame);
   });
   EndStage(FrameStage::kTransfer);
-  AESDK_OpenGL_MakeCurrent(gState.savedDeviceContext, gState.savedRenderContext);
   return stopped != PF_Err_NONE ? stopped : host.Code();
 }
 

@@ -6,7 +6,7 @@ namespace tarvo {
 
 /// Answers the render command: draws the instance's pieces, deepest first, into `output`, straight
 /// colour, 8 bits a channel. The output keeps a transparent fill wherever the render ends early.
-/// The host's context is current again at the return. [framework's context current]
+/// [framework's context current]
 ///
 /// Returns
 /// - 0 for a frame, and for one that keeps its fill: without a store, too small or too large to be
