@@ -1,10 +1,7 @@
 #include "check/run.h"
 
 #include <algorithm>
-#include <cstddef>
 #include <memory>
-#include <random>
-#include <string_view>
 #include <utility>
 
 #include <gtest/gtest.h>
@@ -20,30 +17,6 @@ using testing::UnitTest;
 
 std::string FullName(const TestInfo& info) {
   return std::string(info.test_suite_name()) + "." + info.name();
-}
-
-/// Only the last star is ever extended: what an earlier one takes can do without more. The time is
-/// that of name times pattern at most.
-bool Fits(std::string_view name, std::string_view pattern) {
-  std::size_t read = 0;   // of the name
-  std::size_t given = 0;  // of the pattern
-  std::size_t afterStar = std::string_view::npos;
-  std::size_t starEnd = 0;  // of what the star takes of the name
-  while (read < name.size()) {
-    if (given < pattern.size() && pattern[given] == '*') {
-      afterStar = ++given;
-      starEnd = read;
-    } else if (given < pattern.size() && (pattern[given] == '?' || pattern[given] == name[read])) {
-      ++given;
-      ++read;
-    } else if (afterStar != std::string_view::npos) {
-      given = afterStar;
-      read = ++starEnd;
-    } else {
-      return false;
-    }
-  }
-  return pattern.find_first_not_of('*', given) == std::string_view::npos;
 }
 
 /// Makes GoogleTest's cases, those of its tables too.
@@ -102,7 +75,7 @@ class HandOver : public testing::EmptyTestEventListener {
 
 }  // namespace
 
-std::vector<Check> ChecksNamed(const std::vector<std::string>& patterns) {
+std::vector<Check> AllChecks() {
   PrepareOnce();
   std::vector<Check> checks;
   const UnitTest& all = *UnitTest::GetInstance();
@@ -110,23 +83,10 @@ std::vector<Check> ChecksNamed(const std::vector<std::string>& patterns) {
     const testing::TestSuite& suite = *all.GetTestSuite(s);
     for (int t = 0; t < suite.total_test_count(); ++t) {
       const std::string name = FullName(*suite.GetTestInfo(t));
-      const bool isWanted =
-          patterns.empty() || std::ranges::any_of(patterns, [&](const std::string& pattern) {
-            return Fits(name, pattern);
-          });
-      if (isWanted) checks.push_back({name, PromiseOf(name)});
+      checks.push_back({name, PromiseOf(name)});
     }
   }
   std::ranges::sort(checks, {}, &Check::name);
-  return checks;
-}
-
-std::vector<Check> Shuffled(std::vector<Check> checks, unsigned seed) {
-  std::mt19937 lots(seed);
-  // Not std::shuffle, whose order differs from library to library.
-  for (std::size_t left = checks.size(); left > 1; --left) {
-    std::swap(checks[left - 1], checks[lots() % left]);
-  }
   return checks;
 }
 

@@ -32,13 +32,10 @@ void AddSheet(CLI::App& program, Work& chosen);
 /// `tarvo watch`: a picture that is made again whenever its scene is saved.
 void AddWatch(CLI::App& program, Work& chosen);
 
-/// Does some work; writes what it throws to the console's `err`, and returns the exit code for it.
-int Try(const std::function<void()>& work, const Console& console);
-
 /// `tarvo check`: whether a build of the plug-in is sound.
 void AddCheck(CLI::App& program, Work& chosen);
 
-/// Runs the program and returns its exit code.
-int RunTarvo(int argc, const char* const* argv, const Console& console);
+/// The program: reads the command line and does what it says; the exit code.
+int RunTarvo(const Console& console);
 
 }  // namespace standin

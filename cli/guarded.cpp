@@ -11,7 +11,7 @@ namespace {
 std::optional<Picture> RunWorker(const SceneOptions& options, const Console& console) {
   const TimeLimit limit{.seconds = options.timeLimit};
   const Interrupt interrupt;
-  Worker worker(console.words, console.words.front(), limit, console);
+  Worker worker(OwnCommandLine(console), console.words.front(), limit, console);
   worker.Order("");
   std::optional<Picture> picture;
   while (!worker.IsOver()) {

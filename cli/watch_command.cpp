@@ -15,6 +15,7 @@
 #include "cli/frames/render_settings.h"
 #include "cli/options/output_guard.h"
 #include "cli/process/interrupt.h"
+#include "cli/program/program.h"
 #include "tool/rig/file/scene_file.h"
 
 namespace standin {

@@ -3,6 +3,8 @@
 #include <cstdint>
 #include <functional>
 
+#include "check/result/selection.h"
+
 namespace check {
 
 /// What the user chose for all checks of a run.
@@ -10,7 +12,7 @@ struct Settings {
   /// Cases that draw lots start from it: the same seed gives the same lots. They are the calls that
   /// fail in lives, the noise in bad records, the messages of many senders, the frames of long
   /// lives.
-  std::uint32_t seed = 1;
+  std::uint32_t seed = kUsualSeed;
   /// Long lives are lived in full length, which takes minutes.
   bool isLong = false;
   /// Lives with failures are lived for every host call, not for some.

@@ -5,20 +5,22 @@
 #include <chrono>
 #include <cstddef>
 #include <exception>
+#include <filesystem>
 #include <mutex>
 #include <new>
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <utility>
 
 #include <nlohmann/json.hpp>
 
-#include "check/support/plugin_under_check.h"
+#include "cli/check/check_order.h"
 #include "cli/process/interrupt.h"
 #include "cli/process/messages.h"
+#include "cli/process/system.h"
 #include "cli/process/threads.h"
 #include "cli/process/worker.h"
-#include "standin/host/host.h"
 #include "standin/loader/plugin_library.h"
 
 namespace standin {
@@ -27,15 +29,16 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using json = nlohmann::ordered_json;
 
-/// A name that no check has: the plug-in is loaded and that is all.
-constexpr const char* kNoCheck = "-";
-
-std::string InOneLine(const json& value) {
-  return value.dump(-1, ' ', false, json::error_handler_t::replace);  // messages may hold any bytes
+/// The program that holds the checks, beside this one.
+std::string CheckWorker() {
+  std::filesystem::path file = ThisProgram();
+  file.replace_filename("tarvo-check-worker" + file.extension().string());
+  return file.string();
 }
 
 /// What a process that ran a check left.
 struct JobOutcome {
+  std::vector<check::Check> checks;  ///< that there are
   bool isLoaded = false;
   std::optional<std::string> notLoaded;  ///< why the plug-in cannot be loaded
   std::optional<check::Result> result;
@@ -43,23 +46,24 @@ struct JobOutcome {
   double seconds = 0;
 };
 
-/// Throws MessageError for a result that is not that of the check.
-check::Result ResultOfMessage(const Message& message, const std::string& check) {
+/// Reads a message in JSON. Throws MessageError for what `read` does not take.
+template <typename Read>
+auto FromJson(const Message& message, Read read) {
   try {
-    check::Result result = check::ResultFrom(json::parse(message.bytes));
-    if (result.name == check) {
-      return result;
-    }
+    return read(json::parse(message.bytes));
   } catch (const std::bad_alloc&) {
     throw;
   } catch (const std::exception& error) {
     throw MessageError(std::string("a result that cannot be read: ") + error.what());
   }
-  throw MessageError("the result of another check");
 }
 
-void TakeIn(const Message& message, const std::string& check, JobOutcome& outcome) {
+/// Throws MessageError for a message that a worker with this order does not send.
+void TakeIn(const Message& message, const CheckOrder& order, JobOutcome& outcome) {
   switch (message.kind) {
+    case MessageKind::kChecks:
+      outcome.checks = FromJson(message, check::ChecksFrom);
+      return;
     case MessageKind::kLoaded:
       outcome.isLoaded = true;
       return;
@@ -67,7 +71,10 @@ void TakeIn(const Message& message, const std::string& check, JobOutcome& outcom
       outcome.notLoaded = message.bytes;
       return;
     case MessageKind::kResult:
-      outcome.result = ResultOfMessage(message, check);
+      outcome.result = FromJson(message, check::ResultFrom);
+      if (std::vector{outcome.result->name} != order.checks) {
+        throw MessageError("the result of another check");
+      }
       return;
     default:
       throw MessageError("a message of another kind than expected");
@@ -75,12 +82,13 @@ void TakeIn(const Message& message, const std::string& check, JobOutcome& outcom
 }
 
 /// Ends the worker at once when `isUnwanted`.
-JobOutcome RunJob(const CheckOptions& options, const std::string& check, const Console& console,
+JobOutcome RunJob(const CheckOrder& order, const CheckOptions& options, const Console& console,
                   const std::function<bool()>& isUnwanted) {
   const Clock::time_point start = Clock::now();
-  Worker worker(ReportingCommandLine(options, check), check,
+  Worker worker({CheckWorker(), options.plugin},
+                order.checks.empty() ? "check" : order.checks.front(),
                 {.seconds = options.timeLimit, .of = TimeLimit::Of::kProcess}, console);
-  worker.Order("");
+  worker.Order(OrderText(order));
   JobOutcome outcome;
   while (!worker.IsOver()) {
     Worker::AwaitAny({&worker});
@@ -90,7 +98,7 @@ JobOutcome RunJob(const CheckOptions& options, const std::string& check, const C
     }
     if (worker.HasMessage()) {
       try {
-        TakeIn(worker.Take(), check, outcome);
+        TakeIn(worker.Take(), order, outcome);
       } catch (const MessageError& error) {
         worker.Refuse(error.what());
       }
@@ -180,8 +188,8 @@ class Jobs {
   void Work() {
     try {
       while (const check::Check* check = Next()) {
-        const JobOutcome outcome =
-            RunJob(options_, check->name, console_, [this] { return IsUnwanted(); });
+        const JobOutcome outcome = RunJob(OrderOf(options_, {check->name}), options_, console_,
+                                          [this] { return IsUnwanted(); });
         const std::scoped_lock lock(mutex_);
         if (!IsUnwanted()) {
           take_(ResultOf(options_, *check, outcome));
@@ -210,15 +218,30 @@ class Jobs {
   std::exception_ptr error_;
 };
 
-}  // namespace
-
-void ExpectLoadable(const CheckOptions& options, const Console& console) {
+/// Throws Unfinished when the user interrupts.
+JobOutcome RunAlone(const CheckOrder& order, const CheckOptions& options, const Console& console) {
   const Interrupt interrupt;
-  const JobOutcome outcome =
-      RunJob(options, kNoCheck, console, [&interrupt] { return interrupt.Came(); });
+  JobOutcome outcome = RunJob(order, options, console, [&interrupt] { return interrupt.Came(); });
   if (interrupt.Came()) {
     throw Unfinished(kInterrupted, {"interrupted"});
   }
+  return outcome;
+}
+
+}  // namespace
+
+std::vector<check::Check> ListChecks(const CheckOptions& options, const Console& console) {
+  const JobOutcome outcome = RunAlone({.lists = true}, options, console);
+  if (outcome.checks.empty()) {
+    const std::string end = BadEnd(outcome.end);
+    throw std::runtime_error(CheckWorker() + " did not tell its checks" +
+                             (end.empty() ? "" : ": it ended with " + end));
+  }
+  return outcome.checks;
+}
+
+void ExpectLoadable(const CheckOptions& options, const Console& console) {
+  const JobOutcome outcome = RunAlone(OrderOf(options, {}), options, console);
   if (outcome.end.timedOut) {
     throw PluginLoadError(TimeUp(options.timeLimit));
   }
@@ -235,21 +258,6 @@ void ExpectLoadable(const CheckOptions& options, const Console& console) {
 void RunInJobs(const CheckOptions& options, const std::vector<check::Check>& checks,
                const Console& console, const TakeResult& take) {
   Jobs(options, checks, console, take).Run();
-}
-
-void Report(const CheckOptions& options, const std::vector<check::Check>& checks,
-            MessageWriter& channel) {
-  try {
-    check::UsePlugin(options.plugin);
-    const Host host(check::PluginUnderCheck());  // and this machine can play the host
-  } catch (const std::exception& error) {
-    channel.Send(MessageKind::kNotLoaded, error.what());
-    return;
-  }
-  channel.Send(MessageKind::kLoaded, "");
-  check::RunHere(checks, [&](const check::Result& result) {
-    channel.Send(MessageKind::kResult, InOneLine(check::ToJson(result)));
-  });
 }
 
 }  // namespace standin

@@ -37,29 +37,11 @@ void AddCheckOptions(CLI::App& command, CheckOptions& options) {
   command.add_flag("--long", options.isLong,
                    "Long lives in full length, and a life for every host call that may fail");
   command.add_flag("--list", options.list, "Names and promises of the checks; nothing is run");
-  command.add_flag("--in-process", options.inProcess,
-                   "All in this process, for a debugger; without a time limit");
   command.add_flag("--trace", options.trace,
                    "Write every command and host operation to standard error");
   command.add_flag("--json", options.json, "As JSON; docs/checking.md describes its form");
   NotEmpty(command.add_option("--junit", options.junit, "Also write the results as JUnit's XML"))
       ->type_name("FILE");
-}
-
-std::vector<std::string> ReportingCommandLine(const CheckOptions& options,
-                                              const std::string& check) {
-  std::vector<std::string> words = {"check", "--plugin", options.plugin, "--in-process"};
-  words.insert(words.end(), {"--only", check});
-  if (options.seed) {
-    words.insert(words.end(), {"--seed", std::to_string(*options.seed)});
-  }
-  if (options.isLong) {
-    words.emplace_back("--long");
-  }
-  if (options.trace) {
-    words.emplace_back("--trace");
-  }
-  return words;
 }
 
 }  // namespace standin

@@ -17,7 +17,6 @@ struct CheckOptions {
   std::optional<unsigned> seed;
   bool isLong = false;
   bool list = false;
-  bool inProcess = false;
   bool trace = false;
   bool json = false;
   std::string junit;
@@ -25,10 +24,5 @@ struct CheckOptions {
 
 /// Adds them to a command. REQUIRES: `options` outlives the parsing.
 void AddCheckOptions(CLI::App& command, CheckOptions& options);
-
-/// The words of a command line, less the program's name, that runs one check, or none, in its own
-/// process and reports.
-std::vector<std::string> ReportingCommandLine(const CheckOptions& options,
-                                              const std::string& check);
 
 }  // namespace standin

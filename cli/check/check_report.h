@@ -5,7 +5,7 @@
 #include <utility>
 #include <vector>
 
-#include "check/result.h"
+#include "check/result/result.h"
 #include "cli/process/console.h"
 
 namespace standin {

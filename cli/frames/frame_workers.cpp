@@ -51,7 +51,8 @@ FrameWorkers::FrameWorkers(const RenderSettings& settings, const Console& consol
 }
 
 void FrameWorkers::AddJob() {
-  jobs_.push_back({.worker = Worker(console_.words, console_.words.front(), limit_, console_)});
+  jobs_.push_back(
+      {.worker = Worker(OwnCommandLine(console_), console_.words.front(), limit_, console_)});
 }
 
 SceneSummary FrameWorkers::AwaitScene() {

@@ -24,6 +24,7 @@ enum class MessageKind : std::uint32_t {
   kScene,       ///< a SceneSummary, before its pictures
   kPicture,     ///< a RenderedFrame
   kStatistics,  ///< a RunStatistics, after the last picture
+  kChecks,      ///< what checks there are, as JSON
   kLoaded,      ///< the plug-in is loaded and a host runs
   kNotLoaded,   ///< why the plug-in cannot be loaded
   kResult,      ///< the result of a check, as JSON

@@ -42,8 +42,8 @@ class Process {
     bool channel = true;  ///< bytes on the channel
   };
 
-  /// Starts a program, by its path or a name that the system looks for. A worker is this program
-  /// and gets a first argument more, which ParentLink reads. Throws ProgramAbsent or ProcessError.
+  /// Starts a program, by its path or a name that the system looks for. A worker gets a
+  /// first argument more, which ParentLink reads. Throws ProgramAbsent or ProcessError.
   Process(const std::vector<std::string>& command, Pipe pipe);
   Process(Process&&) noexcept;
   Process& operator=(Process&&) = delete;

@@ -16,6 +16,7 @@
 #include <unistd.h>
 
 #include "cli/process/process.h"
+#include "cli/process/system.h"
 
 namespace standin {
 /// What Process::Running is made of: a namespace with a name, because sources are compiled in
@@ -247,8 +248,9 @@ struct Process::Running {
     command.insert(command.begin() + 1,
                    "--worker=" + std::to_string(theirs) + "," + std::to_string(record->File()));
     const int printed = forPrints.writing.Get();
-    // Also after its file was replaced: both ends of the channel are the same program.
-    id = Start(command, {.program = "/proc/self/exe",
+    // This program also after its file was replaced: both ends of the channel are the same then.
+    const bool isThis = command.front() == ThisProgram().string();
+    id = Start(command, {.program = isThis ? "/proc/self/exe" : "",
                          .streams = {{forInput.reading.Get(), STDIN_FILENO},
                                      {printed, STDOUT_FILENO},
                                      {printed, STDERR_FILENO}},

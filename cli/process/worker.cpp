@@ -35,11 +35,6 @@ void WriteInTurn(Write write) {
   tWriting += Clock::now() - start;
 }
 
-std::vector<std::string> Command(std::vector<std::string> words) {
-  words.insert(words.begin(), ThisProgram().string());
-  return words;
-}
-
 /// "signal 11" of "signal 11 (Segmentation fault)".
 std::string ShortEndText(int code) {
   const std::string text = Process::EndText(code);
@@ -53,7 +48,7 @@ Worker::Worker(const std::vector<std::string>& words, std::string name, TimeLimi
     : name_(std::move(name)),
       limit_(limit),
       console_(&console),
-      process_(Command(words), Process::Pipe::kWorker),
+      process_(words, Process::Pipe::kWorker),
       writing_(tWriting) {}
 
 void Worker::Order(std::string_view order) {
@@ -65,6 +60,12 @@ void Worker::Order(std::string_view order) {
 }
 
 std::string ReadOrder() { return {std::istreambuf_iterator<char>(std::cin), {}}; }
+
+std::vector<std::string> OwnCommandLine(const Console& console) {
+  std::vector<std::string> words = console.words;
+  words.insert(words.begin(), ThisProgram().string());
+  return words;
+}
 
 void Worker::Pump() {
   constexpr std::size_t kMostAfterEnd = 1U << 24U;  // what escaped may print on and on

@@ -40,16 +40,16 @@ struct WorkerEnd {
   }
 };
 
-/// This program, started once more to run the plug-in, so that a crash or a hang ends that process
-/// alone. It sends messages on a channel of its own; what it prints goes to the console's `err`,
-/// behind its name.
+/// This program, or another one of its folder, started to run the plug-in, so that a crash or a
+/// hang ends that process alone. It sends messages on a channel of its own; what it prints goes to
+/// the console's `err`, behind its name.
 ///
 ///   (AwaitAny Pump Take*)* until IsOver; End
 class Worker {
  public:
-  /// `words` are a command line, less the program's name; `name` is what its printed lines are
-  /// marked with. Its standard input is empty but for an order. Throws ProcessError. REQUIRES: the
-  /// console outlives this object.
+  /// `words` are a command line, with the program's file first; `name` is what its printed lines
+  /// are marked with. Its standard input is empty but for an order. Throws ProcessError. REQUIRES:
+  /// the console outlives this object.
   Worker(const std::vector<std::string>& words, std::string name, TimeLimit limit,
          const Console& console);
   Worker(Worker&&) = default;
@@ -111,6 +111,9 @@ class Worker {
 
 /// In a worker: what it was told to do; blocks until it was.
 std::string ReadOrder();
+
+/// The command line of a worker that is this program and does what this process was asked to do.
+std::vector<std::string> OwnCommandLine(const Console& console);
 
 /// Why a worker did not do what it was started for: a sentence and the exit code for it, or no
 /// sentence where the worker itself has said why. None if it is good.

@@ -10,7 +10,7 @@ namespace {
 
 /// Without the tests of this file, which are among GoogleTest's cases too.
 std::vector<check::Check> Checks() {
-  std::vector<check::Check> checks = check::ChecksNamed();
+  std::vector<check::Check> checks = check::AllChecks();
   std::erase_if(checks, [](const auto& each) { return each.name.starts_with("PromisesTest."); });
   return checks;
 }

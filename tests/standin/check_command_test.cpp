@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <string>
+#include <utility>
 
 #include <nlohmann/json.hpp>
 
@@ -26,19 +27,23 @@ TEST_F(CheckCommand, EndsWithAVerdictThatAgreesWithTheExitCode) {
     std::string lastLine;
   } cases[] = {
       {Quoted(TARVO_PLUGIN) + kOneCheck, 0, "sound: 1 check passed, 0 skipped"},
-      {kOneCheck + std::string(" --in-process"), 0, "sound: 1 check passed, 0 skipped"},
       {Quoted(TARVO_FAILING_PLUGIN) + kOneCheck, 1, "not sound: 1 failed"},
-      {Quoted(TARVO_FAILING_PLUGIN) + kOneCheck + " --in-process", 1, "not sound: 1 failed"},
   };
-  for (const auto& [arguments, code, lastLine] : cases) {
-    const Outcome outcome = Run("check " + arguments);
-    EXPECT_EQ(outcome.code, code) << arguments << outcome.err;
-    EXPECT_EQ(LastLine(outcome.out), lastLine) << arguments;
-  }
-  for (const std::string mode : {"", " --in-process"}) {
-    const std::string entryless = "check " + Quoted(TARVO_ENTRYLESS_PLUGIN) + mode;
-    ExpectFailure(entryless, 4, "cannot be loaded: the library ");
-    ExpectFailure("check no-such-file" + mode, 4, "cannot be loaded: cannot load the plug-in ");
+  // Each in a process of its own, and all in the one that the user started.
+  for (const std::string& program :
+       {Quoted(TARVO_COMMAND) + " check ", Quoted(TARVO_CHECK_WORKER) + " "}) {
+    for (const auto& [arguments, code, lastLine] : cases) {
+      const Outcome outcome = Shell(program + arguments);
+      EXPECT_EQ(outcome.code, code) << program << arguments << outcome.err;
+      EXPECT_EQ(LastLine(outcome.out), lastLine) << program << arguments;
+    }
+    for (const auto& [plugin, reason] :
+         {std::pair(Quoted(TARVO_ENTRYLESS_PLUGIN), "cannot be loaded: the library "),
+          std::pair(std::string("no-such-file"), "cannot be loaded: cannot load the plug-in ")}) {
+      const Outcome outcome = Shell(program + plugin);
+      EXPECT_EQ(outcome.code, 4) << program << plugin;
+      EXPECT_NE(outcome.err.find(reason), std::string::npos) << program << outcome.err;
+    }
   }
   const Outcome notLoaded =
       Run("check no-such-file --json --junit " + Quoted(File("unloaded.xml")));

@@ -1,4 +1,4 @@
-#include "check/result.h"
+#include "check/result/result.h"
 
 #include <algorithm>
 #include <array>

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include <nlohmann/json_fwd.hpp>
+
+namespace check {
+
+/// A check, as people choose it.
+struct Check {
+  std::string name;
+  std::string promise;
+};
+
+/// What is left to chance follows this seed if no other is given.
+inline constexpr std::uint32_t kUsualSeed = 1;
+
+/// Those whose name fits one of the patterns, in which * stands for any letters and ? for one; all
+/// of them without a pattern.
+std::vector<Check> Matching(std::vector<Check> checks, const std::vector<std::string>& patterns);
+
+/// The checks in an order drawn by lot: the same seed, the same order.
+std::vector<Check> Shuffled(std::vector<Check> checks, unsigned seed);
+
+nlohmann::ordered_json ToJson(const std::vector<Check>& checks);
+/// Reads what ToJson made. Throws nlohmann::json::exception for anything else.
+std::vector<Check> ChecksFrom(const nlohmann::ordered_json& json);
+
+}  // namespace check

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "check/result/selection.h"
+#include "cli/check/check_options.h"
+
+namespace standin {
+
+/// What the check worker is to do with the plug-in that its command line names: file names may hold
+/// bytes that JSON does not take.
+struct CheckOrder {
+  bool lists = false;               ///< tells what checks there are; nothing else is done
+  std::vector<std::string> checks;  ///< names; none: the plug-in is loaded and that is all
+  unsigned seed = check::kUsualSeed;
+  bool isLong = false;
+  bool trace = false;
+};
+
+/// To run these checks as the options say.
+CheckOrder OrderOf(const CheckOptions& options, std::vector<std::string> checks);
+
+/// An order as it is sent to the worker, and as it is read there. Throws nlohmann::json::exception
+/// for a text that is none.
+std::string OrderText(const CheckOrder& order);
+CheckOrder CheckOrderFrom(const std::string& text);
+
+}  // namespace standin

@@ -1,0 +1,12 @@
+#pragma once
+
+#include "cli/process/console.h"
+
+namespace standin {
+
+/// The program tarvo-check-worker: as a worker of `tarvo check` it does what it is told to; for a
+/// user it takes the options of `tarvo check` and runs all checks in its own process. Returns the
+/// exit code.
+int RunCheckWorker(const Console& console);
+
+}  // namespace standin
