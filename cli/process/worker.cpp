@@ -22,6 +22,8 @@ using Clock = std::chrono::steady_clock;
 
 /// How long writing to the console has taken this thread, whose workers had to wait for it.
 thread_local Clock::duration tWriting{};
+/// The same of reading what workers print and send, and making lines of it.
+thread_local Clock::duration tPassing{};
 
 /// Writes to the console, which workers of several threads share.
 template <typename Write>
@@ -49,7 +51,8 @@ Worker::Worker(const std::vector<std::string>& words, std::string name, TimeLimi
       limit_(limit),
       console_(&console),
       process_(words, Process::Pipe::kWorker),
-      writing_(tWriting) {}
+      writing_(tWriting),
+      passing_(tPassing) {}
 
 void Worker::Order(std::string_view order) {
   try {
@@ -69,9 +72,12 @@ std::vector<std::string> OwnCommandLine(const Console& console) {
 
 void Worker::Pump() {
   constexpr std::size_t kMostAfterEnd = 1U << 24U;  // what escaped may print on and on
+  const Clock::time_point start = Clock::now();
+  const Clock::duration writing = tWriting;
   const bool hasEnded = process_.HasEnded();
   PassPrintsOn(hasEnded ? kMostAfterEnd : kPartOfPrints);
   const bool areAllRead = ReadMessages();
+  tPassing += Clock::now() - start - (tWriting - writing);
   if (!hasEnded) {
     WatchTime();
   } else if (areAllRead && !message_) {
@@ -191,20 +197,33 @@ void Worker::TakeIn(Message message) {
   }
 }
 
+/// What of the time since the last look does not count because this process was at work, for which
+/// a plug-in that prints much has to wait. Limited, or one that prints on and on would never hang.
+Worker::Clock::duration Worker::OwnWork() {
+  constexpr double kMostOfLimit = 3;
+  const auto most = std::chrono::duration_cast<Clock::duration>(
+      std::chrono::duration<double>(kMostOfLimit * limit_.seconds));
+  const Clock::duration work = std::min(tPassing - passing_, most - ownWork_);
+  ownWork_ += work;
+  return work;
+}
+
 void Worker::WatchTime() {
   constexpr std::chrono::milliseconds kUsualAbsence(100);
   const Clock::time_point now = Clock::now();
   // Who reads this program's output may let it wait, for long or again and again, and the plug-in
   // with it.
   const Clock::duration absence = now - watched_;
-  since_ += absence > kUsualAbsence ? absence : tWriting - writing_;
+  since_ += absence > kUsualAbsence ? absence : tWriting - writing_ + OwnWork();
   watched_ = now;
   writing_ = tWriting;
+  passing_ = tPassing;
   const CrashRecord& record = process_.Record();
   const bool isWhole = limit_.of == TimeLimit::Of::kProcess;
   if (const std::uint64_t changes = record.changes; changes != changes_ && !isWhole) {
     changes_ = changes;
     since_ = now;
+    ownWork_ = {};
   }
   // Between two commands the stand-in itself is at work, or its parent has not read yet.
   const bool isWatched = isWhole || record.depth > 0 || told_;

@@ -91,6 +91,7 @@ class Worker {
   bool ReadMessages();
   void TakeIn(Message message);
   void WatchTime();
+  Clock::duration OwnWork();
 
   std::string name_;
   TimeLimit limit_;
@@ -103,6 +104,8 @@ class Worker {
   Clock::time_point since_ = Clock::now();  ///< of the last change, or of the start
   Clock::time_point watched_ = since_;      ///< when WatchTime was last here
   Clock::duration writing_;                 ///< what its thread had spent on writing then
+  Clock::duration passing_;                 ///< and on reading and preparing
+  Clock::duration ownWork_{};               ///< that did not count since the last change
   std::optional<int> told_;
   bool timedOut_ = false;
   bool isOver_ = false;
