@@ -85,6 +85,11 @@ void ExpectApart(const std::string& option, const std::vector<std::string>& made
     reserved.Add(file, "a file that was read (" + file.string() + ")");
   }
   reserved.Add(ThisProgram(), "this program");
+  for (const std::string program : {"tarvo", "tarvo-check-worker"}) {  // which start one another
+    const std::filesystem::path own = ThisProgram();
+    reserved.Add(own.parent_path() / (program + own.extension().string()),
+                 "the program " + program);
+  }
   reserved.AddId(IdOf(stdout), "the file that standard output goes to");
   reserved.AddId(IdOf(stderr), "the file that standard error goes to");
   std::map<Place, std::string> places;

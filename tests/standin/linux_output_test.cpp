@@ -59,6 +59,22 @@ TEST_F(LinuxOutputs, NeverTakeThePlaceOfWhatSymbolicLinksLeadTo) {
   EXPECT_TRUE(std::filesystem::is_symlink(folder_ / "link.png"));
 }
 
+TEST_F(LinuxOutputs, NeverTakeThePlaceOfTheProgramsThemselves) {
+  std::filesystem::copy_file(TARVO_COMMAND, folder_ / "tarvo");
+  std::filesystem::copy_file(TARVO_CHECK_WORKER, folder_ / "tarvo-check-worker");
+  const std::string check =
+      " --only Commands.AboutTellsNameAndVersion " + Quoted(TARVO_PLUGIN) + " --junit ";
+  for (const std::string& command :
+       {"./tarvo check" + check + "tarvo-check-worker", "./tarvo-check-worker" + check + "tarvo"}) {
+    const Outcome outcome = Shell("cd " + Quoted(folder_.string()) + " && " + command);
+    EXPECT_EQ(outcome.code, 2) << command << outcome.err;
+    EXPECT_NE(outcome.err.find("would take the place of the program"), std::string::npos)
+        << outcome.err;
+  }
+  EXPECT_EQ(std::filesystem::file_size(folder_ / "tarvo"),
+            std::filesystem::file_size(TARVO_COMMAND));
+}
+
 TEST_F(LinuxOutputs, KeepLinksModeAndOwnerOfWhatTheyReplace) {
   constexpr uid_t kOwner = 1234;
   const bool givesAway = geteuid() == 0;
