@@ -32,8 +32,8 @@ of a check are missing at the end, or a process was ended from outside; 130 inte
 After -- come names of files, whatever they begin with, and then options again, as in
 "tarvo render -- -a.json -o a.png".
 No output file is made unless the exit code is 0 or 1, but for the frames of an animation, of which
-those that were made before are whole, and where standard output cannot be written: what was made is
-told on standard error then.
+those that were made before are whole, the report of a plug-in that "check" cannot load, and where
+standard output cannot be written: what was made is told on standard error then.
 A file is replaced as a whole and keeps its mode and owner, and is on the disk itself before success
 is said. No file that a command reads is replaced, whatever it is called.)";
 

@@ -1,5 +1,7 @@
 #include <chrono>
+#include <filesystem>
 #include <memory>
+#include <optional>
 #include <ostream>
 #include <string>
 #include <thread>
@@ -8,6 +10,7 @@
 #include <CLI/CLI.hpp>
 
 #include "base/files/file_path.h"
+#include "base/files/file_system.h"
 #include "base/files/watched_files.h"
 #include "cli/command.h"
 #include "cli/frames/render.h"
@@ -25,15 +28,15 @@ namespace {
 /// which an editor has written a half is not taken for a fault.
 constexpr std::chrono::milliseconds kGlance{100};
 
-/// Returns when a file was saved since the last look, or `interrupt` came.
-void AwaitSave(WatchedFiles& files, const Interrupt& interrupt) {
-  const FileStamps seen = files.Stamps();
-  while (!interrupt.Came() && (files.Look() || files.Stamps() == seen)) {
-    std::this_thread::sleep_for(kGlance);
-  }
+/// The stamp of a regular file, or of one that is not there; none of a pipe or a device.
+std::optional<FileStamp> StampOfOutput(const std::filesystem::path& file) {
+  const FileKind kind = KindOf(file);
+  const bool isKnown = kind == FileKind::kRegular || kind == FileKind::kAbsent;
+  return isKnown ? std::optional(StampOf(file)) : std::nullopt;
 }
 
-/// Renders a scene again whenever it is saved. What cannot be rendered is said; the picture stays.
+/// Renders a scene again whenever it is saved, and when the picture went or was changed. What
+/// cannot be rendered is said; the picture stays.
 class SceneWatch {
  public:
   SceneWatch(const RenderOptions& options, const Console& console)
@@ -51,10 +54,16 @@ class SceneWatch {
       if (code != kMade) {
         Say(options_.output + (isMade_ ? ": the last good picture stays" : ": no picture yet"));
       }
-      AwaitSave(scene_, interrupt);
+      picture_ = StampOfOutput(output_);
+      AwaitChange(interrupt);
     }
     if (code != kMade) {
       throw Unfinished(code, {});
+    }
+    scene_.Look();
+    if (!IsUpToDate()) {
+      throw Unfinished(kInterrupted,
+                       {options_.output + ": interrupted before the picture was made again"});
     }
   }
 
@@ -70,7 +79,20 @@ class SceneWatch {
                 {FilePath(options_.scene.scene).Get(), FilePath(PluginOf(options_.scene)).Get()});
   }
 
+  /// Returns when a file changed since the picture was made, or `interrupt` came.
+  void AwaitChange(const Interrupt& interrupt) {
+    while (!interrupt.Came() && (scene_.Look() || IsUpToDate())) {
+      std::this_thread::sleep_for(kGlance);
+    }
+  }
+
+  /// As far as was seen at the last look.
+  [[nodiscard]] bool IsUpToDate() const {
+    return scene_.Stamps() == rendered_ && StampOfOutput(output_) == picture_;
+  }
+
   void Make() {
+    rendered_ = scene_.Stamps();
     Render(options_, console_);
     console_.out.flush();  // somebody looks at it now
     isMade_ = true;
@@ -84,7 +106,10 @@ class SceneWatch {
 
   const RenderOptions& options_;
   const Console& console_;
+  std::filesystem::path output_ = FilePath(options_.output).Get();
   WatchedFiles scene_;
+  FileStamps rendered_;               ///< of the scene's files, before they were rendered
+  std::optional<FileStamp> picture_;  ///< after it was made
   bool isMade_ = false;
 };
 

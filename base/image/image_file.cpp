@@ -160,7 +160,7 @@ void ExpectCountable(const PngHeader& header) {
   }
 }
 
-/// Counts what compressed data inflate to, without keeping it.
+/// Counts what compressed data inflate to, without keeping it, and compares their own checksum.
 class InflatedCount {
  public:
   explicit InflatedCount(std::uint64_t most) : most_(most) {
@@ -172,7 +172,8 @@ class InflatedCount {
   InflatedCount& operator=(const InflatedCount&) = delete;
   ~InflatedCount() { inflateEnd(&stream_); }
 
-  /// Takes the next part of the data, up to the end or the first damage of the stream.
+  /// Takes the next part of the data, which may be empty, up to the end of the stream. Throws
+  /// FileError for data that are damaged, or inflate to too much.
   void Take(std::string_view data) {
     std::array<unsigned char, 1 << 15> inflated{};
     // The library's interface is older than const; it does not write there.
@@ -181,7 +182,7 @@ class InflatedCount {
     do {
       stream_.next_out = inflated.data();
       stream_.avail_out = static_cast<unsigned>(inflated.size());
-      isOver_ = isOver_ || inflate(&stream_, Z_NO_FLUSH) != Z_OK;
+      Inflate();
       bytes_ += inflated.size() - stream_.avail_out;
       if (bytes_ > most_) {
         throw FileError("damaged PNG file (its data inflate to more than " + std::to_string(most_) +
@@ -193,6 +194,21 @@ class InflatedCount {
   [[nodiscard]] std::uint64_t Bytes() const { return bytes_; }
 
  private:
+  void Inflate() {
+    switch (isOver_ ? Z_STREAM_END : inflate(&stream_, Z_NO_FLUSH)) {
+      case Z_OK:
+      case Z_BUF_ERROR:  // there is nothing to do with what has come until now
+        return;
+      case Z_STREAM_END:
+        isOver_ = true;
+        return;
+      case Z_MEM_ERROR:
+        throw OutOfMemory("inflating a picture");
+      default:
+        throw FileError("damaged PNG file (its data cannot be inflated)");
+    }
+  }
+
   std::uint64_t most_;
   std::uint64_t bytes_ = 0;
   bool isOver_ = false;
@@ -254,6 +270,26 @@ void AppendBytes(void* bytes, void* data, int size) {
                                            static_cast<std::size_t>(size));
 }
 
+/// A file whose palette is shorter than what a pixel can name, with black for the rest: such a
+/// pixel would get what the decoder's memory held before. None for any other file. The decoder does
+/// not compare the chunk's checksum.
+std::optional<std::string> WithWholePalette(const std::string& bytes) {
+  constexpr std::size_t kWhole = 256 * 3;
+  std::string_view palette;
+  ForEachChunk(bytes, [&](std::string_view type, std::string_view data) {
+    palette = type == "PLTE" ? data : palette;
+  });
+  if (palette.empty() || palette.size() >= kWhole) {
+    return std::nullopt;
+  }
+  const auto place = static_cast<std::size_t>(palette.data() - bytes.data());
+  std::string whole = bytes;
+  whole.insert(place + palette.size(), kWhole - palette.size(), '\0');
+  whole[place - 6] = static_cast<char>(kWhole >> 8U);  // the low half of the chunk's length
+  whole[place - 5] = static_cast<char>(kWhole & 0xFFU);
+  return whole;
+}
+
 }  // namespace
 
 PngFile::PngFile(const FilePath& file, int longestSide) : bytes_(ReadWholeFile(file)) {
@@ -269,11 +305,13 @@ PngFile::PngFile(const FilePath& file, int longestSide) : bytes_(ReadWholeFile(f
 
 Picture PngFile::Decode() const {
   ForgetDecoderFailure();
+  const std::optional<std::string> completed = WithWholePalette(bytes_);
+  const std::string& bytes = completed ? *completed : bytes_;
   int width = 0;
   int height = 0;
   int channels = 0;
   const std::unique_ptr<stbi_uc, decltype(&std::free)> pixels(
-      stbi_load_from_memory(DecoderBytes(bytes_), DecoderSize(bytes_), &width, &height, &channels,
+      stbi_load_from_memory(DecoderBytes(bytes), DecoderSize(bytes), &width, &height, &channels,
                             kChannels),
       &std::free);
   if (pixels == nullptr) {

@@ -13,9 +13,10 @@ inline constexpr int kLongestImageSide = 16384;
 /// A PNG file that was read and checked to its end, and is not decoded yet.
 class PngFile {
  public:
-  /// Throws FileError when the file cannot be read, is no PNG, is damaged (its data inflate to less
-  /// or to far more than its size says), or is too large: it has a side longer than `longestSide`
-  /// pixels, or more bytes than the decoder counts. All of it is found out in little memory.
+  /// Throws FileError when the file cannot be read, is no PNG, is damaged (a checksum is wrong, its
+  /// data inflate to less or to far more than its size says), or is too large: it has a side longer
+  /// than `longestSide` pixels, or more bytes than the decoder counts. All of it is found out in
+  /// little memory.
   explicit PngFile(const FilePath& file, int longestSide = kLongestImageSide);
 
   [[nodiscard]] int Width() const { return width_; }

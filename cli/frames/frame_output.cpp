@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <optional>
 #include <ostream>
+#include <regex>
 #include <string_view>
 
 #include "base/image/image_file.h"
@@ -40,6 +41,12 @@ std::optional<FrameNumber> FindFrameNumber(const std::string& name) {
 }
 
 }  // namespace
+
+bool IsForeignPattern(const std::string& output) {
+  static const std::regex kForeign("%[0-9]*[a-zA-Z]|##");
+  return !FindFrameNumber(output) &&
+         std::regex_search(std::filesystem::path(output).filename().string(), kForeign);
+}
 
 OutputKind KindOf(const std::string& output) {
   if (output == "-") {

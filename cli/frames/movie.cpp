@@ -91,14 +91,19 @@ Process Start(const std::string& file, const std::vector<std::string>& command,
   }
 }
 
+/// Waits for the program's end. Throws InputError when it failed.
+void ExpectGoodEnd(const std::string& file, const char* program, Process& process) {
+  if (const int code = process.Wait(); code != 0) {
+    throw InputError({file + ": " + program + " ended with " + Process::EndText(code)});
+  }
+}
+
 /// What ffprobe prints for these words of its command line. Throws InputError when it fails.
 std::string ProbeText(const std::string& file, std::vector<std::string> words) {
   words.insert(words.begin(), {"ffprobe", "-hide_banner", "-loglevel", "error"});
   Process probe = Start(file, words, Process::Pipe::kFromOutput);
   std::string text = probe.ReadAll();
-  if (const int code = probe.Wait(); code != 0) {
-    throw InputError({file + ": ffprobe ended with " + std::to_string(code)});
-  }
+  ExpectGoodEnd(file, "ffprobe", probe);
   return text;
 }
 
@@ -153,23 +158,17 @@ void Movie::Take(int /*frame*/, const Picture& picture) {
     encoder_.Write(picture.Bytes(), picture.pixels.size() * sizeof(Rgba));
     ++frames_;
   } catch (const ProcessError&) {
-    throw InputError({file_ + ": ffmpeg ended with " + std::to_string(encoder_.Wait())});
+    throw InputError({file_ + ": ffmpeg ended with " + Process::EndText(encoder_.Wait())});
   }
 }
 
 void Movie::Commit() {
-  ExpectEnd();
+  ExpectGoodEnd(file_, "ffmpeg", encoder_);
   ExpectWhole();
   try {
     part_.Rename(sync_);
   } catch (const FileError& error) {
     throw InputError({file_ + ": " + error.what()});
-  }
-}
-
-void Movie::ExpectEnd() {
-  if (const int code = encoder_.Wait(); code != 0) {
-    throw InputError({file_ + ": ffmpeg ended with " + std::to_string(code)});
   }
 }
 

@@ -27,7 +27,6 @@ class Movie : public FrameOutput {
   void Abort() override { encoder_.Kill(); }
 
  private:
-  void ExpectEnd();
   void ExpectWhole() const;
 
   std::string file_;

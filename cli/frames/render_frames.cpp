@@ -14,6 +14,8 @@
 #include <thread>
 #include <utility>
 
+#include "base/files/file_path.h"
+#include "base/files/file_system.h"
 #include "base/image/image_file.h"
 #include "cli/frames/frame_list.h"
 #include "cli/frames/frame_queue.h"
@@ -65,20 +67,27 @@ class FrameRender {
   }
 
   /// For each frame, whether its file is there and whole. Decoding takes a third as long as
-  /// rendering: every core takes its share.
+  /// rendering: every core takes its share. What went, or became another, while the files behind it
+  /// were decoded is seen at a last look at all of them, which takes a few microseconds a file.
   [[nodiscard]] std::vector<char> AreWhole() const {
     std::vector<char> whole(frames_.size());
+    std::vector<FileStamp> stamps(frames_.size());
     const std::size_t shares = CountThreads();
     std::vector<std::future<void>> looks;
     for (std::size_t share = 0; share < shares; ++share) {
-      looks.push_back(StartTask([this, &whole, share, shares] {
+      looks.push_back(StartTask([this, &whole, &stamps, share, shares] {
         for (std::size_t place = share; place < frames_.size(); place += shares) {
           const std::string file = FrameFile(settings_.output, frames_[place]);
+          stamps[place] = StampOf(FilePath(file).Get());
           whole[place] = IsWholePng(file, composer_.Width(), composer_.Height()) ? 1 : 0;
         }
       }));
     }
     for (std::future<void>& look : looks) look.get();
+    for (std::size_t place = 0; place < frames_.size(); ++place) {
+      const FilePath file(FrameFile(settings_.output, frames_[place]));
+      if (StampOf(file.Get()) != stamps[place]) whole[place] = 0;
+    }
     return whole;
   }
 
@@ -113,12 +122,12 @@ class FrameRender {
   void Make(const std::vector<int>& frames) {
     ExpectReplaceableFiles(frames);
     const Interrupt interrupt;
-    const std::unique_ptr<FrameOutput> output = MakeOutput();
     const bool isWatched = frames.size() > 1 || settings_.progress == ProgressForm::kJson;
     Progress progress(console_.err, isWatched ? settings_.progress : ProgressForm::kNone,
                       static_cast<int>(frames.size()));
     std::optional<RunStatistics> statistics;
     try {
+      const std::unique_ptr<FrameOutput> output = MakeOutput();
       statistics = Pass(frames, *output, progress, interrupt);
       if (!interrupt.Came()) output->Commit();
     } catch (...) {

@@ -118,6 +118,13 @@ std::vector<int> FramesAskedFor(const RenderSettings& settings, int count) {
     frames.resize(static_cast<std::size_t>(count));
     std::iota(frames.begin(), frames.end(), 0);
   }
+  const bool isOfAnimation = settings.frames.empty() && count > 1;
+  if (settings.kind == OutputKind::kPicture && isOfAnimation && IsForeignPattern(settings.output)) {
+    faults.Expected("--output",
+                    "name with the frame's number as %d or %0Nd, N from 1 to 9 (f.%04d.png), or "
+                    "--frames 0 for one picture of that very name",
+                    settings.output);
+  }
   if (settings.kind == OutputKind::kPicture && frames.size() > 1) {
     faults.Expected("--output", "name with the frame's number (f.%04d.png) for several frames",
                     settings.output);

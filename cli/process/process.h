@@ -73,8 +73,8 @@ class Process {
   /// during Wait.
   void Kill();
   /// Closes the pipe to its input, and returns the program's exit code once it has ended; of one
-  /// that was ended by a signal, 128 and the signal's number; kUnknownEnd if the system does not
-  /// say. An interrupt ends the program. May be called again.
+  /// that was ended by a signal, a number beyond all exit codes, for the functions below;
+  /// kUnknownEnd if the system does not say. An interrupt ends the program. May be called again.
   int Wait();
 
   /// What Wait returns, of a program that has ended. REQUIRES: HasEnded.

@@ -23,8 +23,11 @@ namespace standin {
 /// groups and the type is declared in a header.
 namespace process_parts {
 
-/// What a program that a signal ended is said to have returned, less the signal.
-constexpr int kSignalBase = 128;
+/// What a program that a signal ended is said to have returned, less the signal: more than any exit
+/// code, which has eight bits.
+constexpr int kSignalBase = 0x100;
+/// What a child returns that cannot become the program, as a shell does.
+constexpr int kNotStarted = 127;
 
 inline std::string Words(int error) { return std::generic_category().message(error); }
 
@@ -124,7 +127,7 @@ void ResetSignals() {
   ResetSignals();
   prctl(PR_SET_PDEATHSIG, SIGKILL);
   if (getppid() != parent) {  // it ended before the line above
-    _exit(kSignalBase + SIGKILL);
+    _exit(kNotStarted);
   }
   for (const auto& [from, to] : plan.streams) {
     dup2(from, to);
@@ -135,7 +138,7 @@ void ResetSignals() {
   execvp(plan.program.c_str(), plan.arguments.data());
   const int error = errno;
   [[maybe_unused]] const ssize_t written = write(plan.failure, &error, sizeof error);
-  _exit(kSignalBase - 1);
+  _exit(kNotStarted);
 }
 
 pid_t Start(const std::vector<std::string>& command, StartPlan plan) {
@@ -167,29 +170,6 @@ pid_t Start(const std::vector<std::string>& command, StartPlan plan) {
   }
   return child;
 }
-
-/// While it exists, a write to a pipe that nobody reads fails without the signal that would end
-/// this program. Only this thread's: what ends a write to standard output is the user's wish.
-class WithoutPipeSignal {
- public:
-  WithoutPipeSignal() {
-    sigemptyset(&pipe_);
-    sigaddset(&pipe_, SIGPIPE);
-    pthread_sigmask(SIG_BLOCK, &pipe_, &before_);
-  }
-  WithoutPipeSignal(const WithoutPipeSignal&) = delete;
-  WithoutPipeSignal& operator=(const WithoutPipeSignal&) = delete;
-  ~WithoutPipeSignal() {
-    constexpr timespec kNow{};
-    while (sigtimedwait(&pipe_, nullptr, &kNow) < 0 && errno == EINTR) {
-    }
-    pthread_sigmask(SIG_SETMASK, &before_, nullptr);
-  }
-
- private:
-  sigset_t pipe_{};
-  sigset_t before_{};
-};
 
 void MakeNonblocking(const Descriptor& descriptor) {
   fcntl(descriptor.Get(), F_SETFL, fcntl(descriptor.Get(), F_GETFL) | O_NONBLOCK);
@@ -312,7 +292,6 @@ Process::Process(const std::vector<std::string>& command, Pipe pipe)
     : running_(std::make_unique<Running>()) {
   switch (pipe) {
     case Pipe::kToInput:
-      std::signal(SIGPIPE, SIG_IGN);  // a failed write says so itself
       running_->StartFed(command);
       break;
     case Pipe::kFromOutput:
@@ -328,7 +307,6 @@ Process::Process(Process&&) noexcept = default;
 Process::~Process() = default;
 
 void Process::Write(const void* bytes, std::size_t size) {
-  const WithoutPipeSignal withoutSignal;
   const char* next = static_cast<const char*>(bytes);
   while (size > 0) {
     const ssize_t written = write(running_->input.Get(), next, size);
@@ -391,7 +369,7 @@ std::string Process::EndText(int code) {
   if (code == kUnknownEnd) {
     return "an end that the system does not report";
   }
-  if (code <= kSignalBase) {
+  if (code < kSignalBase) {
     return code == 0 ? "" : "exit code " + std::to_string(code);
   }
   const int signal = code - kSignalBase;

@@ -132,7 +132,7 @@ PF_Err Misbehave(const PF_InData* in) {
     case 5:
       Hang();
     case 7:
-      std::exit(0);
+      std::exit(std::getenv("TARVO_TEST_EXITS_WITH_130") != nullptr ? 130 : 0);
 #ifndef _WIN32
     case 8:
       StartProcess("member", false);

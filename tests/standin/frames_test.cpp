@@ -12,6 +12,16 @@ using standin::Picture;
 using standin::ReadPng;
 using standin::ReadWholeFile;
 
+TEST_F(Frames, AreNotMadeAsOnePictureByAForeignPattern) {
+  for (const std::string output : {"a%0300d.png", "a%x.png", "a.####.png"}) {
+    const Outcome outcome = Render(Moving(3, ""), output);
+    EXPECT_EQ(outcome.code, 2);
+    EXPECT_NE(outcome.err.find("name with the frame's number"), std::string::npos) << outcome.err;
+    EXPECT_EQ(Render(Moving(3, ""), output, "--frames 0").code, 0)
+        << "one picture, if one is meant";
+  }
+}
+
 TEST_F(Frames, SendsOnlyWhatIsNew) {
   struct Case {
     const char* keys;

@@ -5,8 +5,10 @@
 #include <filesystem>
 #include <random>
 #include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
+#include <zlib.h>
 
 namespace {
 
@@ -125,6 +127,44 @@ TEST_F(ImageFile, RefusesWhatIsNotAsLargeAsItsHeaderSays) {
     }
     EXPECT_FALSE(standin::IsWholePng(folder_ / "a.png", 4, 4));
   }
+}
+
+/// A PNG file of 4 x 4 pixels, all of palette index 1, in chunks of IDAT as they are given.
+std::string Indexed(const std::string& palette, const std::vector<std::string>& data) {
+  const std::string header = WithHeader(standin::EncodePng(Picture(1, 1)), 4, 8, 3).substr(0, 33);
+  std::string png = header + Chunk("PLTE" + palette);
+  for (const std::string& part : data) {
+    png += Chunk("IDAT" + part);
+  }
+  return png + Chunk("IEND");
+}
+
+std::string Compressed(const std::string& bytes) {
+  uLongf size = compressBound(static_cast<uLong>(bytes.size()));
+  std::string compressed(size, '\0');
+  compress(reinterpret_cast<Bytef*>(compressed.data()), &size,
+           reinterpret_cast<const Bytef*>(bytes.data()), static_cast<uLong>(bytes.size()));
+  compressed.resize(size);
+  return compressed;
+}
+
+TEST_F(ImageFile, ReadsDataInAnyPartsAndComparesTheirOwnChecksum) {
+  const std::string palette("\0\0\0\x10\x20\x30", 6);
+  const std::string data = Compressed(std::string(20, '\0').replace(1, 4, 4, '\1'));
+  std::vector<std::string> bytes = {"", ""};
+  for (const char byte : data) {
+    bytes.emplace_back(1, byte);
+    bytes.emplace_back();
+  }
+  standin::WriteWholeFile(folder_ / "a.png", Indexed(palette, bytes));
+  EXPECT_EQ(standin::ReadPng(folder_ / "a.png").At(0, 0), (Rgba{16, 32, 48, 255}));
+  standin::WriteWholeFile(folder_ / "a.png", Indexed(palette.substr(0, 3), {data}));
+  EXPECT_EQ(standin::ReadPng(folder_ / "a.png").At(0, 0), (Rgba{0, 0, 0, 255}))
+      << "an index beyond the palette is black";
+  std::string damaged = data;
+  damaged.back() ^= 1;
+  standin::WriteWholeFile(folder_ / "a.png", Indexed(palette, {damaged}));
+  EXPECT_FALSE(standin::IsWholePng(folder_ / "a.png", 4, 4));
 }
 
 }  // namespace

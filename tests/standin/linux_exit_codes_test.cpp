@@ -49,7 +49,7 @@ std::vector<Row> Rows() {
        "ln scene.json link.png; " + render + "-o link.png",
        "would take the place of a file that was read"},
       {2, "the encoder of a movie failed, or left a movie that is not whole",
-       "PATH=.:$PATH " + render + "-o m.gif", "ffmpeg ended with 7"},
+       "PATH=.:$PATH " + render + "-o m.gif", "ffmpeg ended with exit code 7"},
       {3, "the plug-in returned an error", one + Plugin(TARVO_FAILING_PLUGIN),
        "render returned 512: no paint left"},
       {3, "the plug-in broke a rule of its host", one + Plugin(TARVO_LEAKING_PLUGIN),

@@ -68,7 +68,7 @@ TEST_F(Frames, PassesAMoviesFramesToItsEncoder) {
         << jobs;
   }
   Install("ffmpeg", "exit 7\n");
-  ExpectFailure(Arguments("b.gif", ""), 2, "ffmpeg ended with 7", path);
+  ExpectFailure(Arguments("b.gif", ""), 2, "ffmpeg ended with exit code 7", path);
   ExpectFailure(Arguments("b.gif", ""), 4, "install the package ffmpeg", "PATH=/nowhere ");
   std::filesystem::remove(folder_ / "ffprobe");
   ExpectFailure(Arguments("b.gif", ""), 4, "the program ffprobe", path);

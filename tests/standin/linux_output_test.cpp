@@ -129,6 +129,9 @@ TEST_F(LinuxOutputs, WritePipesAndDevicesAsTheyAre) {
 TEST_F(LinuxOutputs, SayThatStandardOutputIsLost) {
   const std::string scene = Quoted(File("scene.json"));
   const std::string picture = " " + Quoted(File("a.png"));
+  ASSERT_EQ(mkfifo(File("pipe").c_str(), 0600), 0);
+  const std::string pipe = Quoted(File("pipe"));
+  const std::string pipeWithoutReader = "exec 3<>" + pipe + " 4>" + pipe + " 3>&-; ";
   const struct {
     std::string arguments;
     std::string told;  // on standard error
@@ -150,8 +153,8 @@ TEST_F(LinuxOutputs, SayThatStandardOutputIsLost) {
       {std::string("check --json") + kAboutCheck, "sound: 1 check passed"},
   };
   for (const auto& [arguments, told] : cases) {
-    for (const std::string output : {" >/dev/full", " >&-"}) {
-      const Outcome outcome = Shell("( " + Command(arguments) + output + " )");
+    for (const std::string output : {" >/dev/full", " >&-", " >&4"}) {
+      const Outcome outcome = Shell("( " + pipeWithoutReader + Command(arguments) + output + " )");
       EXPECT_EQ(outcome.code, 4) << arguments << output << "\n" << outcome.err;
       EXPECT_NE(outcome.err.find("standard output cannot be written"), std::string::npos)
           << arguments << output << "\n"

@@ -38,7 +38,7 @@ TEST_F(Processes, AnIgnoredSigchldHidesNoFailure) {
     std::string end;
   } cases[] = {
       {"render scene.json -o m.gif --plugin " + Quoted(TARVO_PRINTING_PLUGIN),
-       "code 2\nm.gif: ffmpeg ended with 7\n"},
+       "code 2\nm.gif: ffmpeg ended with exit code 7\n"},
       {"render scene.json -o f%d.png --jobs 2 --quiet --plugin " + Quoted(TARVO_LEAKING_PLUGIN),
        "code 3\n"},
   };
@@ -71,6 +71,39 @@ TEST_F(Processes, AnEndOfTarvoOfAnyKindTakesAHangingPluginAlong) {
           << command << " " << signal << "\n"
           << outcome.err;
     }
+  }
+}
+
+// As a shell tells of a program that Ctrl-C ended.
+TEST_F(Processes, AnExitCodeOf130IsNoSignal) {
+  const Outcome outcome =
+      Script("TARVO_TEST_EXITS_WITH_130=1 \"$tarvo\" render scene.json -o f%d.png --plugin " +
+             Quoted(TARVO_EXITING_PLUGIN) + " 2>said; echo code $?; grep -o 'ended.*130)' said\n");
+  EXPECT_EQ(outcome.out,
+            "code 3\nended the program in the render command, frame 5 (exit code 130)\n");
+}
+
+TEST_F(Processes, AnInterruptWhileTheEncoderIsTriedOutIsOne) {
+  InstallStoringEncoder();
+  Install("ffprobe", "echo probing in process $$ >&2\nexec /bin/sleep 60\n");
+  const Outcome outcome = Script(
+      "PATH=.:$PATH env --default-signal=INT \"$tarvo\" render scene.json -o m.gif 2>said & "
+      "job=$!\n"
+      "await grep 'probing in process' said\nkill -INT $job\nwait $job\necho code $?\n"
+      "grep interrupted said\nparts || echo clean\n");
+  EXPECT_EQ(outcome.out, "code 130\ninterrupted; m.gif is not complete\nclean\n") << outcome.err;
+}
+
+// The pipe is full when the command comes to it, and its reader leaves once it is open.
+TEST_F(Processes, AReaderThatLeavesAPipeIsAFailureWithASentence) {
+  for (const std::string command : {"render scene.json --frames 0", "sheet scene.json"}) {
+    const Outcome outcome = Script(
+        "rm -f p.png; mkfifo p.png; exec 3<>p.png; head -c 65536 /dev/zero >&3\n"
+        "\"$tarvo\" " +
+        command +
+        " -o p.png 2>said 3>&- & job=$!\nis_open() { ls -l /proc/$job/fd | grep p.png; }\n"
+        "await is_open; exec 3>&-; wait $job; echo code $?; cat said\n");
+    EXPECT_EQ(outcome.out, "code 2\np.png: cannot be written: Broken pipe\n") << command;
   }
 }
 

@@ -47,6 +47,39 @@ kill -INT $job; wait $job
   EXPECT_EQ(middle.green, 160) << "the image that was saved is not the one that is drawn";
 }
 
+// The command is stopped while something happens, so that the interrupt comes before it has seen
+// it.
+TEST_F(Frames, WatchMakesALostPictureAgainAndSaysWhenItCouldNot) {
+  standin::WriteWholeFile(folder_ / "scene.json", Moving(2, ""));
+  standin::WriteWholeFile(folder_ / "watch.sh", "cd " + Quoted(folder_.string()) +
+                                                    "\ntarvo=" + Quoted(TARVO_COMMAND) + R"(
+start() { env --default-signal=INT "$tarvo" watch scene.json -o out.png --quiet 2>said & job=$!; }
+await() { tries=0; until "$@" >made 2>&1; do sleep 0.02; tries=$((tries + 1))
+  if [ $tries -gt 1500 ]; then echo "in vain: $*"; kill $job; exit 99; fi; done; }
+start
+await test -e out.png
+cp out.png good.png
+rm out.png
+await test -e out.png
+printf damaged >out.png
+await cmp out.png good.png
+for harm in 'rm out.png' 'cp b.png out.png' 'touch scene.json' 'cp b.png a.png'; do
+  kill -STOP $job; $harm; kill -INT $job; kill -CONT $job; wait $job; echo code $?
+  cat said
+  rm -f out.png
+  start
+  await test -e out.png
+done
+kill -INT $job; wait $job; echo code $?
+)");
+  const Outcome outcome = Shell("sh " + Quoted(File("watch.sh")));
+  std::string expected;
+  for (int harm = 0; harm < 4; ++harm) {
+    expected += "code 130\nout.png: interrupted before the picture was made again\n";
+  }
+  EXPECT_EQ(outcome.out, expected + "code 0\n") << outcome.err;
+}
+
 TEST_F(Frames, WatchRefusesWhatItCouldNeverMake) {
   standin::WriteWholeFile(folder_ / "scene.json", Moving(2, ""));
   const std::string watch = "watch " + Quoted(File("scene.json")) + " -o ";
