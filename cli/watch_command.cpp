@@ -55,6 +55,7 @@ class SceneWatch {
         Say(options_.output + (isMade_ ? ": the last good picture stays" : ": no picture yet"));
       }
       picture_ = StampOfOutput(output_);
+      console_.out.flush();  // from now on a change of the picture is seen
       AwaitChange(interrupt);
     }
     if (code != kMade) {
@@ -94,7 +95,6 @@ class SceneWatch {
   void Make() {
     rendered_ = scene_.Stamps();
     Render(options_, console_);
-    console_.out.flush();  // somebody looks at it now
     isMade_ = true;
   }
 
