@@ -1,25 +1,34 @@
-# Sourced by the other scripts: goes to the repository's root and installs what is missing there.
-# A package is asked for by name and only when dpkg does not know it, so that a machine that has
-# everything needs no network.
+# Sourced by the other scripts: goes to the repository's root, and defines how they install what is
+# missing and build. A package is asked for by name and only when dpkg does not know it, so that a
+# machine that has everything needs no network.
 cd "$(dirname "${BASH_SOURCE[0]}")/.." || exit 1
 
-packages=(
-  g++ cmake ninja-build git
-  libegl-dev libgl-dev libopengl-dev libglu1-mesa-dev libegl-mesa0 libgl1-mesa-dri  # no screen needed
-  nlohmann-json3-dev libcli11-dev libstb-dev zlib1g-dev ffmpeg       # the stand-in host
-  libgtest-dev googletest python3 python3-jsonschema                 # tests
-  libbenchmark-dev libcairo2-dev pkg-config                          # scripts/bench
-  clang-format clang-tidy binutils
-  clang libclang-rt-dev llvm                                         # the fuzzers
-  g++-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64 libz-mingw-w64-dev zip  # the Windows build, archives
-  wine wine64 xvfb xauth                                             # its tests
-)
+packages_of() {
+  case "$1" in
+    product)  # the plug-in and tarvo, and what OpenGL needs without a screen
+      echo g++ cmake ninja-build nlohmann-json3-dev libcli11-dev libstb-dev zlib1g-dev \
+        libegl-dev libgl-dev libopengl-dev libglu1-mesa-dev libegl-mesa0 libgl1-mesa-dri
+      ;;
+    tests) echo libgtest-dev python3 python3-jsonschema ffmpeg git ;;
+    bench) echo libbenchmark-dev libcairo2-dev pkg-config ;;
+    lint) echo clang-format clang-tidy ;;
+    fuzz) echo clang libclang-rt-dev llvm ;;
+    windows)
+      echo g++-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64 libz-mingw-w64-dev googletest \
+        wine wine64 xvfb xauth
+      ;;
+    archives) echo binutils git zip ;;
+  esac
+}
 
 have() { dpkg-query -W -f '${Status}' "$1" 2>/dev/null | grep -q ' installed$'; }
 
+# install_missing GROUP...: the packages of these groups that are missing.
 install_missing() {
-  local missing=() package
-  for package in "${packages[@]}"; do have "$package" || missing+=("$package"); done
+  local missing=() group package
+  for group in "$@"; do
+    for package in $(packages_of "$group"); do have "$package" || missing+=("$package"); done
+  done
   [ ${#missing[@]} -eq 0 ] && return
   command -v apt-get >/dev/null || { echo "missing, and no apt-get here: ${missing[*]}" >&2; exit 1; }
   local as_root=()
@@ -35,5 +44,3 @@ build() {
   cmake --preset "$1" >/dev/null
   cmake --build --preset "$1"
 }
-
-install_missing

@@ -1,10 +1,10 @@
 #include "cli/frames/frame_output.h"
 
 #include <algorithm>
+#include <cctype>
 #include <cstddef>
 #include <optional>
 #include <ostream>
-#include <regex>
 #include <string_view>
 
 #include "base/image/image_file.h"
@@ -43,9 +43,14 @@ std::optional<FrameNumber> FindFrameNumber(const std::string& name) {
 }  // namespace
 
 bool IsForeignPattern(const std::string& output) {
-  static const std::regex kForeign("%[0-9]*[a-zA-Z]|##");
-  return !FindFrameNumber(output) &&
-         std::regex_search(std::filesystem::path(output).filename().string(), kForeign);
+  const std::string name = std::filesystem::path(output).filename().string();
+  bool hasConversion = false;
+  for (std::size_t at = name.find('%'); at != std::string::npos; at = name.find('%', at + 1)) {
+    const std::size_t behind = name.find_first_not_of("0123456789", at + 1);
+    hasConversion |=
+        behind != std::string::npos && std::isalpha(static_cast<unsigned char>(name[behind])) != 0;
+  }
+  return !FindFrameNumber(output) && (hasConversion || name.find("##") != std::string::npos);
 }
 
 OutputKind KindOf(const std::string& output) {

@@ -1,4 +1,4 @@
-# Runs one check, CHECK, on a broken build, PLUGIN: it must end with RESULT, within LIMIT seconds, and
+# Runs one check, CHECK, on a mutant, PLUGIN: it must end with RESULT, within LIMIT seconds, and
 # say WORDS, and the build must be called not sound.
 execute_process(COMMAND ${TARVO} check ${PLUGIN} --only ${CHECK} --time-limit ${LIMIT}
   RESULT_VARIABLE code OUTPUT_VARIABLE said ERROR_VARIABLE said)
