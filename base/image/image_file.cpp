@@ -270,24 +270,33 @@ void AppendBytes(void* bytes, void* data, int size) {
                                            static_cast<std::size_t>(size));
 }
 
-/// A file whose palette is shorter than what a pixel can name, with black for the rest: such a
-/// pixel would get what the decoder's memory held before. None for any other file. The decoder does
-/// not compare the chunk's checksum.
-std::optional<std::string> WithWholePalette(const std::string& bytes) {
-  constexpr std::size_t kWhole = 256 * 3;
-  std::string_view palette;
-  ForEachChunk(bytes, [&](std::string_view type, std::string_view data) {
-    palette = type == "PLTE" ? data : palette;
-  });
-  if (palette.empty() || palette.size() >= kWhole) {
-    return std::nullopt;
+void AppendChunk(std::string& file, std::string_view type, std::string_view data) {
+  for (int shift = 24; shift >= 0; shift -= 8) {
+    file += static_cast<char>(data.size() >> shift & 0xFFU);
   }
-  const auto place = static_cast<std::size_t>(palette.data() - bytes.data());
-  std::string whole = bytes;
-  whole.insert(place + palette.size(), kWhole - palette.size(), '\0');
-  whole[place - 6] = static_cast<char>(kWhole >> 8U);  // the low half of the chunk's length
-  whole[place - 5] = static_cast<char>(kWhole & 0xFFU);
-  return whole;
+  file.append(type).append(data).append(4,
+                                        '\0');  // its checksum, at which the decoder does not look
+}
+
+/// The chunks of a file as the decoder can take them all: it copies the data of an empty one to
+/// nowhere, and a pixel beyond a short palette would get what its memory held before. Such pixels
+/// are black here.
+std::string ForDecoder(const std::string& bytes) {
+  constexpr std::size_t kSignature = 8;
+  constexpr std::size_t kPalette = 256 * 3;
+  std::string file;
+  file.reserve(bytes.size() + kPalette);
+  file.append(bytes, 0, kSignature);
+  ForEachChunk(bytes, [&](std::string_view type, std::string_view data) {
+    const bool isPalette = type == "PLTE" && !data.empty() && data.size() % 3 == 0;
+    if (isPalette && data.size() < kPalette) {
+      AppendChunk(file, type, std::string(data).append(kPalette - data.size(), '\0'));
+    } else if (type != "IDAT" || !data.empty()) {
+      AppendChunk(file, type, data);
+    }
+  });
+  AppendChunk(file, "IEND", {});
+  return file;
 }
 
 }  // namespace
@@ -305,8 +314,7 @@ PngFile::PngFile(const FilePath& file, int longestSide) : bytes_(ReadWholeFile(f
 
 Picture PngFile::Decode() const {
   ForgetDecoderFailure();
-  const std::optional<std::string> completed = WithWholePalette(bytes_);
-  const std::string& bytes = completed ? *completed : bytes_;
+  const std::string bytes = ForDecoder(bytes_);
   int width = 0;
   int height = 0;
   int channels = 0;
