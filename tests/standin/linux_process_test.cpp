@@ -94,14 +94,15 @@ TEST_F(Processes, AnInterruptWhileTheEncoderIsTriedOutIsOne) {
   EXPECT_EQ(outcome.out, "code 130\ninterrupted; m.gif is not complete\nclean\n") << outcome.err;
 }
 
-// The pipe is full when the command comes to it, and its reader leaves once it is open.
+// The pipe is full when the command comes to it, and its reader leaves once the command has it open
+// for writing alone, unlike the shell that starts it.
 TEST_F(Processes, AReaderThatLeavesAPipeIsAFailureWithASentence) {
   for (const std::string command : {"render scene.json --frames 0", "sheet scene.json"}) {
     const Outcome outcome = Script(
         "rm -f p.png; mkfifo p.png; exec 3<>p.png; head -c 65536 /dev/zero >&3\n"
         "\"$tarvo\" " +
         command +
-        " -o p.png 2>said 3>&- & job=$!\nis_open() { ls -l /proc/$job/fd | grep p.png; }\n"
+        " -o p.png 2>said 3>&- & job=$!\nis_open() { ls -l /proc/$job/fd | grep '^l-wx.*p.png'; }\n"
         "await is_open; exec 3>&-; wait $job; echo code $?; cat said\n");
     EXPECT_EQ(outcome.out, "code 2\np.png: cannot be written: Broken pipe\n") << command;
   }
