@@ -283,7 +283,7 @@ void AppendChunk(std::string& file, std::string_view type, std::string_view data
 /// are black here.
 std::string ForDecoder(const std::string& bytes) {
   constexpr std::size_t kSignature = 8;
-  constexpr std::size_t kPalette = 256 * 3;
+  constexpr std::size_t kPalette = 768;  // 256 colours of three bytes
   std::string file;
   file.reserve(bytes.size() + kPalette);
   file.append(bytes, 0, kSignature);
