@@ -28,15 +28,20 @@ namespace {
 /// which an editor has written a half is not taken for a fault.
 constexpr std::chrono::milliseconds kGlance{100};
 
-/// The stamp of a regular file, or of one that is not there; none of a pipe or a device.
+/// The stamp of a regular file, or of one that does not exist; none of a pipe or a device, or where
+/// the system does not tell what it is, which the next attempt to write it reports.
 std::optional<FileStamp> StampOfOutput(const std::filesystem::path& file) {
-  const FileKind kind = KindOf(file);
-  const bool isKnown = kind == FileKind::kRegular || kind == FileKind::kAbsent;
-  return isKnown ? std::optional(StampOf(file)) : std::nullopt;
+  try {
+    const FileKind kind = KindOf(file);
+    const bool isKnown = kind == FileKind::kRegular || kind == FileKind::kAbsent;
+    return isKnown ? std::optional(StampOf(file)) : std::nullopt;
+  } catch (const FileError&) {
+    return std::nullopt;
+  }
 }
 
-/// Renders a scene again whenever it is saved, and when the picture went or was changed. What
-/// cannot be rendered is said; the picture stays.
+/// Renders a scene again whenever it is saved, and when the picture was removed or changed.
+/// What cannot be rendered is reported; the last picture stays.
 class SceneWatch {
  public:
   SceneWatch(const RenderOptions& options, const Console& console)
@@ -55,7 +60,8 @@ class SceneWatch {
         Say(options_.output + (isMade_ ? ": the last good picture stays" : ": no picture yet"));
       }
       picture_ = StampOfOutput(output_);
-      console_.out.flush();  // from now on a change of the picture is seen
+      console_.out
+          .flush();  // a program that reads this may change the picture now: its stamp is known
       AwaitChange(interrupt);
     }
     if (code != kMade) {

@@ -39,8 +39,8 @@ install_missing() {
     "${missing[@]}" >/dev/null
 }
 
-# build PRESET: configures and builds one preset.
+# build PRESET [CONFIGURED]: configures and builds one preset, in the folder of the other one if given.
 build() {
-  cmake --preset "$1" >/dev/null
+  cmake --preset "${2:-$1}" >/dev/null
   cmake --build --preset "$1"
 }

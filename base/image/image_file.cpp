@@ -23,6 +23,7 @@ namespace standin {
 namespace {
 
 constexpr int kChannels = 4;
+constexpr std::size_t kSignatureBytes = 8;  // bytes before the first chunk of a PNG file
 
 /// Every row as its difference from the one above, and a level of compression that is nearly as
 /// quick as the first one: files hardly larger than the smallest, in a small part of the time. Set
@@ -77,9 +78,8 @@ std::uint32_t BigEndian(std::string_view bytes) {
 /// and makes pixels out of bytes that a disk has changed.
 template <typename Take>
 void ForEachChunk(std::string_view bytes, const Take& take) {
-  constexpr std::size_t kSignature = 8;
   constexpr std::size_t kAround = 12;  // length and type before a chunk's data, checksum behind
-  bytes.remove_prefix(std::min(kSignature, bytes.size()));
+  bytes.remove_prefix(std::min(kSignatureBytes, bytes.size()));
   while (bytes.size() >= kAround) {
     const std::size_t length = BigEndian(bytes);
     if (length > bytes.size() - kAround) {
@@ -197,7 +197,7 @@ class InflatedCount {
   void Inflate() {
     switch (isOver_ ? Z_STREAM_END : inflate(&stream_, Z_NO_FLUSH)) {
       case Z_OK:
-      case Z_BUF_ERROR:  // there is nothing to do with what has come until now
+      case Z_BUF_ERROR:  // all input so far is consumed
         return;
       case Z_STREAM_END:
         isOver_ = true;
@@ -274,19 +274,19 @@ void AppendChunk(std::string& file, std::string_view type, std::string_view data
   for (int shift = 24; shift >= 0; shift -= 8) {
     file += static_cast<char>(data.size() >> shift & 0xFFU);
   }
-  file.append(type).append(data).append(4,
-                                        '\0');  // its checksum, at which the decoder does not look
+  file.append(type).append(data);
+  file.append(4, '\0');  // the checksum, which the decoder ignores
 }
 
-/// The chunks of a file as the decoder can take them all: it copies the data of an empty one to
-/// nowhere, and a pixel beyond a short palette would get what its memory held before. Such pixels
-/// are black here.
+/// A copy of a file without what the decoder handles with undefined behaviour. It copies the data
+/// of an empty IDAT chunk to a null pointer: such chunks are left out. A pixel whose index lies
+/// beyond the palette reads uninitialised memory: the palette is extended to 256 colours with
+/// black.
 std::string ForDecoder(const std::string& bytes) {
-  constexpr std::size_t kSignature = 8;
   constexpr std::size_t kPalette = 768;  // 256 colours of three bytes
   std::string file;
   file.reserve(bytes.size() + kPalette);
-  file.append(bytes, 0, kSignature);
+  file.append(bytes, 0, kSignatureBytes);
   ForEachChunk(bytes, [&](std::string_view type, std::string_view data) {
     const bool isPalette = type == "PLTE" && !data.empty() && data.size() % 3 == 0;
     if (isPalette && data.size() < kPalette) {

@@ -42,7 +42,7 @@ std::optional<FrameNumber> FindFrameNumber(const std::string& name) {
 
 }  // namespace
 
-bool IsForeignPattern(const std::string& output) {
+bool IsUnsupportedPattern(const std::string& output) {
   const std::string name = std::filesystem::path(output).filename().string();
   bool hasConversion = false;
   for (std::size_t at = name.find('%'); at != std::string::npos; at = name.find('%', at + 1)) {

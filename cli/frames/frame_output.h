@@ -20,7 +20,7 @@ OutputKind KindOf(const std::string& output);
 
 /// True for a name that other programs take for one with a frame's number, such as "f%0300d.png",
 /// "f%x.png" and "f.####.png".
-bool IsForeignPattern(const std::string& output);
+bool IsUnsupportedPattern(const std::string& output);
 
 /// The file of a frame: its number, with zeros before it up to the width, in the place of %d or
 /// %04d. REQUIRES: the pattern is one of kFrames.

@@ -67,8 +67,8 @@ class FrameRender {
   }
 
   /// For each frame, whether its file is there and whole. Decoding takes a third as long as
-  /// rendering: every core takes its share. What went, or became another, while the files behind it
-  /// were decoded is seen at a last look at all of them, which takes a few microseconds a file.
+  /// rendering: every core takes its share. A file that was removed or replaced while others were
+  /// decoded differs in its stamp at the end; comparing stamps takes a few microseconds a file.
   [[nodiscard]] std::vector<char> AreWhole() const {
     std::vector<char> whole(frames_.size());
     std::vector<FileStamp> stamps(frames_.size());

@@ -119,7 +119,8 @@ std::vector<int> FramesAskedFor(const RenderSettings& settings, int count) {
     std::iota(frames.begin(), frames.end(), 0);
   }
   const bool isOfAnimation = settings.frames.empty() && count > 1;
-  if (settings.kind == OutputKind::kPicture && isOfAnimation && IsForeignPattern(settings.output)) {
+  if (settings.kind == OutputKind::kPicture && isOfAnimation &&
+      IsUnsupportedPattern(settings.output)) {
     faults.Expected("--output",
                     "name with the frame's number as %d or %0Nd, N from 1 to 9 (f.%04d.png), or "
                     "--frames 0 for one picture of that very name",

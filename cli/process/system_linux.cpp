@@ -28,7 +28,7 @@ void PrepareProcess() {
     }
   }
   std::signal(SIGXFSZ, SIG_IGN);
-  std::signal(SIGPIPE, SIG_IGN);  // who reads a pipe may leave: the write fails, and that is said
+  std::signal(SIGPIPE, SIG_IGN);  // a write to a pipe without a reader fails instead
   std::signal(SIGCHLD, SIG_DFL);  // where it is ignored, exit codes are lost
 }
 

@@ -12,7 +12,7 @@ using standin::Picture;
 using standin::ReadPng;
 using standin::ReadWholeFile;
 
-TEST_F(Frames, AreNotMadeAsOnePictureByAForeignPattern) {
+TEST_F(Frames, AreNotMadeAsOnePictureByAnUnsupportedPattern) {
   for (const std::string output : {"a%0300d.png", "a%x.png", "a.####.png"}) {
     const Outcome outcome = Render(Moving(3, ""), output);
     EXPECT_EQ(outcome.code, 2);
