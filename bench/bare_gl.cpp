@@ -149,7 +149,7 @@ void BareGl::AimCamera() const {
   gluLookAt(0.5 * width, 0.5 * height, kEyeDistance, 0.5 * width, 0.5 * height, 0.0, 0.0, 1.0, 0.0);
 }
 
-void BareGl::AddImage(const standin::Picture& picture) {
+void BareGl::AddImage(const tarvo::Picture& picture) {
   const Scope current(context_);
   textures_.push_back(NewTexture());
   Define(textures_.back(), picture.width, picture.height, picture.Bytes());
@@ -158,7 +158,7 @@ void BareGl::AddImage(const standin::Picture& picture) {
 void BareGl::UploadAgain(const Rig& rig) {
   const Scope current(context_);
   for (std::size_t number = 0; number < rig.bones.size(); ++number) {
-    const standin::Picture& image = rig.bones[number].image;
+    const tarvo::Picture& image = rig.bones[number].image;
     glBindTexture(GL_TEXTURE_RECTANGLE_ARB, textures_[number]);
     glTexImage2D(GL_TEXTURE_RECTANGLE_ARB, 0, kFourComponents, image.width, image.height, 0,
                  GL_RGBA, GL_UNSIGNED_INT_8_8_8_8, image.Bytes());

@@ -52,7 +52,7 @@ class BareGl {
   ~BareGl() = default;
 
   /// Uploads an image; images are counted from 0.
-  void AddImage(const standin::Picture& picture);
+  void AddImage(const tarvo::Picture& picture);
   /// Uploads the rig's images, which were added in this order, as pixels of the host's order.
   void UploadAgain(const Rig& rig);
   /// Draws the frame and reads it back. The bytes are premultiplied pixels of the host's order,

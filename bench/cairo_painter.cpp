@@ -8,7 +8,7 @@ namespace bench {
 namespace {
 
 /// A pixel as Cairo wants it: premultiplied, alpha in the highest byte.
-std::uint32_t Premultiplied(standin::Rgba pixel) {
+std::uint32_t Premultiplied(tarvo::Rgba pixel) {
   const auto scaled = [&](std::uint32_t value) { return (value * pixel.alpha + 127U) / 255U; };
   return std::uint32_t{pixel.alpha} << 24U | scaled(pixel.red) << 16U | scaled(pixel.green) << 8U |
          scaled(pixel.blue);
@@ -60,7 +60,7 @@ CairoPainter::Surface CairoPainter::NewSurface(FrameSize size) {
   return surface;
 }
 
-CairoPainter::Surface CairoPainter::SurfaceOf(const standin::Picture& picture) {
+CairoPainter::Surface CairoPainter::SurfaceOf(const tarvo::Picture& picture) {
   Surface surface = NewSurface({picture.width, picture.height});
   unsigned char* row = cairo_image_surface_get_data(surface.get());
   for (int y = 0; y < picture.height; ++y) {

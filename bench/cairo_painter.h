@@ -29,7 +29,7 @@ class CairoPainter {
   using Surface = std::unique_ptr<cairo_surface_t, Release>;
 
   static Surface NewSurface(FrameSize size);
-  static Surface SurfaceOf(const standin::Picture& picture);
+  static Surface SurfaceOf(const tarvo::Picture& picture);
 
   FrameSize size_;
   Surface frame_;

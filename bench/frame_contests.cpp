@@ -22,13 +22,13 @@ constexpr FrameSize kSmall{480, 270};
 constexpr FrameSize k4K{3840, 2160};
 constexpr FrameSize k8K{7680, 4320};
 
-std::size_t Differences(const standin::Picture& one, const standin::Picture& other) {
+std::size_t Differences(const tarvo::Picture& one, const tarvo::Picture& other) {
   return std::transform_reduce(one.pixels.begin(), one.pixels.end(), other.pixels.begin(),
                                std::size_t{0}, std::plus(), std::not_equal_to());
 }
 
 /// Both must have drawn the same, or their times say nothing about one another.
-void RequireSame(const standin::Picture& one, const standin::Picture& other) {
+void RequireSame(const tarvo::Picture& one, const tarvo::Picture& other) {
   const auto pixels = static_cast<double>(one.pixels.size());
   const auto unlike = static_cast<double>(Differences(one, other));
   if (unlike <= kTolerated * pixels) return;
@@ -37,9 +37,9 @@ void RequireSame(const standin::Picture& one, const standin::Picture& other) {
 }
 
 /// Cairo rounds edges in its own way and blends once; where something is painted says enough.
-void RequireSameCoverage(const standin::Picture& ours, std::size_t theirs) {
+void RequireSameCoverage(const tarvo::Picture& ours, std::size_t theirs) {
   const auto covered = static_cast<double>(std::ranges::count_if(
-      ours.pixels, [](const standin::Rgba& pixel) { return pixel.alpha != 0; }));
+      ours.pixels, [](const tarvo::Rgba& pixel) { return pixel.alpha != 0; }));
   if (std::abs(covered - static_cast<double>(theirs)) <= 0.01 * covered) return;
   throw std::runtime_error("Cairo covers " + std::to_string(theirs) + " pixels, the plug-in " +
                            std::to_string(covered));
@@ -52,7 +52,7 @@ class Match {
       : hosted_(rig), bare_(rig.size, shading), drawing_(InOrder(rig)) {
     for (const Bone& bone : rig.bones) bare_.AddImage(bone.image);
     hosted_.TimeRender(true);
-    const standin::Picture ours = hosted_.LastPicture();
+    const tarvo::Picture ours = hosted_.LastPicture();
     hosted_.TimeHostCalls(bare_.Draw(drawing_));
     RequireSame(ours, hosted_.LastPicture());
   }
@@ -106,8 +106,8 @@ PlayPair SecondFrame() {
     Pair pair{.ours = hosted->TimeRender(true)};
     hosted->TimeRender(true, StoppedRender);
     const StageTimes& times = LatestStageTimes();
-    using enum tarvo::FrameStage;
-    for (const tarvo::FrameStage needed : {kWorlds, kPasses, kReadBack, kTransfer}) {
+    using enum plugin::FrameStage;
+    for (const plugin::FrameStage needed : {kWorlds, kPasses, kReadBack, kTransfer}) {
       pair.theirs += times.at(needed);
     }
     return pair;

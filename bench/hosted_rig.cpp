@@ -56,16 +56,16 @@ const std::uint8_t* gPremultiplied = nullptr;
 /// Answers the render command with the host calls of a frame alone.
 PF_Err FrameWithoutDrawing(PF_Cmd /*command*/, PF_InData* in, PF_OutData* /*out*/,
                            PF_ParamDef* /*params*/[], PF_LayerDef* output, void* /*extra*/) {
-  tarvo::HostCalls host(in->pica_basicP);
+  plugin::HostCalls host(in->pica_basicP);
   host.Run(in->utils->fill, in->effect_ref, nullptr, nullptr, output);
-  tarvo::HostWorld scratch(host, in->effect_ref);
+  plugin::HostWorld scratch(host, in->effect_ref);
   scratch.Make(output->width, output->height);
   PF_EffectWorld& world = scratch.Get();
-  tarvo::HostMemory buffer(host.Suites(), tarvo::PackedBytes(world.width, world.height));
+  plugin::HostMemory buffer(host.Suites(), plugin::PackedBytes(world.width, world.height));
   buffer.Lock();
-  const A_HandleSize rowBytes = tarvo::PackedBytes(world.width, 1);
+  const A_HandleSize rowBytes = plugin::PackedBytes(world.width, 1);
   for (A_long row = 0; row < world.height; ++row) {
-    std::memcpy(tarvo::RowOf(*in->utils, world, row),
+    std::memcpy(plugin::RowOf(*in->utils, world, row),
                 gPremultiplied + static_cast<A_HandleSize>(row) * rowBytes, rowBytes);
   }
   host.Run(&PF_FillMatteSuite2::premultiply, in->effect_ref, A_long{0}, &world);
@@ -155,7 +155,7 @@ void HostedRig::Send(bool withImages) {
 
 double HostedRig::TimeRender(bool fast, PF_EntryPoint answer) {
   standin::Host& host = TheHost();
-  host.SetParameter(renderer_, tarvo::PARAM_FAST_TRANSPARENCY, fast ? 1.0 : 0.0);
+  host.SetParameter(renderer_, plugin::PARAM_FAST_TRANSPARENCY, fast ? 1.0 : 0.0);
   const Watch watch(PF_Cmd_RENDER, answer);
   standin::FrameExtent extent;
   extent.width = size_.width;

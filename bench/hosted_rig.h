@@ -34,14 +34,14 @@ class HostedRig {
   /// the picture in `LastPicture`.
   double TimeHostCalls(const std::vector<std::uint8_t>& premultiplied);
 
-  [[nodiscard]] const standin::Picture& LastPicture() const { return lastPicture_; }
+  [[nodiscard]] const tarvo::Picture& LastPicture() const { return lastPicture_; }
 
  private:
   FrameSize size_;
   standin::Layer& layer_;
   standin::RendererInstance& renderer_;
   std::vector<standin::Companion*> companions_;
-  standin::Picture lastPicture_;
+  tarvo::Picture lastPicture_;
 };
 
 /// The rig's pieces in the order in which the plug-in is to draw them, images numbered as its

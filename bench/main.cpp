@@ -148,7 +148,7 @@ bool MeasureAll(const std::string& page) {
                        std::ranges::none_of(results.sweeps, &SweepResult::failed);
   KeepWhatRan(results);
   const bool isMet = Print(results.contests);
-  if (!page.empty()) standin::WriteWholeFile(standin::FilePath(page), Page(results));
+  if (!page.empty()) tarvo::WriteWholeFile(tarvo::FilePath(page), Page(results));
   return isMet && isWhole;
 }
 

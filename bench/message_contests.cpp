@@ -26,7 +26,7 @@ PF_Err OnlyHostCalls(PF_Cmd /*command*/, PF_InData* in, PF_OutData* /*out*/,
   static std::vector<PieceQuad> copy;
   copy = std::vector<PieceQuad>(record.quads.first, record.quads.last);
 
-  tarvo::SuiteHandler suites(in->pica_basicP);
+  plugin::SuiteHandler suites(in->pica_basicP);
   AEGP_LayerH layer = nullptr;
   A_long count = 0;
   suites.Get<AEGP_PFInterfaceSuite1>().AEGP_GetEffectLayer(in->effect_ref, &layer);
@@ -37,7 +37,7 @@ PF_Err OnlyHostCalls(PF_Cmd /*command*/, PF_InData* in, PF_OutData* /*out*/,
     AEGP_InstalledEffectKey key = 0;
     AEGP_EffectFlags flags = AEGP_EffectFlags_NONE;
     char name[64]{};
-    effects.AEGP_GetLayerEffectByIndex(tarvo::gPluginId, layer, position, &effect);
+    effects.AEGP_GetLayerEffectByIndex(plugin::gPluginId, layer, position, &effect);
     effects.AEGP_GetInstalledKeyFromLayerEffect(effect, &key);
     effects.AEGP_GetEffectMatchName(key, name);
     effects.AEGP_GetEffectFlags(effect, &flags);
@@ -55,11 +55,11 @@ Rig Crowd() {
 }
 
 /// One slot of pieces at random places along a bone that runs through the whole depth.
-tarvo::Scene RandomScene() {
-  tarvo::Scene scene;
+plugin::Scene RandomScene() {
+  plugin::Scene scene;
   scene.slots.resize(1);
   scene.boneOrdinal = {0};
-  scene.slots.front().images[tarvo::kImageA].texture = 1;
+  scene.slots.front().images[plugin::kImageA].texture = 1;
   std::mt19937 generator(7);
   for (int piece = 0; piece < kPiecesToSort; ++piece) {
     PieceQuad quad{};
@@ -71,9 +71,9 @@ tarvo::Scene RandomScene() {
 
 /// The plug-in's parameters with a first bone of this depth.
 struct Parameters {
-  Parameters() : definitions(tarvo::PARAM_COUNT) {
-    definitions[static_cast<std::size_t>(tarvo::StartZIndex(0))].u.fs_d.value = 100.0;
-    definitions[static_cast<std::size_t>(tarvo::EndZIndex(0))].u.fs_d.value = -100.0;
+  Parameters() : definitions(plugin::PARAM_COUNT) {
+    definitions[static_cast<std::size_t>(plugin::StartZIndex(0))].u.fs_d.value = 100.0;
+    definitions[static_cast<std::size_t>(plugin::EndZIndex(0))].u.fs_d.value = -100.0;
     for (PF_ParamDef& definition : definitions) pointers.push_back(&definition);
   }
 
@@ -98,11 +98,11 @@ PlayPair Sort() {
   const auto parameters = std::make_shared<Parameters>();
   return [scene = RandomScene(), parameters] {
     Pair pair;
-    std::vector<tarvo::DrawPiece> ours;
+    std::vector<plugin::DrawPiece> ours;
     pair.ours =
-        Milliseconds([&] { ours = tarvo::BuildDrawList(scene, parameters->pointers.data()); });
-    std::vector<tarvo::DrawPiece> theirs = ours;
-    std::ranges::sort(theirs, {}, &tarvo::DrawPiece::quad);  // as they were before
+        Milliseconds([&] { ours = plugin::BuildDrawList(scene, parameters->pointers.data()); });
+    std::vector<plugin::DrawPiece> theirs = ours;
+    std::ranges::sort(theirs, {}, &plugin::DrawPiece::quad);  // as they were before
     pair.theirs = Milliseconds([&] {
       std::sort(theirs.begin(), theirs.end(),
                 [](const auto& a, const auto& b) { return a.depth > b.depth; });

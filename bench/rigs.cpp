@@ -63,8 +63,8 @@ PieceQuad Piece(const Place& place, const Cut& cut, double boneT) {
 }
 
 /// A disc with a soft edge on nothing, in a colour of its own.
-standin::Picture SoftDisc(int side, int number) {
-  standin::Picture picture(side, side);
+tarvo::Picture SoftDisc(int side, int number) {
+  tarvo::Picture picture(side, side);
   const double radius = 0.5 * side;
   for (int y = 0; y < side; ++y) {
     for (int x = 0; x < side; ++x) {

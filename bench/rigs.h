@@ -24,7 +24,7 @@ std::string InWords(int images, int pieces);
 
 /// A bone: its image, its pieces, and the depths at its two ends.
 struct Bone {
-  standin::Picture image;
+  tarvo::Picture image;
   std::vector<PieceQuad> pieces;
   double startZ = 0.0;
   double endZ = 0.0;

@@ -69,8 +69,8 @@ double SequenceRenderCommands() {
   std::vector<int> frames(kFrames);
   std::iota(frames.begin(), frames.end(), 0);
   standin::Host host(ClockedEntryPoint);
-  standin::PlayFrames(host, standin::ReadAnimation(standin::FilePath(kSceneFile)), frames, {},
-                      [](int, const standin::PlayedFrame&) { return true; });
+  tarvo::PlayFrames(host, tarvo::ReadAnimation(tarvo::FilePath(kSceneFile)), frames, {},
+                    [](int, const tarvo::PlayedFrame&) { return true; });
   return gRenderMilliseconds;
 }
 

@@ -12,7 +12,7 @@ namespace {
 StageTimes gTimes;
 double gSince = 0.0;
 
-void Stop(tarvo::FrameStage stage) {
+void Stop(plugin::FrameStage stage) {
   glFinish();
   const double now = ProcessorMilliseconds();
   gTimes[stage] += now - gSince;
@@ -25,9 +25,9 @@ PF_Err StoppedRender(PF_Cmd command, PF_InData* in, PF_OutData* out, PF_ParamDef
                      PF_LayerDef* output, void* extra) {
   gTimes.clear();
   gSince = ProcessorMilliseconds();
-  tarvo::gStageWatch = Stop;
+  plugin::gStageWatch = Stop;
   const PF_Err result = EntryPointFunc(command, in, out, params, output, extra);
-  tarvo::gStageWatch = nullptr;
+  plugin::gStageWatch = nullptr;
   return result;
 }
 

@@ -10,20 +10,21 @@
 namespace bench {
 
 struct StageName {
-  tarvo::FrameStage stage;
+  plugin::FrameStage stage;
   const char* name;
 };
-inline constexpr std::array<StageName, 7> kStageNames{{{tarvo::FrameStage::kWorlds, "worlds"},
-                                                       {tarvo::FrameStage::kUpload, "upload"},
-                                                       {tarvo::FrameStage::kDrawList, "draw list"},
-                                                       {tarvo::FrameStage::kMaps, "maps"},
-                                                       {tarvo::FrameStage::kPasses, "passes"},
-                                                       {tarvo::FrameStage::kReadBack, "read back"},
-                                                       {tarvo::FrameStage::kTransfer, "transfer"}}};
-static_assert(kStageNames.size() == 1 + static_cast<std::size_t>(tarvo::FrameStage::kTransfer));
+inline constexpr std::array<StageName, 7> kStageNames{
+    {{plugin::FrameStage::kWorlds, "worlds"},
+     {plugin::FrameStage::kUpload, "upload"},
+     {plugin::FrameStage::kDrawList, "draw list"},
+     {plugin::FrameStage::kMaps, "maps"},
+     {plugin::FrameStage::kPasses, "passes"},
+     {plugin::FrameStage::kReadBack, "read back"},
+     {plugin::FrameStage::kTransfer, "transfer"}}};
+static_assert(kStageNames.size() == 1 + static_cast<std::size_t>(plugin::FrameStage::kTransfer));
 
 /// Milliseconds of each stage, in a frame of several tiles those of all tiles together.
-using StageTimes = std::map<tarvo::FrameStage, double>;
+using StageTimes = std::map<plugin::FrameStage, double>;
 
 /// Answers the render command as the plug-in does, with a stop at the end of every stage, in which
 /// what OpenGL was told to do is waited for. [command under way]

@@ -14,7 +14,7 @@ std::function<double()> FramesOf(const Rig& rig, bool fast) {
 }
 
 /// One stage of frames with new images.
-std::function<double()> StageOf(const Rig& rig, bool fast, tarvo::FrameStage stage) {
+std::function<double()> StageOf(const Rig& rig, bool fast, plugin::FrameStage stage) {
   return [hosted = std::make_shared<HostedRig>(rig), fast, stage] {
     hosted->Send(true);
     hosted->TimeRender(fast, StoppedRender);

@@ -23,8 +23,8 @@ namespace {
 
 using standin::Companion;
 using standin::Kind;
-using standin::Picture;
-using standin::Rgba;
+using tarvo::Picture;
+using tarvo::Rgba;
 
 constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
 constexpr double kEndless = std::numeric_limits<double>::infinity();

@@ -131,8 +131,8 @@ CHECK_F(Commands, MayComeFromAnyThread,
     EXPECT_TRUE(host.ContextIsCurrent());
     return result.picture;
   };
-  const standin::Picture expected = sendAndRender();
-  standin::Picture elsewhere;
+  const tarvo::Picture expected = sendAndRender();
+  tarvo::Picture elsewhere;
   std::thread([&] {
     EXPECT_TRUE(host.Remove(host.AddRenderer(TheLayer())).Ok());
     elsewhere = sendAndRender();

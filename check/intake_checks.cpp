@@ -17,8 +17,8 @@ namespace {
 using standin::Companion;
 using standin::Host;
 using standin::Kind;
-using standin::Picture;
 using standin::RendererInstance;
+using tarvo::Picture;
 using Numbers = std::vector<int>;
 
 constexpr A_long kLayerWidth = 200;  // of the output as long as there are no pieces
@@ -152,8 +152,8 @@ CHECK_F(Intake, RefusesWhatCannotBeMeant,
 /// A message without an image must neither lose the pending image nor bring in the sender's.
 CHECK_F(Intake, KeepsAWaitingImageUntilANewOneComes,
         "A pending image outlives messages without one, and gives way to a new one.") {
-  constexpr standin::Rgba kRed{.red = 200, .green = 0, .blue = 0, .alpha = 255};
-  constexpr standin::Rgba kBlue{.red = 0, .green = 0, .blue = 200, .alpha = 255};
+  constexpr tarvo::Rgba kRed{.red = 200, .green = 0, .blue = 0, .alpha = 255};
+  constexpr tarvo::Rgba kBlue{.red = 0, .green = 0, .blue = 200, .alpha = 255};
   Host& host = StartHost();
   Companion& companion = AddPiece(host, Picture(8, 8, kRed));
   auto& renderer = host.AddRenderer(TheLayer());
@@ -204,7 +204,7 @@ CHECK_F(Intake, LosesNothingWhenATakeFails,
 CHECK_F(Intake, TakesAnImageWhoseForerunnerTheHostRefuses,
         "When the host refuses to dispose of a pending image, the new one is taken all the "
         "same, and the refusal is the result unless something failed after it.") {
-  constexpr standin::Rgba kBlue{.red = 0, .green = 0, .blue = 200, .alpha = 255};
+  constexpr tarvo::Rgba kBlue{.red = 0, .green = 0, .blue = 200, .alpha = 255};
   for (const PF_Err later : {0, 62}) {
     Host& host = StartHost();
     Companion& companion = AddPiece(host, Pattern(8, 8, 1));

@@ -291,7 +291,7 @@ CHECK_F(Instances, GoWithoutMemoryOrLock,
   EXPECT_EQ(host.SendRecord(unlocked, &record).code, PF_Err_NONE);
   const auto frame = host.RenderInto(unlocked, {.width = 8, .height = 8});
   EXPECT_EQ(frame.command.code, PF_Err_NONE);
-  EXPECT_EQ(frame.picture, standin::Picture(8, 8));
+  EXPECT_EQ(frame.picture, tarvo::Picture(8, 8));
 }
 
 CHECK_F(Instances, KeepTheOldStoreThatAResetupCannotReplace,
@@ -328,14 +328,14 @@ CHECK_F(Instances, StartOverWithASecondGlobalSetUp,
   const double right = TheSettings().tiledWidth - 40.0;
   companion.pieces.push_back(Piece({right, 10, 40, 40}, {1, 1, 6, 6}, 0.5));
   SendImage(host, companion, before);
-  const standin::Picture drawn = host.Render(before).picture;
+  const tarvo::Picture drawn = host.Render(before).picture;
   const PF_Handle data = host.GlobalData();
   SendImage(host, companion, before);  // waits for a frame that never comes
 
   EXPECT_TRUE(host.Call(PF_Cmd_GLOBAL_SETUP, nullptr).Ok());
   EXPECT_FALSE(host.memory.Alive(data));
   EXPECT_TRUE(host.memory.Alive(host.GlobalData()));
-  EXPECT_EQ(host.Render(before).picture, standin::Picture(kEmptyWidth, 100));
+  EXPECT_EQ(host.Render(before).picture, tarvo::Picture(kEmptyWidth, 100));
   auto& after = host.AddRenderer(TheLayer());
   SendImage(host, companion, after);
   EXPECT_EQ(host.Render(after).picture, drawn);

@@ -18,8 +18,8 @@ namespace check::many_senders {
 namespace {
 
 using standin::Companion;
-using standin::Picture;
-using standin::Rgba;
+using tarvo::Picture;
+using tarvo::Rgba;
 
 constexpr int kMessages = 10'000;
 constexpr int kMostSenders = 40;

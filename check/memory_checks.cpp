@@ -18,7 +18,7 @@ namespace {
 
 using check::AllocationFaults;
 using standin::CommandResult;
-using standin::Picture;
+using tarvo::Picture;
 
 constexpr std::uint64_t kMostAllocations = 1000;
 constexpr check::Box kMemoryArea{.left = 0, .top = 0, .width = 80, .height = 60};

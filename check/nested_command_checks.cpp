@@ -8,7 +8,7 @@
 namespace check::nested_commands {
 namespace {
 
-using standin::Picture;
+using tarvo::Picture;
 
 class NestedCommands : public OddWorldsTest {};
 

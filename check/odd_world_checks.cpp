@@ -10,7 +10,7 @@
 namespace check::odd_worlds {
 namespace {
 
-using standin::Picture;
+using tarvo::Picture;
 
 class OddWorlds : public OddWorldsTest {};
 
@@ -32,7 +32,7 @@ CHECK_F(OddWorlds, SmallerThanAskedForAreFilledAsFarAsTheyGo,
       });
   for (int y = 0; y < whole.height; ++y) {
     for (int x = 0; x < whole.width; ++x) {
-      ASSERT_EQ(part.At(x, y), x < 90 ? whole.At(x, y) : standin::Rgba{}) << x << ", " << y;
+      ASSERT_EQ(part.At(x, y), x < 90 ? whole.At(x, y) : tarvo::Rgba{}) << x << ", " << y;
     }
   }
 }

@@ -18,9 +18,9 @@ namespace {
 using standin::Companion;
 using standin::FrameExtent;
 using standin::FrameRequest;
-using standin::Picture;
 using standin::RenderResult;
-using standin::Rgba;
+using tarvo::Picture;
+using tarvo::Rgba;
 
 constexpr Box kLayerArea{.left = 0, .top = 0, .width = 200, .height = 160};
 constexpr Box kCut{.left = 2, .top = 2, .width = 60, .height = 44};
@@ -178,7 +178,7 @@ CHECK_P(Pictures, AreWhatTheModelDraws,
   const RenderResult result = rig.Render(scene.request);
   const auto expected = rig.Expected(result.picture, scene.request);
   const auto comparison =
-      standin::Compare(result.picture, expected.picture, kTolerance, expected.decided);
+      tarvo::Compare(result.picture, expected.picture, kTolerance, expected.decided);
   RecordProperty("pixels compared", std::to_string(comparison.compared));
   RecordProperty("largest difference", comparison.largest);
   // Most of the picture is held against the other, or the rig is no test.
@@ -200,8 +200,7 @@ class Picturing : public RigTest {
   /// Expects the picture to be the model's.
   void ExpectExpected(const Picture& picture, const FrameRequest& request = {}) {
     const auto expected = rig.Expected(picture, request);
-    const auto comparison =
-        standin::Compare(picture, expected.picture, kTolerance, expected.decided);
+    const auto comparison = tarvo::Compare(picture, expected.picture, kTolerance, expected.decided);
     EXPECT_EQ(comparison.beyond, 0U) << comparison.Text();
   }
 };

@@ -14,8 +14,8 @@ namespace check::failed_renders {
 namespace {
 
 using standin::Failure;
-using standin::Picture;
 using standin::RenderResult;
+using tarvo::Picture;
 
 constexpr PF_Err kOther = 7002;  // not the code that the stand-in injects by itself
 

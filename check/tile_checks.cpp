@@ -11,7 +11,7 @@
 namespace check::tiles {
 namespace {
 
-using standin::Picture;
+using tarvo::Picture;
 using Tiles = RigTest;
 
 /// Longer than any target that the plug-in makes for itself: 4096 pixels.
@@ -37,7 +37,7 @@ void ExpectDrawnAsOne(Rig& rig, bool tall) {
     const Picture picture = rig.Render().picture;
     ASSERT_GT(tall ? picture.height : picture.width, 4096);
     const auto expected = rig.Expected(picture);
-    const auto comparison = standin::Compare(picture, expected.picture, 2, expected.decided);
+    const auto comparison = tarvo::Compare(picture, expected.picture, 2, expected.decided);
     EXPECT_LE(comparison.beyond, exact ? comparison.compared / 20'000 : 0);
   }
 }

@@ -31,7 +31,7 @@ class OtherFile {
   const std::filesystem::path path_ = Copy();
 };
 
-standin::Picture Draw(Rig& rig, unsigned seed) {
+tarvo::Picture Draw(Rig& rig, unsigned seed) {
   rig.AddBone(Pattern(64, 64, seed), {Piece({20, 20, 120, 100}, {1, 1, 63, 63}, 0.5)});
   rig.Send();
   return rig.Render().picture;
@@ -44,8 +44,8 @@ CHECK(TwoLibraries, StartRenderAndStopWithoutMeeting,
   const standin::PluginLibrary other(file.Path());
   ASSERT_NE(other.EntryPoint(), PluginUnderCheck());
   Rig alone(PluginUnderCheck());
-  const standin::Picture expected = Draw(alone, 1);
-  const standin::Picture expectedOther = Draw(alone, 2);
+  const tarvo::Picture expected = Draw(alone, 1);
+  const tarvo::Picture expectedOther = Draw(alone, 2);
   EndHostInOrder(alone.host);
 
   std::optional<Rig> first(PluginUnderCheck());

@@ -7,7 +7,7 @@
 #include "cli/command.h"
 #include "cli/options/scene_options.h"
 
-namespace standin {
+namespace tarvo {
 namespace {
 
 void Check(CheckOptions options, const Console& console) {
@@ -46,4 +46,4 @@ line is "sound: ..." (exit code 0), "not sound: ..." (1) or "cannot be loaded: .
   });
 }
 
-}  // namespace standin
+}  // namespace tarvo

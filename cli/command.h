@@ -8,7 +8,7 @@ namespace CLI {
 class App;
 }
 
-namespace standin {
+namespace tarvo {
 
 /// What a command does once its options are read. Throws InputError, PluginError, PluginLoadError
 /// or Unfinished, having left no file that is not whole.
@@ -38,4 +38,4 @@ void AddCheck(CLI::App& program, Work& chosen);
 /// The program: reads the command line and does what it says; the exit code.
 int RunTarvo(const Console& console);
 
-}  // namespace standin
+}  // namespace tarvo

@@ -15,7 +15,7 @@
 #include "cli/options/output_guard.h"
 #include "cli/options/scene_options.h"
 
-namespace standin {
+namespace tarvo {
 namespace {
 
 constexpr int kMostTolerance = 255;
@@ -116,4 +116,4 @@ Example:
   });
 }
 
-}  // namespace standin
+}  // namespace tarvo

@@ -16,7 +16,7 @@
 #include "tool/player/performance.h"
 #include "tool/rig/file/scene_file.h"
 
-namespace standin {
+namespace tarvo {
 namespace {
 
 struct ExplainOptions {
@@ -91,4 +91,4 @@ void AddExplain(CLI::App& program, Work& chosen) {
   });
 }
 
-}  // namespace standin
+}  // namespace tarvo

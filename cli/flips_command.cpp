@@ -14,7 +14,7 @@
 #include "tool/player/performance.h"
 #include "tool/rig/file/scene_file.h"
 
-namespace standin {
+namespace tarvo {
 namespace {
 
 /// Frames are rendered, for so the plug-in moves on, but nobody looks at them.
@@ -60,4 +60,4 @@ void AddFlips(CLI::App& program, Work& chosen) {
   });
 }
 
-}  // namespace standin
+}  // namespace tarvo

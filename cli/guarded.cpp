@@ -4,7 +4,7 @@
 #include "cli/process/messages.h"
 #include "cli/process/worker.h"
 
-namespace standin {
+namespace tarvo {
 namespace {
 
 /// The last picture that the worker sent, if any.
@@ -61,4 +61,4 @@ std::optional<Picture> MakeGuarded(const SceneOptions& options, const Console& c
   return picture;
 }
 
-}  // namespace standin
+}  // namespace tarvo

@@ -7,7 +7,7 @@
 #include "cli/command.h"
 #include "cli/options/scene_options.h"
 
-namespace standin {
+namespace tarvo {
 
 /// Runs the work of a command that loads the plug-in in a worker: this very command line, whose
 /// texts come to this console. In the worker, where it is called too, it does the work. Throws
@@ -20,4 +20,4 @@ void RunGuarded(const SceneOptions& options, const Console& console,
 std::optional<Picture> MakeGuarded(const SceneOptions& options, const Console& console,
                                    const std::function<Picture()>& make);
 
-}  // namespace standin
+}  // namespace tarvo

@@ -1,4 +1,4 @@
 #include "cli/command.h"
 #include "cli/program/program.h"
 
-int main(int argc, char** argv) { return standin::RunProgram(argc, argv, standin::RunTarvo); }
+int main(int argc, char** argv) { return tarvo::RunProgram(argc, argv, tarvo::RunTarvo); }

@@ -6,7 +6,7 @@
 #include "cli/frames/render.h"
 #include "cli/frames/render_options.h"
 
-namespace standin {
+namespace tarvo {
 
 void AddRender(CLI::App& program, Work& chosen) {
   const auto options = std::make_shared<RenderOptions>();
@@ -28,4 +28,4 @@ Examples:
   });
 }
 
-}  // namespace standin
+}  // namespace tarvo

@@ -22,7 +22,7 @@
 #include "tool/player/performance.h"
 #include "tool/rig/file/scene_file.h"
 
-namespace standin {
+namespace tarvo {
 namespace {
 
 constexpr int kMostSteps = 100;
@@ -273,4 +273,4 @@ void AddSheet(CLI::App& program, Work& chosen) {
   });
 }
 
-}  // namespace standin
+}  // namespace tarvo

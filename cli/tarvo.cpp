@@ -9,7 +9,7 @@
 #include "cli/options/operands.h"
 #include "cli/program/program.h"
 
-namespace standin {
+namespace tarvo {
 namespace {
 
 constexpr AddCommand kCommands[] = {AddRender, AddExplain, AddFlips, AddSheet,
@@ -72,4 +72,4 @@ int RunTarvo(const Console& console) {
   return Try([&] { work(console); }, console);
 }
 
-}  // namespace standin
+}  // namespace tarvo

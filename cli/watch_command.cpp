@@ -21,7 +21,7 @@
 #include "cli/program/program.h"
 #include "tool/rig/file/scene_file.h"
 
-namespace standin {
+namespace tarvo {
 namespace {
 
 /// How often files are looked at. Something saved has to stand still for as long, so that a file of
@@ -151,4 +151,4 @@ Examples:
   });
 }
 
-}  // namespace standin
+}  // namespace tarvo

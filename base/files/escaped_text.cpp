@@ -4,7 +4,7 @@
 #include <array>
 #include <cstdio>
 
-namespace standin {
+namespace tarvo {
 namespace {
 
 constexpr char32_t kInvalid = 0xFFFFFFFF;
@@ -122,4 +122,4 @@ std::string Shortened(std::string_view text, std::size_t longest) {
   return std::string(text.substr(0, end)) + "…";
 }
 
-}  // namespace standin
+}  // namespace tarvo

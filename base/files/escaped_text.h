@@ -8,7 +8,7 @@
 /// Text of unknown origin (names in a scene, messages of a plug-in) as a terminal and as XML take
 /// it.
 
-namespace standin {
+namespace tarvo {
 
 /// Escapes what a terminal would obey or could not show: control characters (U+0000 to U+001F,
 /// U+007F to U+009F) and bytes that are not UTF-8 become `\x1B`, one for each byte. All other text
@@ -25,4 +25,4 @@ std::string ForXml(std::string_view text);
 /// Text for a message: cut to `longest` bytes, at the start of a character, and then ended by "…".
 std::string Shortened(std::string_view text, std::size_t longest);
 
-}  // namespace standin
+}  // namespace tarvo

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cctype>
 
-namespace standin {
+namespace tarvo {
 
 std::string EndingOf(const FilePath& file) {
   std::string ending = file.Get().extension().string();
@@ -13,4 +13,4 @@ std::string EndingOf(const FilePath& file) {
   return ending;
 }
 
-}  // namespace standin
+}  // namespace tarvo

@@ -4,7 +4,7 @@
 #include <string>
 #include <utility>
 
-namespace standin {
+namespace tarvo {
 
 /// Where a file is. All text of ours is UTF-8, and becomes a path here: the C++ library of the
 /// Windows build would not take a string for that, though its own path::string() is UTF-8. Implicit
@@ -27,4 +27,4 @@ class FilePath {
 /// What a file's name says it holds: ".png", in small letters; empty without one.
 std::string EndingOf(const FilePath& file);
 
-}  // namespace standin
+}  // namespace tarvo

@@ -14,7 +14,7 @@
 /// \file
 /// What the C++ library cannot ask of files or do with them; one source for each system.
 
-namespace standin {
+namespace tarvo {
 
 /// Why a file could not be read or written, without the file's name.
 struct FileError : std::runtime_error {
@@ -107,4 +107,4 @@ void WriteExisting(const std::filesystem::path& file, std::string_view bytes);
 /// it was.
 void PutInPlace(const std::filesystem::path& part, const std::filesystem::path& file, Sync sync);
 
-}  // namespace standin
+}  // namespace tarvo

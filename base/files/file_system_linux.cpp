@@ -9,7 +9,7 @@
 
 #include "base/files/file_system.h"
 
-namespace standin {
+namespace tarvo {
 namespace {
 
 constexpr mode_t kModeOfNewFiles = 0666;  // less the user's mask
@@ -237,4 +237,4 @@ void PutInPlace(const std::filesystem::path& part, const std::filesystem::path& 
   }
 }
 
-}  // namespace standin
+}  // namespace tarvo

@@ -7,7 +7,7 @@
 
 #include "base/files/file_system.h"
 
-namespace standin {
+namespace tarvo {
 namespace {
 
 constexpr DWORD kAllMayShare = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
@@ -231,4 +231,4 @@ void PutInPlace(const std::filesystem::path& part, const std::filesystem::path& 
   }
 }
 
-}  // namespace standin
+}  // namespace tarvo

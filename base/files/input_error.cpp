@@ -6,7 +6,7 @@
 
 #include "base/files/escaped_text.h"
 
-namespace standin {
+namespace tarvo {
 namespace {
 
 bool IsPlainWord(std::string_view key) {
@@ -57,4 +57,4 @@ std::string PathTo(std::string_view list, std::size_t index) {
   return std::string(list).append("[").append(std::to_string(index)).append("]");
 }
 
-}  // namespace standin
+}  // namespace tarvo

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-namespace standin {
+namespace tarvo {
 
 /// Most lines that are said about one input; how many more there are is said in one more line.
 inline constexpr std::size_t kMostFaultLines = 100;
@@ -69,4 +69,4 @@ std::string PathTo(std::string_view object, std::string_view key);
 /// Path of a list's item: "bones[2]".
 std::string PathTo(std::string_view list, std::size_t index);
 
-}  // namespace standin
+}  // namespace tarvo

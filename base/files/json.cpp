@@ -7,7 +7,7 @@
 #include <utility>
 #include <vector>
 
-namespace standin {
+namespace tarvo {
 namespace {
 
 /// "line 3, column 7" of the last byte read, where `bytesRead` were.
@@ -215,4 +215,4 @@ std::optional<Json> ParseJson(const std::string& text, SceneFaults& faults) {
   return builder.Take();
 }
 
-}  // namespace standin
+}  // namespace tarvo

@@ -8,7 +8,7 @@
 
 #include "base/files/input_error.h"
 
-namespace standin {
+namespace tarvo {
 
 /// A JSON value; objects keep the order of the file.
 using Json = nlohmann::ordered_json;
@@ -26,4 +26,4 @@ inline constexpr std::size_t kLongestText = 4096;
 /// text longer than kLongestText. The time is linear in the text.
 std::optional<Json> ParseJson(const std::string& text, SceneFaults& faults);
 
-}  // namespace standin
+}  // namespace tarvo

@@ -6,7 +6,7 @@
 #include <unordered_map>
 #include <vector>
 
-namespace standin {
+namespace tarvo {
 
 /// Names in their order, found without a search through all of them.
 class NameIndex {
@@ -38,4 +38,4 @@ class NameIndex {
   std::unordered_map<std::string, Place> places_;
 };
 
-}  // namespace standin
+}  // namespace tarvo

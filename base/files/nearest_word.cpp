@@ -5,7 +5,7 @@
 #include <limits>
 #include <numeric>
 
-namespace standin {
+namespace tarvo {
 namespace {
 
 /// Single characters to insert, remove or replace (Levenshtein).
@@ -51,4 +51,4 @@ std::string NearestHint(std::string_view word, const std::vector<std::string>& c
   return nearest.empty() ? "" : ", the nearest is \"" + nearest + "\"";
 }
 
-}  // namespace standin
+}  // namespace tarvo

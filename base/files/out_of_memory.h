@@ -4,7 +4,7 @@
 #include <stdexcept>
 #include <string>
 
-namespace standin {
+namespace tarvo {
 
 /// Memory ran out, and what for: "decoding a picture of 9000 x 9000 pixels".
 class OutOfMemory : public std::bad_alloc {
@@ -18,4 +18,4 @@ class OutOfMemory : public std::bad_alloc {
   std::runtime_error purpose_;  // unlike a string it is copied without memory
 };
 
-}  // namespace standin
+}  // namespace tarvo

@@ -11,7 +11,7 @@
 #include <unistd.h>
 #endif
 
-namespace standin {
+namespace tarvo {
 namespace {
 
 using Path = std::filesystem::path;
@@ -81,4 +81,4 @@ void RemoveTemporaryFiles() {
   }
 }
 
-}  // namespace standin
+}  // namespace tarvo

@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <filesystem>
 
-namespace standin {
+namespace tarvo {
 
 /// Registers a temporary file for the time of a scope, so that an interrupt removes it. Can be used
 /// by several threads. Removing the file in all other cases is the caller's.
@@ -27,4 +27,4 @@ class TemporaryFileEntry {
 /// threads that register a file, make it or end a registration from now on stop there.
 void RemoveTemporaryFiles();
 
-}  // namespace standin
+}  // namespace tarvo

@@ -10,7 +10,7 @@
 
 #include "base/files/escaped_text.h"
 
-namespace standin {
+namespace tarvo {
 
 std::string Fixed(double number, int digits) {
   std::ostringstream text;
@@ -49,4 +49,4 @@ std::string TextTable::Text(const std::string& indent) const {
   return text;
 }
 
-}  // namespace standin
+}  // namespace tarvo

@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-namespace standin {
+namespace tarvo {
 
 /// A number with so many digits after the point.
 std::string Fixed(double number, int digits);
@@ -26,4 +26,4 @@ class TextTable {
   std::vector<std::vector<std::string>> rows_;
 };
 
-}  // namespace standin
+}  // namespace tarvo

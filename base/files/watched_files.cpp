@@ -1,6 +1,6 @@
 #include "base/files/watched_files.h"
 
-namespace standin {
+namespace tarvo {
 
 FileStamps StampsOf(const std::vector<std::filesystem::path>& files) {
   FileStamps stamps;
@@ -21,4 +21,4 @@ bool WatchedFiles::Look() {
   return stamps_ != before;
 }
 
-}  // namespace standin
+}  // namespace tarvo

@@ -8,7 +8,7 @@
 
 #include "base/files/file_system.h"
 
-namespace standin {
+namespace tarvo {
 
 /// The stamps of several files.
 using FileStamps = std::map<std::filesystem::path, FileStamp>;
@@ -39,4 +39,4 @@ class WatchedFiles {
   FileStamps stamps_;
 };
 
-}  // namespace standin
+}  // namespace tarvo

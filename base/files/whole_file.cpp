@@ -6,7 +6,7 @@
 #include <random>
 #include <system_error>
 
-namespace standin {
+namespace tarvo {
 namespace {
 
 void ExpectAtMost(std::uintmax_t bytes, std::uintmax_t most) {
@@ -142,4 +142,4 @@ void WriteWholeFile(const FilePath& file, std::string_view bytes, Sync sync) {
   part.Rename(sync);
 }
 
-}  // namespace standin
+}  // namespace tarvo

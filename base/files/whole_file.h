@@ -9,7 +9,7 @@
 #include "base/files/file_system.h"
 #include "base/files/temporary_files.h"
 
-namespace standin {
+namespace tarvo {
 
 /// Most bytes of a file that is read: the PNG decoder counts them in an int.
 inline constexpr std::uintmax_t kLargestFile = 2'147'483'647;
@@ -64,4 +64,4 @@ class PartFile {
 /// is written as it is. Throws FileError, and leaves the folder as it was, when it cannot.
 void WriteWholeFile(const FilePath& file, std::string_view bytes, Sync sync = Sync::kYes);
 
-}  // namespace standin
+}  // namespace tarvo

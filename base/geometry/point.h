@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-namespace standin {
+namespace tarvo {
 
 /// A place in a plane: layer pixels for corners, image pixels for texture coordinates.
 struct Point {
@@ -17,4 +17,4 @@ inline Point Mix(Point from, Point to, double fraction) {
   return {std::lerp(from.x, to.x, fraction), std::lerp(from.y, to.y, fraction)};
 }
 
-}  // namespace standin
+}  // namespace tarvo

@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <utility>
 
-namespace standin {
+namespace tarvo {
 namespace {
 
 /// Twice the signed area of a triangle.
@@ -98,4 +98,4 @@ bool Overlaps(const QuadCorners& one, const QuadCorners& other) {
   return !HasSideBetween(one, other) && !HasSideBetween(other, one);
 }
 
-}  // namespace standin
+}  // namespace tarvo

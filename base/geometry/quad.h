@@ -10,7 +10,7 @@
 /// \file
 /// Geometry of convex quadrilaterals.
 
-namespace standin {
+namespace tarvo {
 
 /// QuadCorners around a quadrilateral.
 using QuadCorners = std::array<Point, 4>;
@@ -56,4 +56,4 @@ void ForEachPixelIn(const Bounds& bounds, int width, int height, Visit visit) {
   }
 }
 
-}  // namespace standin
+}  // namespace tarvo

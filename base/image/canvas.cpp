@@ -9,7 +9,7 @@
 
 #include <stb/stb_easy_font.h>
 
-namespace standin {
+namespace tarvo {
 namespace {
 
 constexpr Rgba kGround{0, 0, 0, 170};
@@ -100,4 +100,4 @@ void DrawTag(Picture& picture, Point centre, const std::string& text, Rgba colou
   WriteText(picture, left, top, text, colour, size);
 }
 
-}  // namespace standin
+}  // namespace tarvo

@@ -8,7 +8,7 @@
 /// \file
 /// Lines, boxes and small text on a picture. What lies outside of it is left out.
 
-namespace standin {
+namespace tarvo {
 
 /// Lays a colour over a pixel.
 void Paint(Picture& picture, int x, int y, Rgba colour);
@@ -27,4 +27,4 @@ void WriteText(Picture& picture, int left, int top, const std::string& text, Rgb
 /// The same on a dark ground, in the middle of a place.
 void DrawTag(Picture& picture, Point centre, const std::string& text, Rgba colour, int size = 1);
 
-}  // namespace standin
+}  // namespace tarvo

@@ -4,7 +4,7 @@
 #include <cmath>
 #include <cstdint>
 
-namespace standin {
+namespace tarvo {
 namespace {
 
 double StoredChannel(double value) {
@@ -62,4 +62,4 @@ Colour Sample(const Picture& image, Point at) {
   return Stored(Mix(upper, lower, shareY));
 }
 
-}  // namespace standin
+}  // namespace tarvo

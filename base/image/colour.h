@@ -10,7 +10,7 @@
 /// \file
 /// Colours as the stand-in's own model of a frame reckons with them.
 
-namespace standin {
+namespace tarvo {
 
 /// Red, green, blue, alpha, each from 0 to 1.
 using Colour = std::array<double, 4>;
@@ -31,4 +31,4 @@ Rgba Straight(const Colour& premultiplied);
 /// An image at a place in its pixels: bilinear, clamped to the edge; texel centres lie at halves.
 Colour Sample(const Picture& image, Point at);
 
-}  // namespace standin
+}  // namespace tarvo

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <stdexcept>
 
-namespace standin {
+namespace tarvo {
 namespace {
 
 int SeenDifference(std::uint8_t one, std::uint8_t oneAlpha, std::uint8_t other,
@@ -84,4 +84,4 @@ Picture SideBySide(const Picture& one, const Picture& other, int tolerance) {
   return beside;
 }
 
-}  // namespace standin
+}  // namespace tarvo

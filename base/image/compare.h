@@ -6,7 +6,7 @@
 
 #include "base/image/picture.h"
 
-namespace standin {
+namespace tarvo {
 
 /// How far two pictures are apart, in 8-bit steps. Colour counts as it is seen, multiplied by its
 /// alpha: where next to nothing is seen, the straight colour of a pixel means next to nothing.
@@ -32,4 +32,4 @@ Comparison Compare(const Picture& one, const Picture& other, int tolerance,
 /// the third part where the pictures differ in size.
 Picture SideBySide(const Picture& one, const Picture& other, int tolerance);
 
-}  // namespace standin
+}  // namespace tarvo

@@ -19,7 +19,7 @@
 #include "base/files/out_of_memory.h"
 #include "base/image/image_file_stb.h"
 
-namespace standin {
+namespace tarvo {
 namespace {
 
 constexpr int kChannels = 4;
@@ -368,4 +368,4 @@ void WritePng(const FilePath& file, const Picture& picture, Sync sync) {
   WriteWholeFile(file, EncodePng(picture), sync);
 }
 
-}  // namespace standin
+}  // namespace tarvo

@@ -5,7 +5,7 @@
 #include "base/files/whole_file.h"
 #include "base/image/picture.h"
 
-namespace standin {
+namespace tarvo {
 
 /// Longest side, in pixels, of an image that is read. A texture of the renderer cannot be longer.
 inline constexpr int kLongestImageSide = 16384;
@@ -48,4 +48,4 @@ std::string EncodePng(const Picture& picture);
 /// cannot be written.
 void WritePng(const FilePath& file, const Picture& picture, Sync sync = Sync::kYes);
 
-}  // namespace standin
+}  // namespace tarvo

@@ -44,8 +44,8 @@ static unsigned char* CompressWithZlib(unsigned char* data, int size, int* compr
 
 #include "base/image/image_file_stb.h"
 
-namespace standin {
+namespace tarvo {
 
 void ForgetDecoderFailure() { stbi__g_failure_reason = nullptr; }
 
-}  // namespace standin
+}  // namespace tarvo

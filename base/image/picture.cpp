@@ -1,6 +1,6 @@
 #include "base/image/picture.h"
 
-namespace standin {
+namespace tarvo {
 
 Picture::Picture(int pictureWidth, int pictureHeight, Rgba colour)
     : width(pictureWidth),
@@ -14,4 +14,4 @@ const std::uint8_t* Picture::Bytes() const {
 
 std::uint8_t* Picture::Bytes() { return reinterpret_cast<std::uint8_t*>(pixels.data()); }
 
-}  // namespace standin
+}  // namespace tarvo

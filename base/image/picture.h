@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <vector>
 
-namespace standin {
+namespace tarvo {
 
 /// One pixel as image files know it: straight (not premultiplied) red, green, blue, alpha.
 struct Rgba {
@@ -47,4 +47,4 @@ struct Picture {
 };
 static_assert(sizeof(Rgba) == 4);
 
-}  // namespace standin
+}  // namespace tarvo

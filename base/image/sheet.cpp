@@ -5,7 +5,7 @@
 
 #include "base/image/canvas.h"
 
-namespace standin {
+namespace tarvo {
 namespace {
 
 constexpr int kGap = 8;
@@ -49,4 +49,4 @@ Picture MakeSheet(const std::vector<SheetCell>& cells, std::size_t columns) {
   return sheet;
 }
 
-}  // namespace standin
+}  // namespace tarvo

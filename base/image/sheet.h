@@ -5,7 +5,7 @@
 
 #include "base/image/picture.h"
 
-namespace standin {
+namespace tarvo {
 
 /// A picture on a sheet, and what is written above it.
 struct SheetCell {
@@ -17,4 +17,4 @@ struct SheetCell {
 /// label that is wider than its cell is cut. REQUIRES: a cell, and a column.
 Picture MakeSheet(const std::vector<SheetCell>& cells, std::size_t columns);
 
-}  // namespace standin
+}  // namespace tarvo

@@ -11,7 +11,7 @@ namespace check {
 class BoneNumbers {
  public:
   /// The colour that stands for a companion, by a number of 1 to 250 of the caller's choice.
-  static standin::Rgba ColourOf(int companion);
+  static tarvo::Rgba ColourOf(int companion);
   /// Gives the companion one piece and an image in its colour, all over a small square.
   static void Dress(standin::Companion& companion, int number);
   /// The numbers of the companions that are seen as bone 1, bone 2 …, as many as are asked for;

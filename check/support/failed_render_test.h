@@ -53,11 +53,11 @@ class FailedRenderTest : public RigTest {
     EXPECT_EQ(rig.Render().picture, good);
   }
 
-  [[nodiscard]] bool IsTransparent(const standin::Picture& picture) const {
-    return picture.pixels == standin::Picture(good.width, good.height).pixels;
+  [[nodiscard]] bool IsTransparent(const tarvo::Picture& picture) const {
+    return picture.pixels == tarvo::Picture(good.width, good.height).pixels;
   }
 
-  standin::Picture good;
+  tarvo::Picture good;
 };
 
 }  // namespace check

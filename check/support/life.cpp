@@ -75,8 +75,8 @@ void Life::SetFast(bool fast) {
      [&] { return host.SetParameter(*renderers_.front(), kFastTransparency, fast ? 1 : 0); });
 }
 
-standin::Picture Life::Draw(const std::string& name) {
-  standin::Picture picture;
+tarvo::Picture Life::Draw(const std::string& name) {
+  tarvo::Picture picture;
   Do("render " + name, [&] {
     standin::RenderResult result = host.Render(*renderers_.front());
     picture = std::move(result.picture);

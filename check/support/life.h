@@ -18,8 +18,8 @@ struct Step {
 
 /// What a layer shows in either mode.
 struct Views {
-  standin::Picture fast;
-  standin::Picture exact;
+  tarvo::Picture fast;
+  tarvo::Picture exact;
 };
 
 /// Everything that happens to the plug-in between loading and unloading, on a host of its own:
@@ -54,7 +54,7 @@ class Life {
   void Send(standin::RendererInstance& renderer);
   void SendAll();
   void SetFast(bool fast);
-  standin::Picture Draw(const std::string& name);
+  tarvo::Picture Draw(const std::string& name);
   /// A new instance in the first one's stead.
   void ReplaceFirst();
 

@@ -62,7 +62,7 @@ class OddWorldsTest : public FailedRenderTest {
   }
 
   /// The host's records of a render.
-  PF_InData InputRecord(const standin::Picture& like) {
+  PF_InData InputRecord(const tarvo::Picture& like) {
     PF_InData in = rig.host.InputRecord(&rig.renderer);
     in.output_origin_x = like.originX;
     in.output_origin_y = like.originY;
@@ -70,7 +70,7 @@ class OddWorldsTest : public FailedRenderTest {
   }
 
   /// A frame of the size and place of `like` on a host that makes such worlds; expects success.
-  standin::Picture RenderWith(const standin::Picture& like, NewWorld newWorld) {
+  tarvo::Picture RenderWith(const tarvo::Picture& like, NewWorld newWorld) {
     PF_InData in = InputRecord(like);
     OtherWorlds worlds(in.pica_basicP, std::move(newWorld));
     in.pica_basicP = worlds.Suites();
@@ -79,7 +79,7 @@ class OddWorldsTest : public FailedRenderTest {
     EXPECT_EQ(rig.host.worlds.New(like.width, like.height, 0, "output", &output), PF_Err_NONE);
     EXPECT_TRUE(
         rig.host.CallWith(PF_Cmd_RENDER, in, out, parameters.data(), &output, nullptr).Ok());
-    standin::Picture picture = standin::Worlds::ToPicture(output);
+    tarvo::Picture picture = standin::Worlds::ToPicture(output);
     rig.host.worlds.Dispose(&output, "the test");
     picture.originX = like.originX;
     picture.originY = like.originY;

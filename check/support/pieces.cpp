@@ -9,7 +9,7 @@
 namespace check {
 namespace {
 
-using standin::Picture;
+using tarvo::Picture;
 
 /// Numbers that are the same on every system, which the standard distributions do not promise.
 class Dice {

@@ -34,8 +34,8 @@ std::vector<PieceQuad> WarpedPieces(std::uint32_t seed, int count, const Box& ar
 CompanionSlot RecordOf(const std::vector<PieceQuad>& pieces, std::int32_t place);
 
 /// A smooth pattern of one alpha; each seed has colours of its own.
-standin::Picture Pattern(int width, int height, std::uint32_t seed, std::uint8_t alpha = 255);
+tarvo::Picture Pattern(int width, int height, std::uint32_t seed, std::uint8_t alpha = 255);
 /// The pattern with an alpha that falls from 255 in the middle to 0 at the border.
-standin::Picture SoftPattern(int width, int height, std::uint32_t seed);
+tarvo::Picture SoftPattern(int width, int height, std::uint32_t seed);
 
 }  // namespace check

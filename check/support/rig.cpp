@@ -9,7 +9,7 @@ namespace {
 using standin::Companion;
 using standin::FrameRequest;
 using standin::Kind;
-using standin::Picture;
+using tarvo::Picture;
 
 constexpr int kLayerWidth = 200;
 constexpr int kLayerHeight = 160;
@@ -89,9 +89,9 @@ standin::RenderResult Rig::Render(const FrameRequest& request) {
   return result;
 }
 
-standin::OverlapPicture Rig::Expected(const Picture& like, const FrameRequest& request) const {
-  return standin::DrawOverlap(
-      {standin::BonesOn(layer, renderer), standin::ViewOf(like, renderer, request)});
+tarvo::OverlapPicture Rig::Expected(const Picture& like, const FrameRequest& request) const {
+  return tarvo::DrawOverlap(
+      {tarvo::BonesOn(layer, renderer), tarvo::ViewOf(like, renderer, request)});
 }
 
 }  // namespace check

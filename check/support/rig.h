@@ -34,7 +34,7 @@ class Rig {
   explicit Rig(PF_EntryPoint entryPoint, standin::HostOptions options = {});
 
   /// Another companion, at the bottom of the stack unless told otherwise.
-  standin::Companion& AddBone(const standin::Picture& image, std::vector<PieceQuad> pieces,
+  standin::Companion& AddBone(const tarvo::Picture& image, std::vector<PieceQuad> pieces,
                               int position = -1);
   /// Start Z and end Z of a bone, counted from 1.
   void SetDepth(int bone, double start, double end);
@@ -48,8 +48,8 @@ class Rig {
   /// What the stand-in's own model makes of the companions that are active now, in a frame of the
   /// picture's size and origin. Images and opacities are those that the companions hold. Where an
   /// effect before this one has grown the layer, the request says by how much.
-  [[nodiscard]] standin::OverlapPicture Expected(const standin::Picture& like,
-                                                 const standin::FrameRequest& request = {}) const;
+  [[nodiscard]] tarvo::OverlapPicture Expected(const tarvo::Picture& like,
+                                               const standin::FrameRequest& request = {}) const;
   /// The active companions, from the top of the stack.
   [[nodiscard]] std::vector<standin::Companion*> ActiveCompanions() const;
 

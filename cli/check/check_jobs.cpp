@@ -23,7 +23,7 @@
 #include "cli/process/worker.h"
 #include "standin/loader/plugin_library.h"
 
-namespace standin {
+namespace tarvo {
 namespace {
 
 using Clock = std::chrono::steady_clock;
@@ -243,15 +243,15 @@ std::vector<check::Check> ListChecks(const CheckOptions& options, const Console&
 void ExpectLoadable(const CheckOptions& options, const Console& console) {
   const JobOutcome outcome = RunAlone(OrderOf(options, {}), options, console);
   if (outcome.end.timedOut) {
-    throw PluginLoadError(TimeUp(options.timeLimit));
+    throw standin::PluginLoadError(TimeUp(options.timeLimit));
   }
   if (outcome.notLoaded) {
-    throw PluginLoadError(*outcome.notLoaded);
+    throw standin::PluginLoadError(*outcome.notLoaded);
   }
   if (!outcome.isLoaded || !outcome.end.IsGood()) {
     const std::string end = BadEnd(outcome.end);
-    throw PluginLoadError("the process that loaded it ended with " +
-                          (end.empty() ? "exit code 0 too early" : end));
+    throw standin::PluginLoadError("the process that loaded it ended with " +
+                                   (end.empty() ? "exit code 0 too early" : end));
   }
 }
 
@@ -260,4 +260,4 @@ void RunInJobs(const CheckOptions& options, const std::vector<check::Check>& che
   Jobs(options, checks, console, take).Run();
 }
 
-}  // namespace standin
+}  // namespace tarvo

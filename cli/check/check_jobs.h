@@ -11,7 +11,7 @@
 /// Checks in processes of the program tarvo-check-worker, which lies beside this one. All functions
 /// throw ProcessError when it cannot be started, and Unfinished when the user interrupts.
 
-namespace standin {
+namespace tarvo {
 
 /// What checks there are, by name. Throws std::runtime_error if the worker does not tell.
 std::vector<check::Check> ListChecks(const CheckOptions& options, const Console& console);
@@ -27,4 +27,4 @@ void ExpectLoadable(const CheckOptions& options, const Console& console);
 void RunInJobs(const CheckOptions& options, const std::vector<check::Check>& checks,
                const Console& console, const TakeResult& take);
 
-}  // namespace standin
+}  // namespace tarvo

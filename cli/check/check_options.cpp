@@ -5,7 +5,7 @@
 
 #include "cli/options/scene_options.h"
 
-namespace standin {
+namespace tarvo {
 namespace {
 
 constexpr int kMostAtOnce = 256;
@@ -44,4 +44,4 @@ void AddCheckOptions(CLI::App& command, CheckOptions& options) {
       ->type_name("FILE");
 }
 
-}  // namespace standin
+}  // namespace tarvo

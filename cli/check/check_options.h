@@ -6,7 +6,7 @@
 
 #include <CLI/CLI.hpp>
 
-namespace standin {
+namespace tarvo {
 
 /// What `tarvo check` takes from its command line.
 struct CheckOptions {
@@ -25,4 +25,4 @@ struct CheckOptions {
 /// Adds them to a command. REQUIRES: `options` outlives the parsing.
 void AddCheckOptions(CLI::App& command, CheckOptions& options);
 
-}  // namespace standin
+}  // namespace tarvo

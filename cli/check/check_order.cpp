@@ -4,7 +4,7 @@
 
 #include <nlohmann/json.hpp>
 
-namespace standin {
+namespace tarvo {
 
 NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE(CheckOrder, lists, checks, seed, isLong, trace)
 
@@ -21,4 +21,4 @@ CheckOrder CheckOrderFrom(const std::string& text) {
   return nlohmann::json::parse(text).get<CheckOrder>();
 }
 
-}  // namespace standin
+}  // namespace tarvo

@@ -6,7 +6,7 @@
 #include "check/result/selection.h"
 #include "cli/check/check_options.h"
 
-namespace standin {
+namespace tarvo {
 
 /// What the check worker is to do with the plug-in that its command line names: file names may hold
 /// bytes that JSON does not take.
@@ -26,4 +26,4 @@ CheckOrder OrderOf(const CheckOptions& options, std::vector<std::string> checks)
 std::string OrderText(const CheckOrder& order);
 CheckOrder CheckOrderFrom(const std::string& text);
 
-}  // namespace standin
+}  // namespace tarvo

@@ -9,7 +9,7 @@
 
 #include "base/files/escaped_text.h"
 
-namespace standin {
+namespace tarvo {
 namespace {
 
 using check::Name;
@@ -178,4 +178,4 @@ std::string CheckReport::JUnit() const {
   return text + "</testsuite>\n";
 }
 
-}  // namespace standin
+}  // namespace tarvo

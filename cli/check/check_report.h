@@ -8,7 +8,7 @@
 #include "check/result/result.h"
 #include "cli/process/console.h"
 
-namespace standin {
+namespace tarvo {
 
 /// The results of a run and what is said of them.
 class CheckReport {
@@ -42,4 +42,4 @@ class CheckReport {
   std::string notLoaded_;  ///< the verdict, if it is that
 };
 
-}  // namespace standin
+}  // namespace tarvo

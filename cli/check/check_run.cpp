@@ -11,7 +11,7 @@
 #include "cli/options/scene_options.h"
 #include "standin/loader/plugin_library.h"
 
-namespace standin {
+namespace tarvo {
 namespace {
 
 std::vector<check::Check> Chosen(const CheckOptions& options, std::vector<check::Check> checks) {
@@ -64,7 +64,7 @@ void CarryOut(const CheckOptions& options, const CheckRunner& runner, const Cons
                      console);
   try {
     runner.run(checks, [&](const check::Result& result) { report.Take(result); });
-  } catch (const PluginLoadError& error) {
+  } catch (const standin::PluginLoadError& error) {
     report.TakeNotLoaded(error.what());
   }
   const int code = report.End();
@@ -74,4 +74,4 @@ void CarryOut(const CheckOptions& options, const CheckRunner& runner, const Cons
   }
 }
 
-}  // namespace standin
+}  // namespace tarvo

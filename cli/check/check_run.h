@@ -8,7 +8,7 @@
 #include "cli/check/check_options.h"
 #include "cli/process/console.h"
 
-namespace standin {
+namespace tarvo {
 
 /// Takes the result of one check.
 using TakeResult = std::function<void(const check::Result&)>;
@@ -25,4 +25,4 @@ struct CheckRunner {
 /// is missing.
 void CarryOut(const CheckOptions& options, const CheckRunner& runner, const Console& console);
 
-}  // namespace standin
+}  // namespace tarvo

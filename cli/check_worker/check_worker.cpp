@@ -24,7 +24,7 @@
 #include "standin/core/gate.h"
 #include "standin/host/host.h"
 
-namespace standin {
+namespace tarvo {
 namespace {
 
 void TakeOverSettings(const CheckOrder& order, const Console& console) {
@@ -32,7 +32,7 @@ void TakeOverSettings(const CheckOrder& order, const Console& console) {
   check::TheSettings().failsEveryCall = order.isLong;
   check::TheSettings().seed = order.seed;
   if (order.trace) {
-    Gate::TraceAll(
+    standin::Gate::TraceAll(
         [&err = console.err](std::string_view line) { err << ForTerminal(line) << '\n'; });
   }
 }
@@ -46,7 +46,7 @@ std::string Bytes(const nlohmann::ordered_json& value) {
 /// and std::runtime_error without OpenGL.
 void Load(const std::string& plugin) {
   check::UsePlugin(plugin);
-  const Host host(check::PluginUnderCheck());
+  const standin::Host host(check::PluginUnderCheck());
 }
 
 /// Those of all checks that have these names.
@@ -118,4 +118,4 @@ int RunCheckWorker(const Console& console) {
   return Try([&] { RunForUser(options, console); }, console);
 }
 
-}  // namespace standin
+}  // namespace tarvo

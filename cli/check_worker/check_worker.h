@@ -2,11 +2,11 @@
 
 #include "cli/process/console.h"
 
-namespace standin {
+namespace tarvo {
 
 /// The program tarvo-check-worker: as a worker of `tarvo check` it does what it is told to; for a
 /// user it takes the options of `tarvo check` and runs all checks in its own process. Returns the
 /// exit code.
 int RunCheckWorker(const Console& console);
 
-}  // namespace standin
+}  // namespace tarvo

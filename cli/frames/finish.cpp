@@ -10,7 +10,7 @@
 #include "base/files/input_error.h"
 #include "base/image/image_file.h"
 
-namespace standin {
+namespace tarvo {
 namespace {
 
 constexpr std::uint8_t kOpaque = 255;
@@ -107,4 +107,4 @@ Picture Over(const Picture& picture, const Background& background) {
   return result;
 }
 
-}  // namespace standin
+}  // namespace tarvo

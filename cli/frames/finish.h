@@ -7,7 +7,7 @@
 #include "base/files/file_system.h"
 #include "base/image/picture.h"
 
-namespace standin {
+namespace tarvo {
 
 /// An opaque colour for each place of a picture.
 using Background = std::function<Rgba(int x, int y)>;
@@ -27,4 +27,4 @@ void WritePicture(const std::string& file, const Picture& picture, Sync sync);
 /// The picture as it looks over a background: opaque everywhere.
 Picture Over(const Picture& picture, const Background& background);
 
-}  // namespace standin
+}  // namespace tarvo

@@ -5,7 +5,7 @@
 
 #include "cli/options/scene_options.h"
 
-namespace standin {
+namespace tarvo {
 namespace {
 
 struct FrameRange {
@@ -84,4 +84,4 @@ std::string FrameListText(const std::vector<int>& frames) {
   return text;
 }
 
-}  // namespace standin
+}  // namespace tarvo

@@ -13,7 +13,7 @@
 #include "cli/process/console.h"
 #include "cli/process/system.h"
 
-namespace standin {
+namespace tarvo {
 namespace {
 
 /// Where a name has "%d" or "%0Nd", N from 1 to 9, for the last time.
@@ -90,4 +90,4 @@ void FrameStream::Take(int /*frame*/, const Picture& picture) {
   }
 }
 
-}  // namespace standin
+}  // namespace tarvo

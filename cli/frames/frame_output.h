@@ -8,7 +8,7 @@
 #include "base/files/file_system.h"
 #include "base/image/picture.h"
 
-namespace standin {
+namespace tarvo {
 
 /// What is made, as the name of the output says: one picture; a file for each frame; a movie;
 /// bytes on standard output.
@@ -66,4 +66,4 @@ class FrameStream : public FrameOutput {
   bool isRaw_;
 };
 
-}  // namespace standin
+}  // namespace tarvo

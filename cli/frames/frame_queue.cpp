@@ -3,7 +3,7 @@
 #include <chrono>
 #include <utility>
 
-namespace standin {
+namespace tarvo {
 
 FrameQueue::FrameQueue(std::size_t threads, const Interrupt& interrupt, Consume consume,
                        Abort abort)
@@ -99,4 +99,4 @@ void FrameQueue::Consumed(Item item, std::unique_lock<std::mutex>& lock) {
   }
 }
 
-}  // namespace standin
+}  // namespace tarvo

@@ -11,7 +11,7 @@
 #include "cli/process/interrupt.h"
 #include "cli/process/threads.h"
 
-namespace standin {
+namespace tarvo {
 
 /// Threads that do something with each picture while the next one is made. With one thread the
 /// pictures come in their order.
@@ -61,4 +61,4 @@ class FrameQueue {
   Threads threads_;  // last: they use the others
 };
 
-}  // namespace standin
+}  // namespace tarvo

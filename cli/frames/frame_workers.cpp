@@ -12,7 +12,7 @@
 #include "cli/process/interrupt.h"
 #include "tool/rig/file/scene_file.h"
 
-namespace standin {
+namespace tarvo {
 namespace {
 
 /// What a worker is to render, as it is sent to it.
@@ -251,4 +251,4 @@ void SendFrames(const RenderSettings& settings, const Console& console) {
   Send(*console.channel, statistics);
 }
 
-}  // namespace standin
+}  // namespace tarvo

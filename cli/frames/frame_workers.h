@@ -9,7 +9,7 @@
 #include "cli/process/messages.h"
 #include "cli/process/worker.h"
 
-namespace standin {
+namespace tarvo {
 
 /// Frames of an animation, rendered by workers. The first one reads the scene and sends its
 /// summary; then all get their frames: each of them every so many-th one.
@@ -81,4 +81,4 @@ class FrameWorkers {
 /// them.
 void SendFrames(const RenderSettings& settings, const Console& console);
 
-}  // namespace standin
+}  // namespace tarvo

@@ -15,7 +15,7 @@
 #include "base/files/text_table.h"
 #include "cli/options/scene_options.h"
 
-namespace standin {
+namespace tarvo {
 namespace {
 
 struct Format {
@@ -192,4 +192,4 @@ void Movie::ExpectWhole() const {
   }
 }
 
-}  // namespace standin
+}  // namespace tarvo

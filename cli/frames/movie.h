@@ -6,7 +6,7 @@
 #include "cli/frames/frame_output.h"
 #include "cli/process/process.h"
 
-namespace standin {
+namespace tarvo {
 
 /// True iff the name ends as a movie's: .gif, .webm, .mp4.
 bool IsMovie(const std::string& file);
@@ -37,4 +37,4 @@ class Movie : public FrameOutput {
   int frames_ = 0;
 };
 
-}  // namespace standin
+}  // namespace tarvo

@@ -6,7 +6,7 @@
 #include "tool/explain/show.h"
 #include "tool/player/overlap_bones.h"
 
-namespace standin {
+namespace tarvo {
 namespace {
 
 int Scaled(int side, int denominator) { return (side + denominator - 1) / denominator; }
@@ -18,7 +18,8 @@ PictureComposer::PictureComposer(const RenderSettings& settings, int layerWidth,
       width_(Scaled(layerWidth, settings.play.downsample)),
       height_(Scaled(layerHeight, settings.play.downsample)) {}
 
-Picture PictureComposer::Compose(Picture frame, const Host& host, bool cropsToLayer) const {
+Picture PictureComposer::Compose(Picture frame, const standin::Host& host,
+                                 bool cropsToLayer) const {
   if (settings_.show) {
     const Overlap overlap = OverlapNow(host, frame, settings_.play.downsample);
     frame = Show(*settings_.show, frame, overlap, width_, height_);
@@ -30,4 +31,4 @@ Picture PictureComposer::OverBackground(Picture picture) const {
   return settings_.background ? Over(picture, *settings_.background) : std::move(picture);
 }
 
-}  // namespace standin
+}  // namespace tarvo

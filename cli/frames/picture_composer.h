@@ -4,7 +4,7 @@
 #include "cli/frames/render_settings.h"
 #include "standin/host/host.h"
 
-namespace standin {
+namespace tarvo {
 
 /// Makes of rendered frames the pictures that were asked for.
 class PictureComposer {
@@ -24,7 +24,7 @@ class PictureComposer {
 
   /// The frame that has just been rendered on this host, with the overlay that was asked for, if
   /// any, and cropped if that is wanted.
-  [[nodiscard]] Picture Compose(Picture frame, const Host& host, bool cropsToLayer) const;
+  [[nodiscard]] Picture Compose(Picture frame, const standin::Host& host, bool cropsToLayer) const;
   /// A picture over the background that was asked for, if any.
   [[nodiscard]] Picture OverBackground(Picture picture) const;
 
@@ -34,4 +34,4 @@ class PictureComposer {
   int height_;
 };
 
-}  // namespace standin
+}  // namespace tarvo

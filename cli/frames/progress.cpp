@@ -9,7 +9,7 @@
 
 #include <nlohmann/json.hpp>
 
-namespace standin {
+namespace tarvo {
 namespace {
 
 constexpr std::chrono::seconds kBetweenLines(5);
@@ -82,4 +82,4 @@ std::string Progress::Json(int frame) const {
       .dump();
 }
 
-}  // namespace standin
+}  // namespace tarvo

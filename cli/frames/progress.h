@@ -5,7 +5,7 @@
 #include <mutex>
 #include <string>
 
-namespace standin {
+namespace tarvo {
 
 /// How progress is told: not at all; as a bar that is drawn anew; as a line every few seconds; as a
 /// JSON object a line for each frame.
@@ -49,4 +49,4 @@ class Progress {
   Clock::time_point lastLine_ = start_;
 };
 
-}  // namespace standin
+}  // namespace tarvo

@@ -13,7 +13,7 @@
 #include "cli/options/output_guard.h"
 #include "cli/process/interrupt.h"
 
-namespace standin {
+namespace tarvo {
 namespace {
 
 /// The frame as a worker renders it. The interrupt is noted for as long alone: what follows is the
@@ -71,4 +71,4 @@ void Render(const RenderOptions& options, const Console& console) {
   }
 }
 
-}  // namespace standin
+}  // namespace tarvo

@@ -24,7 +24,7 @@
 #include "cli/process/system.h"
 #include "cli/process/threads.h"
 
-namespace standin {
+namespace tarvo {
 namespace {
 
 class FrameRender {
@@ -243,4 +243,4 @@ void RenderFrames(const RenderSettings& settings, const PictureComposer& compose
   FrameRender(settings, composer, rate, frames, workers, console).Run();
 }
 
-}  // namespace standin
+}  // namespace tarvo

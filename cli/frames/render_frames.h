@@ -7,7 +7,7 @@
 #include "cli/frames/render_settings.h"
 #include "cli/process/console.h"
 
-namespace standin {
+namespace tarvo {
 
 /// Renders frames of an animation, `rate` of them a second, into files, a movie or standard output,
 /// and says what it made. Throws Unfinished when it was interrupted or a frame's file is not as it
@@ -16,4 +16,4 @@ namespace standin {
 void RenderFrames(const RenderSettings& settings, const PictureComposer& composer, double rate,
                   const std::vector<int>& frames, FrameWorkers& workers, const Console& console);
 
-}  // namespace standin
+}  // namespace tarvo

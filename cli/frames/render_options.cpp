@@ -5,7 +5,7 @@
 #include "cli/frames/finish.h"
 #include "tool/explain/show.h"
 
-namespace standin {
+namespace tarvo {
 namespace {
 
 constexpr int kMostJobs = 64;
@@ -61,4 +61,4 @@ void AddRenderOptions(CLI::App& command, RenderOptions& options) {
   AddLookOptions(command, options);
 }
 
-}  // namespace standin
+}  // namespace tarvo

@@ -9,7 +9,7 @@ namespace CLI {
 class App;
 }
 
-namespace standin {
+namespace tarvo {
 
 /// The command line of `tarvo render` as it was typed.
 struct RenderOptions {
@@ -32,4 +32,4 @@ void AddRenderOptions(CLI::App& command, RenderOptions& options);
 /// Those of them that say how a picture looks, how it is written and whether it is spoken of.
 void AddLookOptions(CLI::App& command, RenderOptions& options);
 
-}  // namespace standin
+}  // namespace tarvo

@@ -11,7 +11,7 @@
 #include "cli/frames/movie.h"
 #include "cli/process/system.h"
 
-namespace standin {
+namespace tarvo {
 namespace {
 
 ProgressForm FormOf(const RenderOptions& options) {
@@ -147,4 +147,4 @@ std::vector<std::string> FilesMade(const RenderSettings& settings, const std::ve
   return files;
 }
 
-}  // namespace standin
+}  // namespace tarvo

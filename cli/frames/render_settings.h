@@ -13,7 +13,7 @@
 #include "tool/explain/show.h"
 #include "tool/player/performance.h"
 
-namespace standin {
+namespace tarvo {
 
 /// What `tarvo render` is to do: its options, read and checked.
 struct RenderSettings {
@@ -45,4 +45,4 @@ std::vector<int> FramesAskedFor(const RenderSettings& settings, int count);
 /// The files that these frames make, all together or one each; none for standard output.
 std::vector<std::string> FilesMade(const RenderSettings& settings, const std::vector<int>& frames);
 
-}  // namespace standin
+}  // namespace tarvo

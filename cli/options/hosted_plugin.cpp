@@ -5,11 +5,11 @@
 
 #include "base/files/escaped_text.h"
 
-namespace standin {
+namespace tarvo {
 namespace {
 
-HostOptions OptionsFor(const PluginLibrary& library) {
-  HostOptions options;
+standin::HostOptions OptionsFor(const standin::PluginLibrary& library) {
+  standin::HostOptions options;
   options.pluginPath = library.Path();
   return options;
 }
@@ -25,4 +25,4 @@ HostedPlugin::HostedPlugin(const SceneOptions& options, const Console& console)
   }
 }
 
-}  // namespace standin
+}  // namespace tarvo

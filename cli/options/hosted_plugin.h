@@ -5,7 +5,7 @@
 #include "standin/host/host.h"
 #include "standin/loader/plugin_library.h"
 
-namespace standin {
+namespace tarvo {
 
 /// The plug-in that a command asks for, loaded, and a host for it; its trace goes to the console
 /// if that was asked for. Throws PluginLoadError, and std::runtime_error where no OpenGL context
@@ -15,11 +15,11 @@ class HostedPlugin {
   /// REQUIRES: the console's streams outlive this object.
   HostedPlugin(const SceneOptions& options, const Console& console);
 
-  [[nodiscard]] Host& TheHost() { return host_; }
+  [[nodiscard]] standin::Host& TheHost() { return host_; }
 
  private:
-  PluginLibrary library_;  // outlives the host, whose end calls the plug-in
-  Host host_;
+  standin::PluginLibrary library_;  // outlives the host, whose end calls the plug-in
+  standin::Host host_;
 };
 
-}  // namespace standin
+}  // namespace tarvo

@@ -5,7 +5,7 @@
 
 #include <CLI/CLI.hpp>
 
-namespace standin {
+namespace tarvo {
 namespace {
 
 const CLI::App* FindCommand(const CLI::App& program, const std::string& name) {
@@ -56,4 +56,4 @@ std::vector<std::string> WithNamesMarked(const CLI::App& program, std::vector<st
   return words;
 }
 
-}  // namespace standin
+}  // namespace tarvo

@@ -7,7 +7,7 @@ namespace CLI {
 class App;
 }
 
-namespace standin {
+namespace tarvo {
 
 /// A command line, less the program's name, in which "--" was given, as it is parsed without: the
 /// words behind it are names of files, whatever they begin with, as many as the command still
@@ -15,4 +15,4 @@ namespace standin {
 /// would be taken for something else. Any other command line stays as it is.
 std::vector<std::string> WithNamesMarked(const CLI::App& program, std::vector<std::string> words);
 
-}  // namespace standin
+}  // namespace tarvo

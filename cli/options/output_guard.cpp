@@ -8,7 +8,7 @@
 #include "base/files/input_error.h"
 #include "cli/process/system.h"
 
-namespace standin {
+namespace tarvo {
 namespace {
 
 /// A name in a folder, whatever the folder is called.
@@ -104,4 +104,4 @@ void ExpectApart(const std::string& option, const std::vector<std::string>& made
   }
 }
 
-}  // namespace standin
+}  // namespace tarvo

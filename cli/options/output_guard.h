@@ -6,7 +6,7 @@
 
 #include "cli/options/scene_options.h"
 
-namespace standin {
+namespace tarvo {
 
 /// What a command on a scene reads: the files of the scene, and the plug-in.
 std::vector<std::filesystem::path> FilesRead(const SceneOptions& options,
@@ -18,4 +18,4 @@ std::vector<std::filesystem::path> FilesRead(const SceneOptions& options,
 void ExpectApart(const std::string& option, const std::vector<std::string>& made,
                  const std::vector<std::filesystem::path>& read);
 
-}  // namespace standin
+}  // namespace tarvo

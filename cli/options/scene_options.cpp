@@ -10,7 +10,7 @@
 #include "base/files/whole_file.h"
 #include "cli/process/system.h"
 
-namespace standin {
+namespace tarvo {
 namespace {
 
 constexpr double kShortestTimeLimit = 0.01;
@@ -121,4 +121,4 @@ std::string PluginOf(const SceneOptions& options) {
   return options.plugin.empty() ? DefaultPlugin() : options.plugin;
 }
 
-}  // namespace standin
+}  // namespace tarvo

@@ -16,7 +16,7 @@ class App;
 class Option;
 }  // namespace CLI
 
-namespace standin {
+namespace tarvo {
 
 /// Adds --time-limit to a command: a number of seconds, which is finite and above 0. REQUIRES:
 /// `seconds` outlives the parsing.
@@ -80,4 +80,4 @@ std::string PluginOf(const SceneOptions& options);
 /// as faults.
 PlayOptions ReadPlayOptions(const SceneOptions& options, OptionFaults& faults);
 
-}  // namespace standin
+}  // namespace tarvo

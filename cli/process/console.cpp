@@ -2,7 +2,7 @@
 
 #include <ostream>
 
-namespace standin {
+namespace tarvo {
 
 void Tell(const Console& console, const std::string& text) {
   if (!(console.out << text << std::flush)) {
@@ -10,4 +10,4 @@ void Tell(const Console& console, const std::string& text) {
   }
 }
 
-}  // namespace standin
+}  // namespace tarvo

@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-namespace standin {
+namespace tarvo {
 
 class MessageWriter;
 
@@ -53,4 +53,4 @@ struct Console {
 /// told.
 void Tell(const Console& console, const std::string& text);
 
-}  // namespace standin
+}  // namespace tarvo

@@ -8,7 +8,7 @@
 #include "cli/process/console.h"
 #include "cli/process/system.h"
 
-namespace standin {
+namespace tarvo {
 namespace {
 
 using Handler = void (*)(int);
@@ -77,4 +77,4 @@ void RemoveTemporaryFilesOnInterrupt() {
 #endif
 }
 
-}  // namespace standin
+}  // namespace tarvo

@@ -1,6 +1,6 @@
 #pragma once
 
-namespace standin {
+namespace tarvo {
 
 /// While one exists, Ctrl-C, a request to terminate and a closed terminal are noted instead of
 /// ending the program. A second one ends it. They can be nested: an inner one changes nothing.
@@ -20,4 +20,4 @@ class Interrupt {
 /// before it ends the program. Signals that the caller of this program ignores remain ignored.
 void RemoveTemporaryFilesOnInterrupt();
 
-}  // namespace standin
+}  // namespace tarvo

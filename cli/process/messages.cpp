@@ -6,7 +6,7 @@
 
 #include "base/files/file_path.h"
 
-namespace standin {
+namespace tarvo {
 namespace {
 
 constexpr std::uint32_t kMark = 0x5456'4D31;  // a change of the format changes it
@@ -263,4 +263,4 @@ int MessageStream::Buffer::sync() {
   return 0;
 }
 
-}  // namespace standin
+}  // namespace tarvo

@@ -15,7 +15,7 @@
 
 #include "base/image/picture.h"
 
-namespace standin {
+namespace tarvo {
 
 /// What a worker tells the process that started it.
 enum class MessageKind : std::uint32_t {
@@ -145,4 +145,4 @@ class MessageStream : public std::ostream {
   Buffer buffer_;
 };
 
-}  // namespace standin
+}  // namespace tarvo

@@ -4,7 +4,7 @@
 #include <memory>
 #include <string>
 
-namespace standin {
+namespace tarvo {
 
 /// The connection of a worker to the process that started it (Process::Pipe::kWorker): a channel of
 /// its own for messages, apart from standard output, to which the plug-in may print; and memory
@@ -38,4 +38,4 @@ struct LinkNumbers {
   unsigned long long record = 0;
 };
 
-}  // namespace standin
+}  // namespace tarvo

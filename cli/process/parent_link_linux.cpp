@@ -10,7 +10,7 @@
 #include "cli/process/process.h"
 #include "standin/core/crash_record.h"
 
-namespace standin {
+namespace tarvo {
 namespace {
 
 [[noreturn]] void Refuse() {
@@ -29,18 +29,19 @@ ParentLink::ParentLink(const std::string& handles) : handles_(std::make_unique<H
   const int file = static_cast<int>(numbers.record);
   struct stat status {};
   if (fstat(channel, &status) != 0 || !S_ISFIFO(status.st_mode) || fstat(file, &status) != 0 ||
-      status.st_size != static_cast<off_t>(sizeof(CrashRecord))) {
+      status.st_size != static_cast<off_t>(sizeof(standin::CrashRecord))) {
     Refuse();
   }
   void* const memory =
-      mmap(nullptr, sizeof(CrashRecord), PROT_READ | PROT_WRITE, MAP_SHARED, file, 0);
+      mmap(nullptr, sizeof(standin::CrashRecord), PROT_READ | PROT_WRITE, MAP_SHARED, file, 0);
   if (memory == MAP_FAILED) {
     Refuse();
   }
   close(file);
   fcntl(channel, F_SETFD, FD_CLOEXEC);  // programs that the plug-in starts have no part in it
   handles_->channel = channel;
-  UseCrashRecord(*static_cast<CrashRecord*>(memory));  // mapped until the process ends
+  standin::UseCrashRecord(
+      *static_cast<standin::CrashRecord*>(memory));  // mapped until the process ends
 }
 
 ParentLink::~ParentLink() { close(handles_->channel); }
@@ -61,4 +62,4 @@ void ParentLink::Write(const void* bytes, std::size_t size) {
   }
 }
 
-}  // namespace standin
+}  // namespace tarvo

@@ -8,7 +8,7 @@
 #include "cli/process/process.h"
 #include "standin/core/crash_record.h"
 
-namespace standin {
+namespace tarvo {
 
 struct ParentLink::Handles {
   HANDLE channel = nullptr;
@@ -18,16 +18,18 @@ ParentLink::ParentLink(const std::string& handles) : handles_(std::make_unique<H
   const LinkNumbers numbers(handles);
   auto* const channel = reinterpret_cast<HANDLE>(static_cast<std::uintptr_t>(numbers.channel));
   auto* const mapping = reinterpret_cast<HANDLE>(static_cast<std::uintptr_t>(numbers.record));
-  void* const memory = GetFileType(channel) == FILE_TYPE_PIPE
-                           ? MapViewOfFile(mapping, FILE_MAP_ALL_ACCESS, 0, 0, sizeof(CrashRecord))
-                           : nullptr;
+  void* const memory =
+      GetFileType(channel) == FILE_TYPE_PIPE
+          ? MapViewOfFile(mapping, FILE_MAP_ALL_ACCESS, 0, 0, sizeof(standin::CrashRecord))
+          : nullptr;
   if (memory == nullptr) {
     throw ProcessError("--worker: an option for processes that tarvo starts itself");
   }
   CloseHandle(mapping);
   SetHandleInformation(channel, HANDLE_FLAG_INHERIT, 0);  // no part for what the plug-in starts
   handles_->channel = channel;
-  UseCrashRecord(*static_cast<CrashRecord*>(memory));  // mapped until the process ends
+  standin::UseCrashRecord(
+      *static_cast<standin::CrashRecord*>(memory));  // mapped until the process ends
 }
 
 ParentLink::~ParentLink() { CloseHandle(handles_->channel); }
@@ -47,4 +49,4 @@ void ParentLink::Write(const void* bytes, std::size_t size) {
   }
 }
 
-}  // namespace standin
+}  // namespace tarvo

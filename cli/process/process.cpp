@@ -6,7 +6,7 @@
 #include "cli/process/interrupt.h"
 #include "cli/process/parent_link.h"
 
-namespace standin {
+namespace tarvo {
 
 int Process::Wait() {
   ReadAll();
@@ -47,4 +47,4 @@ LinkNumbers::LinkNumbers(const std::string& text) {
   }
 }
 
-}  // namespace standin
+}  // namespace tarvo

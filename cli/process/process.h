@@ -9,7 +9,7 @@
 
 #include "standin/core/crash_record.h"
 
-namespace standin {
+namespace tarvo {
 
 /// A program that could not be started or written to.
 class ProcessError : public std::runtime_error {
@@ -62,7 +62,7 @@ class Process {
   /// Waits for its end as Wait does; all that it printed and was not read yet.
   std::string ReadAll();
   /// Where the plug-in is in a worker.
-  [[nodiscard]] const CrashRecord& Record() const;
+  [[nodiscard]] const standin::CrashRecord& Record() const;
   /// Returns when one of the workers has printed, sent or ended, and after `atMost` in any case.
   static void AwaitAny(const std::vector<Awaited>& workers, std::chrono::milliseconds atMost);
 
@@ -96,4 +96,4 @@ class Process {
   std::unique_ptr<Running> running_;
 };
 
-}  // namespace standin
+}  // namespace tarvo

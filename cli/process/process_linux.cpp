@@ -18,7 +18,7 @@
 #include "cli/process/process.h"
 #include "cli/process/system.h"
 
-namespace standin {
+namespace tarvo {
 /// What Process::Running is made of: a namespace with a name, because sources are compiled in
 /// groups and the type is declared in a header.
 namespace process_parts {
@@ -74,26 +74,26 @@ struct PipeEnds {
 class SharedRecord {
  public:
   SharedRecord() : file_(memfd_create("tarvo", MFD_CLOEXEC)) {
-    if (!file_.IsOpen() || ftruncate(file_.Get(), sizeof(CrashRecord)) != 0) {
+    if (!file_.IsOpen() || ftruncate(file_.Get(), sizeof(standin::CrashRecord)) != 0) {
       throw ProcessError("memory cannot be shared: " + Words(errno));
     }
-    void* const memory =
-        mmap(nullptr, sizeof(CrashRecord), PROT_READ | PROT_WRITE, MAP_SHARED, file_.Get(), 0);
+    void* const memory = mmap(nullptr, sizeof(standin::CrashRecord), PROT_READ | PROT_WRITE,
+                              MAP_SHARED, file_.Get(), 0);
     if (memory == MAP_FAILED) {
       throw ProcessError("memory cannot be shared: " + Words(errno));
     }
-    record_ = new (memory) CrashRecord;
+    record_ = new (memory) standin::CrashRecord;
   }
   SharedRecord(const SharedRecord&) = delete;
   SharedRecord& operator=(const SharedRecord&) = delete;
-  ~SharedRecord() { munmap(record_, sizeof(CrashRecord)); }
+  ~SharedRecord() { munmap(record_, sizeof(standin::CrashRecord)); }
 
   [[nodiscard]] int File() const { return file_.Get(); }
-  [[nodiscard]] const CrashRecord& Get() const { return *record_; }
+  [[nodiscard]] const standin::CrashRecord& Get() const { return *record_; }
 
  private:
   Descriptor file_;
-  CrashRecord* record_ = nullptr;
+  standin::CrashRecord* record_ = nullptr;
 };
 
 }  // namespace process_parts
@@ -329,7 +329,7 @@ std::size_t Process::ReadPrints(void* bytes, std::size_t size) {
   return ReadNow(running_->prints, bytes, size);
 }
 
-const CrashRecord& Process::Record() const { return running_->record->Get(); }
+const standin::CrashRecord& Process::Record() const { return running_->record->Get(); }
 
 void Process::AwaitAny(const std::vector<Awaited>& workers, std::chrono::milliseconds atMost) {
   constexpr int kEndIsNear = 1;  // ms: the pipes of one are closed, which its end follows
@@ -376,4 +376,4 @@ std::string Process::EndText(int code) {
   return "signal " + std::to_string(signal) + " (" + strsignal(signal) + ")";
 }
 
-}  // namespace standin
+}  // namespace tarvo

@@ -13,7 +13,7 @@
 #include "cli/process/process.h"
 #include "cli/process/system.h"
 
-namespace standin {
+namespace tarvo {
 /// What Process::Running is made of: a namespace with a name, because sources are compiled in
 /// groups and the type is declared in a header.
 namespace process_parts {
@@ -72,25 +72,25 @@ class SharedRecord {
  public:
   SharedRecord()
       : mapping_(CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0,
-                                    sizeof(CrashRecord), nullptr)) {
+                                    sizeof(standin::CrashRecord), nullptr)) {
     void* const memory = mapping_.IsOpen() ? MapViewOfFile(mapping_.Get(), FILE_MAP_ALL_ACCESS, 0,
-                                                           0, sizeof(CrashRecord))
+                                                           0, sizeof(standin::CrashRecord))
                                            : nullptr;
     if (memory == nullptr) {
       throw ProcessError("memory cannot be shared: " + LastError());
     }
-    record_ = new (memory) CrashRecord;
+    record_ = new (memory) standin::CrashRecord;
   }
   SharedRecord(const SharedRecord&) = delete;
   SharedRecord& operator=(const SharedRecord&) = delete;
   ~SharedRecord() { UnmapViewOfFile(record_); }
 
   [[nodiscard]] const Handle& Mapping() const { return mapping_; }
-  [[nodiscard]] const CrashRecord& Get() const { return *record_; }
+  [[nodiscard]] const standin::CrashRecord& Get() const { return *record_; }
 
  private:
   Handle mapping_;
-  CrashRecord* record_ = nullptr;
+  standin::CrashRecord* record_ = nullptr;
 };
 
 }  // namespace process_parts
@@ -307,7 +307,7 @@ std::size_t Process::ReadPrints(void* bytes, std::size_t size) {
   return ReadNow(running_->prints, bytes, size);
 }
 
-const CrashRecord& Process::Record() const { return running_->record->Get(); }
+const standin::CrashRecord& Process::Record() const { return running_->record->Get(); }
 
 void Process::AwaitAny(const std::vector<Awaited>& workers, std::chrono::milliseconds atMost) {
   // Pipes of this kind cannot be waited for: they are looked at every millisecond.
@@ -358,4 +358,4 @@ std::string Process::EndText(int code) {
   return "exception " + std::string(text.data());
 }
 
-}  // namespace standin
+}  // namespace tarvo

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-namespace standin {
+namespace tarvo {
 
 /// The words of this program's command line, its own name first, in UTF-8. What `main` gets is that
 /// on Linux; on Windows it is in the system's code page, which lacks most letters.
@@ -37,4 +37,4 @@ void MakeOutputBinary();
 /// A word of a command line as it is typed into this system's shell.
 std::string Quoted(const std::string& word);
 
-}  // namespace standin
+}  // namespace tarvo

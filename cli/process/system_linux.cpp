@@ -8,7 +8,7 @@
 
 #include "cli/process/system.h"
 
-namespace standin {
+namespace tarvo {
 
 const char* const kPluginFile = "Tarvo_overlaps_manager.so";
 
@@ -56,4 +56,4 @@ std::string Quoted(const std::string& word) {
   return quoted + "'";
 }
 
-}  // namespace standin
+}  // namespace tarvo

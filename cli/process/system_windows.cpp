@@ -8,7 +8,7 @@
 
 #include "cli/process/system.h"
 
-namespace standin {
+namespace tarvo {
 
 const char* const kPluginFile = "Tarvo_overlaps_manager.aex";
 
@@ -67,4 +67,4 @@ std::string Quoted(const std::string& word) {
   return quoted.append(backslashes, '\\') + "\"";
 }
 
-}  // namespace standin
+}  // namespace tarvo

@@ -4,7 +4,7 @@
 #include <system_error>
 #include <utility>
 
-namespace standin {
+namespace tarvo {
 namespace {
 
 std::runtime_error NoThread(const std::system_error& error) {
@@ -38,4 +38,4 @@ std::future<void> StartTask(std::function<void()> work) {
   }
 }
 
-}  // namespace standin
+}  // namespace tarvo

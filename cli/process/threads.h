@@ -5,7 +5,7 @@
 #include <thread>
 #include <vector>
 
-namespace standin {
+namespace tarvo {
 
 /// Threads that are joined at the end of the scope at the latest.
 class Threads {
@@ -27,4 +27,4 @@ class Threads {
 /// Does some work in a thread of its own; the future has what it throws. Throws as Threads::Start.
 std::future<void> StartTask(std::function<void()> work);
 
-}  // namespace standin
+}  // namespace tarvo

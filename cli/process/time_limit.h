@@ -1,8 +1,8 @@
 #pragma once
 
-namespace standin {
+namespace tarvo {
 
 /// Seconds that a command of the plug-in, or a check, may take if nothing else is asked for.
 inline constexpr double kUsualTimeLimit = 120;
 
-}  // namespace standin
+}  // namespace tarvo

@@ -13,7 +13,7 @@
 #include "base/files/escaped_text.h"
 #include "cli/process/system.h"
 
-namespace standin {
+namespace tarvo {
 namespace {
 
 constexpr std::size_t kPartOfPrints = 1U << 16U;
@@ -102,8 +102,8 @@ WorkerEnd Worker::End() const {
           .timedOut = timedOut_,
           .damage = damage_,
           .ranOutOfMemory = process_.Record().ranOutOfMemory,
-          .place = PlaceText(process_.Record()),
-          .hostCall = HostCallText(process_.Record())};
+          .place = standin::PlaceText(process_.Record()),
+          .hostCall = standin::HostCallText(process_.Record())};
 }
 
 void Worker::AwaitAny(const std::vector<Worker*>& workers) {
@@ -218,7 +218,7 @@ void Worker::WatchTime() {
   watched_ = now;
   writing_ = tWriting;
   passing_ = tPassing;
-  const CrashRecord& record = process_.Record();
+  const standin::CrashRecord& record = process_.Record();
   const bool isWhole = limit_.of == TimeLimit::Of::kProcess;
   if (const std::uint64_t changes = record.changes; changes != changes_ && !isWhole) {
     changes_ = changes;
@@ -270,4 +270,4 @@ std::optional<Unfinished> FailureOf(const WorkerEnd& end, const TimeLimit& limit
   return Unfinished(kPluginFault, {"the plug-in ended the program " + end.place + details});
 }
 
-}  // namespace standin
+}  // namespace tarvo

@@ -14,7 +14,7 @@
 #include "cli/process/process.h"
 #include "cli/process/time_limit.h"
 
-namespace standin {
+namespace tarvo {
 
 /// What a worker may take, in seconds: each command of the plug-in, or all that the process does.
 struct TimeLimit {
@@ -125,4 +125,4 @@ std::optional<Unfinished> FailureOf(const WorkerEnd& end, const TimeLimit& limit
 /// "120 s"
 std::string SecondsText(double seconds);
 
-}  // namespace standin
+}  // namespace tarvo

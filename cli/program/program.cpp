@@ -23,7 +23,7 @@
 #include "standin/core/crash_record.h"
 #include "tool/player/performance.h"
 
-namespace standin {
+namespace tarvo {
 namespace {
 
 constexpr const char* kOutOfMemory = "tarvo: out of memory\n";
@@ -36,7 +36,7 @@ constexpr const char* kOutOfMemory = "tarvo: out of memory\n";
       std::rethrow_exception(current);
     }
   } catch (const std::bad_alloc&) {
-    NoteOutOfMemory();
+    standin::NoteOutOfMemory();
     RemoveTemporaryFiles();
     std::fputs(kOutOfMemory, stderr);
     std::_Exit(kCannotRun);
@@ -81,7 +81,7 @@ int RunWith(std::vector<std::string> words, Run run) {
   try {
     return RunAsWorker(handles, words, run);
   } catch (const std::bad_alloc&) {
-    NoteOutOfMemory();
+    standin::NoteOutOfMemory();
     return kCannotRun;
   } catch (const std::exception& error) {
     return Fail(console, kWrongInput, {"tarvo: " + std::string(error.what())});
@@ -135,4 +135,4 @@ int RunProgram(int argc, const char* const* argv, Run run) {
   }
 }
 
-}  // namespace standin
+}  // namespace tarvo

@@ -9,7 +9,7 @@
 /// \file
 /// What the programs of this folder's parent have in common, from `main` to their commands.
 
-namespace standin {
+namespace tarvo {
 
 /// What a program does once its process is prepared: reads the console's words; the exit code.
 using Run = int (*)(const Console& console);
@@ -25,4 +25,4 @@ int Try(const std::function<void()>& work, const Console& console);
 /// them come from files: no control character reaches the terminal. Returns `code`.
 int Fail(const Console& console, int code, const std::vector<std::string>& lines);
 
-}  // namespace standin
+}  // namespace tarvo

@@ -10,15 +10,15 @@
 #include "platform/linux/window_registry.h"
 #include "platform/linux/window_system_faults.h"
 
-using tarvo::window_system::Bind;
-using tarvo::window_system::Binding;
-using tarvo::window_system::CurrentBinding;
-using tarvo::window_system::Display;
-using tarvo::window_system::Drawable;
-using tarvo::window_system::OpenGlApiScope;
-using tarvo::window_system::Registry;
-using tarvo::window_system::Window;
-using tarvo::window_system::WindowRegistry;
+using plugin::window_system::Bind;
+using plugin::window_system::Binding;
+using plugin::window_system::CurrentBinding;
+using plugin::window_system::Display;
+using plugin::window_system::Drawable;
+using plugin::window_system::OpenGlApiScope;
+using plugin::window_system::Registry;
+using plugin::window_system::Window;
+using plugin::window_system::WindowRegistry;
 
 namespace {
 

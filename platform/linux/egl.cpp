@@ -2,7 +2,7 @@
 
 #include <EGL/eglext.h>
 
-namespace tarvo::window_system {
+namespace plugin::window_system {
 
 namespace {
 
@@ -36,4 +36,4 @@ bool Bind(const Binding& binding) {
          EGL_TRUE;
 }
 
-}  // namespace tarvo::window_system
+}  // namespace plugin::window_system

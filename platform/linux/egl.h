@@ -2,7 +2,7 @@
 
 #include <EGL/egl.h>
 
-namespace tarvo::window_system {
+namespace plugin::window_system {
 
 /// Returns the surfaceless display, which everybody in the process is given and nobody may
 /// terminate; EGL_NO_DISPLAY if there is none.
@@ -42,4 +42,4 @@ class OpenGlApiScope {
   EGLenum before_;
 };
 
-}  // namespace tarvo::window_system
+}  // namespace plugin::window_system

@@ -5,7 +5,7 @@
 #include <bit>
 #include <cstddef>
 
-namespace tarvo::window_system {
+namespace plugin::window_system {
 
 namespace {
 
@@ -55,4 +55,4 @@ std::uintptr_t NextHandleNumber() {
   return next++;
 }
 
-}  // namespace tarvo::window_system
+}  // namespace plugin::window_system

@@ -13,7 +13,7 @@
 
 #include "platform/linux/egl.h"
 
-namespace tarvo::window_system {
+namespace plugin::window_system {
 
 /// One window. It draws into a surface of its own once it has a pixel format.
 struct Window {
@@ -56,4 +56,4 @@ WindowRegistry& Registry();
 /// Returns a number that no handle had before, of whatever kind.
 std::uintptr_t NextHandleNumber();
 
-}  // namespace tarvo::window_system
+}  // namespace plugin::window_system

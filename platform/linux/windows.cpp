@@ -9,11 +9,11 @@
 #include "platform/linux/window_registry.h"
 #include "platform/linux/window_system_faults.h"
 
-using tarvo::window_system::Display;
-using tarvo::window_system::NextHandleNumber;
-using tarvo::window_system::Registry;
-using tarvo::window_system::Window;
-using tarvo::window_system::WindowRegistry;
+using plugin::window_system::Display;
+using plugin::window_system::NextHandleNumber;
+using plugin::window_system::Registry;
+using plugin::window_system::Window;
+using plugin::window_system::WindowRegistry;
 
 namespace {
 

@@ -8,7 +8,7 @@
 #include "plugin/host/parameters.h"
 #include "plugin/host/process.h"
 
-namespace tarvo {
+namespace plugin {
 namespace {
 
 /// A stretch in which the host shows no errors of its own: Start, then End, once each.
@@ -157,4 +157,4 @@ A_Err IdleHook(AEGP_GlobalRefcon, AEGP_IdleRefcon, A_long*) {
   return result;
 }
 
-}  // namespace tarvo
+}  // namespace plugin

@@ -7,7 +7,7 @@
 #include "plugin/host/effect_walk.h"
 #include "plugin/host/parameters.h"
 
-namespace tarvo {
+namespace plugin {
 namespace {
 
 /// The companion parameter that counts nudges. companion.h tells companions the same.
@@ -56,4 +56,4 @@ PF_Err UserChangedParam(PF_InData& in, const PF_UserChangedParamExtra& change) {
   return host.Code();
 }
 
-}  // namespace tarvo
+}  // namespace plugin

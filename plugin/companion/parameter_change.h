@@ -2,7 +2,7 @@
 
 #include "sdk/effect.h"
 
-namespace tarvo {
+namespace plugin {
 
 /// The counter after one more nudge: `counter` + 1, whole and modulo 1000, with the sign of the
 /// sum. Values that no 32-bit integer holds count as the nearest that one does, no number as 0.
@@ -15,4 +15,4 @@ double Nudged(double counter);
 /// suite that the host does not hand out.
 PF_Err UserChangedParam(PF_InData& in, const PF_UserChangedParamExtra& change);
 
-}  // namespace tarvo
+}  // namespace plugin

@@ -9,7 +9,7 @@
 #include "plugin/host/parameters.h"
 #include "plugin/host/text_field.h"
 
-namespace tarvo {
+namespace plugin {
 namespace {
 
 constexpr std::size_t kLongestLabel = sizeof(PF_ParamDef::name) - 1;
@@ -100,4 +100,4 @@ PF_Err UpdateParamsUI(PF_InData& in, PF_ParamDef* const* params) {
   return host.Code();
 }
 
-}  // namespace tarvo
+}  // namespace plugin

@@ -2,7 +2,7 @@
 
 #include "sdk/effect.h"
 
-namespace tarvo {
+namespace plugin {
 
 /// Answers the update of the parameter controls: shows one start Z and one end Z slider for each
 /// switched-on companion on the layer, labelled after it, and hides the others and "Hidden". A
@@ -13,4 +13,4 @@ namespace tarvo {
 /// Throws PF_Err_BAD_CALLBACK_PARAM for a suite that the host does not hand out.
 PF_Err UpdateParamsUI(PF_InData& in, PF_ParamDef* const* params);
 
-}  // namespace tarvo
+}  // namespace plugin

@@ -3,7 +3,7 @@
 #include "plugin/host/match_name.h"
 #include "plugin/host/suite_handler.h"
 
-namespace tarvo {
+namespace plugin {
 namespace {
 
 /// The text's own number, fixed: users of the rigging tool tell by it which renderer they have.
@@ -21,4 +21,4 @@ PF_Err About(PF_InData& in, PF_OutData& out) {
   return PF_Err_NONE;
 }
 
-}  // namespace tarvo
+}  // namespace plugin

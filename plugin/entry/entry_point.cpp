@@ -14,7 +14,7 @@
 #include "plugin/scene/intake.h"
 #include "plugin/scene/output_extent.h"
 
-namespace tarvo {
+namespace plugin {
 
 using AESDK_OpenGL::AESDK_OpenGL_DeleteRenderTarget;
 using AESDK_OpenGL::AESDK_OpenGL_MakeCurrent;
@@ -180,13 +180,13 @@ PF_Err NothingThrown(PF_Cmd command, const Call& call) {
 }
 
 }  // namespace
-}  // namespace tarvo
+}  // namespace plugin
 
 PF_Err EntryPointFunc(PF_Cmd cmd, PF_InData* in_data, PF_OutData* out_data, PF_ParamDef* params[],
                       PF_LayerDef* output, void* extra) {
   if (in_data == nullptr) return PF_Err_BAD_CALLBACK_PARAM;
-  tarvo::gBasicSuite = in_data->pica_basicP;
-  const tarvo::Call call{*in_data, out_data, params, output, extra};
-  if (!tarvo::HasRecords(cmd, call)) return PF_Err_BAD_CALLBACK_PARAM;
-  return tarvo::NothingThrown(cmd, call);
+  plugin::gBasicSuite = in_data->pica_basicP;
+  const plugin::Call call{*in_data, out_data, params, output, extra};
+  if (!plugin::HasRecords(cmd, call)) return PF_Err_BAD_CALLBACK_PARAM;
+  return plugin::NothingThrown(cmd, call);
 }

@@ -15,7 +15,7 @@
 #include "plugin/host/report.h"
 #include "plugin/scene/scene_store.h"
 
-namespace tarvo {
+namespace plugin {
 
 using AESDK_OpenGL::AESDK_OpenGL_DeleteRenderTarget;
 using AESDK_OpenGL::AESDK_OpenGL_ErrorText;
@@ -133,4 +133,4 @@ PF_Err GlobalSetdown(PF_InData& in, PF_OutData& out) {
   return result;
 }
 
-}  // namespace tarvo
+}  // namespace plugin

@@ -2,7 +2,7 @@
 
 #include "sdk/effect.h"
 
-namespace tarvo {
+namespace plugin {
 
 /// The effect's global data, in a host handle of exactly this size.
 struct GlobalData {
@@ -29,4 +29,4 @@ PF_Err GlobalSetup(PF_InData& in, PF_OutData& out);
 /// handle suite. [framework's context current; it is gone at the return]
 PF_Err GlobalSetdown(PF_InData& in, PF_OutData& out);
 
-}  // namespace tarvo
+}  // namespace plugin

@@ -6,7 +6,7 @@
 #include "plugin/host/match_name.h"
 #include "sdk/effect.h"
 
-namespace tarvo {
+namespace plugin {
 
 /// What the plug-in tells hosts of itself at global set-up. Hosts have read the same values in its
 /// resource before, and complain to the user when the two answers differ.
@@ -19,4 +19,4 @@ static_assert(kGlobalFlags == (PF_OutFlag_SEND_UPDATE_PARAMS_UI | PF_OutFlag_I_S
                                PF_OutFlag_I_EXPAND_BUFFER));
 static_assert(std::string_view(TARVO_MATCH_NAME) == kOwnMatchName);
 
-}  // namespace tarvo
+}  // namespace plugin

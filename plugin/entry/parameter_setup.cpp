@@ -5,7 +5,7 @@
 #include "plugin/host/error_chain.h"
 #include "plugin/host/parameters.h"
 
-namespace tarvo {
+namespace plugin {
 namespace {
 
 constexpr A_FpShort kWidestZ = 1'000'000'000.0F;  // what may be typed
@@ -81,4 +81,4 @@ PF_Err ParamsSetup(PF_InData& in, PF_OutData& out) {
   return chain.Code();
 }
 
-}  // namespace tarvo
+}  // namespace plugin

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <array>
 
-namespace tarvo {
+namespace plugin {
 namespace {
 
 /// Room for 520 characters of 16 bits, twice the longest path that hosts write.
@@ -64,4 +64,4 @@ std::string PluginFolder(PF_InData& in) {
   return FolderOf(PathText(path.data(), path.size()));
 }
 
-}  // namespace tarvo
+}  // namespace plugin

@@ -5,7 +5,7 @@
 
 #include "sdk/effect.h"
 
-namespace tarvo {
+namespace plugin {
 
 /// The part of a path before its last backslash; all of it if it has none.
 std::string FolderOf(std::string_view path);
@@ -17,4 +17,4 @@ std::string PathText(const unsigned char* bytes, std::size_t size);
 /// The folder in which the plug-in's own file lies, empty if the host does not say.
 std::string PluginFolder(PF_InData& in);
 
-}  // namespace tarvo
+}  // namespace plugin

@@ -11,7 +11,7 @@
 #include "plugin/host/report.h"
 #include "plugin/scene/scene_store.h"
 
-namespace tarvo {
+namespace plugin {
 
 using AESDK_OpenGL::AESDK_OpenGL_ErrorText;
 using AESDK_OpenGL::AESDK_OpenGL_PrepareRenderTarget;
@@ -105,4 +105,4 @@ PF_Err SequenceSetdown(PF_InData& in, PF_OutData& out) {
   return PF_Err_NONE;
 }
 
-}  // namespace tarvo
+}  // namespace plugin

@@ -2,7 +2,7 @@
 
 #include "sdk/effect.h"
 
-namespace tarvo {
+namespace plugin {
 
 /// Answers the making of an instance: gives it an empty scene store with a number, prepares the
 /// render target and arms the idle hook. [framework's context current]
@@ -25,4 +25,4 @@ PF_Err SequenceResetup(PF_InData& in, PF_OutData& out);
 /// Textures are deleted if the framework's context is current, and kept until global set-down else.
 PF_Err SequenceSetdown(PF_InData& in, PF_OutData& out);
 
-}  // namespace tarvo
+}  // namespace plugin

@@ -5,7 +5,7 @@
 #include "plugin/host/match_name.h"
 #include "plugin/host/process.h"
 
-namespace tarvo {
+namespace plugin {
 
 /// The effect stack of a layer, as the host describes it.
 struct EffectStack {
@@ -55,4 +55,4 @@ void ForEachActiveCompanion(HostCalls& host, const EffectStack& stack, Visitor v
   }
 }
 
-}  // namespace tarvo
+}  // namespace plugin

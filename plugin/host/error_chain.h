@@ -5,7 +5,7 @@
 
 #include "sdk/basic_types.h"
 
-namespace tarvo {
+namespace plugin {
 
 /// The running result of a handler: it starts at 0, and the first failure stays.
 class ErrorChain {
@@ -74,4 +74,4 @@ void IgnoreErrors(Body&& body) noexcept {
   }
 }
 
-}  // namespace tarvo
+}  // namespace plugin

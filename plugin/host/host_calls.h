@@ -7,7 +7,7 @@
 #include "plugin/host/suite_handler.h"
 #include "sdk/effect.h"
 
-namespace tarvo {
+namespace plugin {
 
 /// One handler's conversation with the host: suites for its scope and its running result.
 ///
@@ -70,4 +70,4 @@ class HostCalls {
   ErrorChain chain_;
 };
 
-}  // namespace tarvo
+}  // namespace plugin

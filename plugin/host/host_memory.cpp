@@ -4,7 +4,7 @@
 
 #include "plugin/host/error_chain.h"
 
-namespace tarvo {
+namespace plugin {
 
 HostMemory::HostMemory(SuiteHandler& suites, A_HandleSize bytes)
     : memory_(suites.Get<PF_HandleSuite1>()), handle_(memory_.host_new_handle(bytes)) {}
@@ -36,4 +36,4 @@ void DisposeHandle(SuiteHandler& suites, PF_Handle handle) {
   suites.Get<PF_HandleSuite1>().host_dispose_handle(handle);
 }
 
-}  // namespace tarvo
+}  // namespace plugin

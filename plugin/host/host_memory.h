@@ -3,7 +3,7 @@
 #include "plugin/host/suite_handler.h"
 #include "sdk/effect.h"
 
-namespace tarvo {
+namespace plugin {
 
 /// A block of host memory for the length of a scope: (Lock Unlock?)? Release?.
 ///
@@ -37,4 +37,4 @@ class HostMemory {
 /// Gives a handle back to the host. Throws PF_Err_BAD_CALLBACK_PARAM without the handle suite.
 void DisposeHandle(SuiteHandler& suites, PF_Handle handle);
 
-}  // namespace tarvo
+}  // namespace plugin

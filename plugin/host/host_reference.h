@@ -4,7 +4,7 @@
 #include "plugin/host/process.h"
 #include "sdk/aegp_suites.h"
 
-namespace tarvo {
+namespace plugin {
 
 /// A reference that the host hands out and wants back. `Dispose` is the suite operation that takes
 /// it; it runs when the scope ends, whatever the result, and its error counts only if there was
@@ -78,4 +78,4 @@ class StreamValue {
   bool read_ = false;
 };
 
-}  // namespace tarvo
+}  // namespace plugin

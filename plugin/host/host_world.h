@@ -5,7 +5,7 @@
 #include "plugin/host/host_calls.h"
 #include "sdk/effect_suites.h"
 
-namespace tarvo {
+namespace plugin {
 
 /// An 8-bit world that the host makes for us: Make? (Release | Dispose)?. What is neither released
 /// nor disposed of goes back when the scope ends, on whatever path.
@@ -48,4 +48,4 @@ class HostWorld {
   bool made_ = false;
 };
 
-}  // namespace tarvo
+}  // namespace plugin

@@ -6,7 +6,7 @@
 #include "plugin/host/text_field.h"
 #include "sdk/aegp.h"
 
-namespace tarvo {
+namespace plugin {
 
 /// This effect's own match name, under which hosts register it. What companions are told of both
 /// names stands in companion.h.
@@ -28,4 +28,4 @@ class MatchName {
   std::array<A_char, kMatchNameBytes> text_{};
 };
 
-}  // namespace tarvo
+}  // namespace plugin

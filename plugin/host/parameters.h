@@ -2,7 +2,7 @@
 
 #include "sdk/effect.h"
 
-namespace tarvo {
+namespace plugin {
 
 /// Bones that have a pair of depth sliders.
 inline constexpr A_long kBoneCount = 25;
@@ -26,4 +26,4 @@ constexpr PF_ParamIndex StartZIndex(A_long ordinal) { return 2 * ordinal + 1; }
 /// The slider that holds the depth at the end of a bone; `ordinal` counts bones from 0 to 24.
 constexpr PF_ParamIndex EndZIndex(A_long ordinal) { return 2 * ordinal + 2; }
 
-}  // namespace tarvo
+}  // namespace plugin

@@ -1,9 +1,9 @@
 #include "plugin/host/process.h"
 
-namespace tarvo {
+namespace plugin {
 
 SPBasicSuite* gBasicSuite = nullptr;
 AEGP_PluginID gPluginId = 0;
 A_u_long gIdleTicks = 0;
 
-}  // namespace tarvo
+}  // namespace plugin

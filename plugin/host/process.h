@@ -2,7 +2,7 @@
 
 #include "sdk/aegp.h"
 
-namespace tarvo {
+namespace plugin {
 
 /// The host's basic suite, as of the latest call of the entry point. The idle hook, which is called
 /// without any record of the host's, builds its suite access from it.
@@ -15,4 +15,4 @@ extern AEGP_PluginID gPluginId;
 /// idle hook runs on the call that finds 0.
 extern A_u_long gIdleTicks;
 
-}  // namespace tarvo
+}  // namespace plugin

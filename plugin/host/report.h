@@ -2,7 +2,7 @@
 
 #include "sdk/effect.h"
 
-namespace tarvo {
+namespace plugin {
 
 /// Whether the host is asked to put the message before the user at once.
 enum class Display { kNo, kYes };
@@ -21,4 +21,4 @@ void Require(const PF_InData& in, PF_OutData& out, Code code, TextOf textOf,
   throw PF_Err{PF_Err_INTERNAL_STRUCT_DAMAGED};
 }
 
-}  // namespace tarvo
+}  // namespace plugin

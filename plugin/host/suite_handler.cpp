@@ -2,7 +2,7 @@
 
 #include "plugin/host/error_chain.h"
 
-namespace tarvo {
+namespace plugin {
 
 SuiteHandler::SuiteHandler(SPBasicSuite* basicSuite) : basicSuite_(basicSuite) {
   if (basicSuite_ == nullptr) throw PF_Err{PF_Err_BAD_CALLBACK_PARAM};
@@ -28,4 +28,4 @@ const void* SuiteHandler::Acquired(std::size_t place, const char* name, A_long v
   return suites_[place];
 }
 
-}  // namespace tarvo
+}  // namespace plugin

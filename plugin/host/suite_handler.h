@@ -5,7 +5,7 @@
 #include "plugin/host/suite_table.h"
 #include "sdk/basic_suite.h"
 
-namespace tarvo {
+namespace plugin {
 
 /// The host's suites for the length of a scope: each is acquired when first asked for, kept, and
 /// released with the same name and version when the scope ends, the latest first.
@@ -42,4 +42,4 @@ class SuiteHandler {
   std::size_t heldCount_ = 0;
 };
 
-}  // namespace tarvo
+}  // namespace plugin

@@ -7,7 +7,7 @@
 #include "sdk/aegp_suites.h"
 #include "sdk/effect_suites.h"
 
-namespace tarvo {
+namespace plugin {
 
 /// A suite's record with the name and version under which the host registers it.
 template <class SuiteRecord>
@@ -55,4 +55,4 @@ constexpr std::size_t SuitePlace() {
   }
 }
 
-}  // namespace tarvo
+}  // namespace plugin

@@ -2,11 +2,11 @@
 
 #include <window_system.h>
 
-namespace tarvo {
+namespace plugin {
 
 void LimitDrawing(const Area& area) {
   glEnable(GL_SCISSOR_TEST);  // a clear ignores the viewport and would cover the whole target
   glScissor(area.x, area.y, area.width, area.height);
 }
 
-}  // namespace tarvo
+}  // namespace plugin

@@ -2,7 +2,7 @@
 
 #include "sdk/effect.h"
 
-namespace tarvo {
+namespace plugin {
 
 /// A part of the output that the render target can hold, in output pixels.
 struct Tile {
@@ -31,4 +31,4 @@ constexpr Area WholeOf(const Tile& tile) {
 /// [framework's context current]
 void LimitDrawing(const Area& area);
 
-}  // namespace tarvo
+}  // namespace plugin

@@ -6,7 +6,7 @@
 
 #include <window_system.h>
 
-namespace tarvo {
+namespace plugin {
 namespace {
 
 constexpr double kEyeDistance = 3000.0;
@@ -98,4 +98,4 @@ void AimCamera(const Frame& frame, const Tile& tile) {
   SetModelView(frame);
 }
 
-}  // namespace tarvo
+}  // namespace plugin

@@ -4,7 +4,7 @@
 
 #include "plugin/render/frame.h"
 
-namespace tarvo {
+namespace plugin {
 
 /// The output cut into tiles of at most the render target's size, row by row; one tile where the
 /// output fits, none where it has no pixels.
@@ -16,4 +16,4 @@ std::vector<Tile> TilesOf(A_long outWidth, A_long outHeight, A_long targetWidth,
 /// current]
 void AimCamera(const Frame& frame, const Tile& tile);
 
-}  // namespace tarvo
+}  // namespace plugin

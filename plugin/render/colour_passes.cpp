@@ -3,7 +3,7 @@
 #include "plugin/render/draw_quad.h"
 #include "plugin/render/rectangle_texture.h"
 
-namespace tarvo {
+namespace plugin {
 
 using AESDK_OpenGL::AESDK_OpenGL_BindSampler;
 using AESDK_OpenGL::AESDK_OpenGL_SetBlendEquation;
@@ -71,4 +71,4 @@ void RenderColourPasses(Frame& frame, const Tile& tile, OwnershipMaps& maps) {
   DrawPieces(frame, frame.fastTransparency ? nullptr : &maps);
 }
 
-}  // namespace tarvo
+}  // namespace plugin

@@ -3,7 +3,7 @@
 #include "plugin/render/frame.h"
 #include "plugin/render/ownership_maps.h"
 
-namespace tarvo {
+namespace plugin {
 
 /// Draws the pieces of one tile in two passes: the greatest of all pieces, channel by channel, and
 /// over it the pieces from the deepest to the nearest, where only a pixel's owner of each image
@@ -12,4 +12,4 @@ namespace tarvo {
 /// camera aimed]
 void RenderColourPasses(Frame& frame, const Tile& tile, OwnershipMaps& maps);
 
-}  // namespace tarvo
+}  // namespace plugin

@@ -8,7 +8,7 @@
 
 #include "plugin/host/parameters.h"
 
-namespace tarvo {
+namespace plugin {
 namespace {
 
 /// Keeps different Z values far apart, so that the small terms below order pieces only within one.
@@ -102,4 +102,4 @@ std::vector<DrawPiece> BuildDrawList(const Scene& scene, PF_ParamDef* const* par
   return pieces;
 }
 
-}  // namespace tarvo
+}  // namespace plugin

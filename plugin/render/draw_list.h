@@ -4,7 +4,7 @@
 
 #include "plugin/render/frame.h"
 
-namespace tarvo {
+namespace plugin {
 
 /// Sorts by falling depth. The order of equal depths is what this partition gives, and pictures
 /// depend on it: pieces that share a depth keep their places from frame to frame only as long as it
@@ -17,4 +17,4 @@ void SortByFallingDepth(std::vector<DrawPiece>& pieces);
 /// uploaded, are left out.
 std::vector<DrawPiece> BuildDrawList(const Scene& scene, PF_ParamDef* const* params);
 
-}  // namespace tarvo
+}  // namespace plugin

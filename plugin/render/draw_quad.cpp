@@ -1,6 +1,6 @@
 #include "plugin/render/draw_quad.h"
 
-namespace tarvo {
+namespace plugin {
 
 void DrawQuad(const Frame& frame, const DrawPiece& piece, GLfloat coordinate) {
   const SlotImage& image = frame.ImageOf(piece);
@@ -16,4 +16,4 @@ void DrawQuad(const Frame& frame, const DrawPiece& piece, GLfloat coordinate) {
   glEnd();
 }
 
-}  // namespace tarvo
+}  // namespace plugin

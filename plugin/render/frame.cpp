@@ -3,7 +3,7 @@
 #include "plugin/host/parameters.h"
 #include "plugin/host/report.h"
 
-namespace tarvo {
+namespace plugin {
 
 using AESDK_OpenGL::AESDK_OpenGL_Err;
 using AESDK_OpenGL::AESDK_OpenGL_ErrorText;
@@ -27,4 +27,4 @@ void RequireFramework(Frame& frame, AESDK_OpenGL_Err code) {
   Require(frame.in, frame.out, code, AESDK_OpenGL_ErrorText, Display::kYes);
 }
 
-}  // namespace tarvo
+}  // namespace plugin

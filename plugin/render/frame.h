@@ -9,7 +9,7 @@
 #include "plugin/scene/scene.h"
 #include "sdk/effect.h"
 
-namespace tarvo {
+namespace plugin {
 
 /// A piece in the order of drawing.
 struct DrawPiece {
@@ -55,4 +55,4 @@ struct Frame {
 /// user, and PF_Err_INTERNAL_STRUCT_DAMAGED is thrown.
 void RequireFramework(Frame& frame, AESDK_OpenGL::AESDK_OpenGL_Err code);
 
-}  // namespace tarvo
+}  // namespace plugin

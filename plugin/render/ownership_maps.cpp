@@ -8,7 +8,7 @@
 #include "plugin/render/pixel_rows.h"
 #include "plugin/render/rectangle_texture.h"
 
-namespace tarvo {
+namespace plugin {
 
 using AESDK_OpenGL::AESDK_OpenGL_BindSampler;
 using AESDK_OpenGL::AESDK_OpenGL_SetBlendEquation;
@@ -107,4 +107,4 @@ OwnershipMaps RenderOwnershipMaps(Frame& frame, const Tile& tile) {
   return maps;
 }
 
-}  // namespace tarvo
+}  // namespace plugin

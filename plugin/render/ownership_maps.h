@@ -5,7 +5,7 @@
 
 #include "plugin/render/frame.h"
 
-namespace tarvo {
+namespace plugin {
 
 /// Which piece of an image is in front, pixel by pixel of a tile: for every image that has a
 /// texture, the horizontal and the vertical texture coordinate of the front-most piece that covers
@@ -39,4 +39,4 @@ class OwnershipMaps {
 /// [framework's context current, program in use, camera aimed]
 OwnershipMaps RenderOwnershipMaps(Frame& frame, const Tile& tile);
 
-}  // namespace tarvo
+}  // namespace plugin

@@ -5,7 +5,7 @@
 #include <initializer_list>
 #include <limits>
 
-namespace tarvo {
+namespace plugin {
 namespace {
 
 /// Pixels by which the drawn edge may lie beside the corners' place in double precision, and more.
@@ -74,4 +74,4 @@ Area AreaOf(const Frame& frame, const Tile& tile, const std::vector<const DrawPi
   return Box(tile, reachX, reachY);
 }
 
-}  // namespace tarvo
+}  // namespace plugin

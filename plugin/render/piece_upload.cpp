@@ -8,7 +8,7 @@
 #include "plugin/render/pixel_rows.h"
 #include "plugin/render/rectangle_texture.h"
 
-namespace tarvo {
+namespace plugin {
 namespace {
 
 /// Copies the rows of `world` back to back into `packed`. Returns 0, PF_Interrupt_CANCEL if the
@@ -83,4 +83,4 @@ void UploadPieceImages(Frame& frame) {
   }
 }
 
-}  // namespace tarvo
+}  // namespace plugin

@@ -2,7 +2,7 @@
 
 #include "plugin/render/frame.h"
 
-namespace tarvo {
+namespace plugin {
 
 /// Turns every pending image of a slot that has pieces into the slot's texture, with the opacity
 /// that goes with it, and disposes of the image's world. Slots without pieces keep theirs pending.
@@ -14,4 +14,4 @@ namespace tarvo {
 /// PF_Err_BAD_CALLBACK_PARAM without the handle or the world suite; the images then stay pending.
 void UploadPieceImages(Frame& frame);
 
-}  // namespace tarvo
+}  // namespace plugin

@@ -2,7 +2,7 @@
 
 #include "sdk/effect.h"
 
-namespace tarvo {
+namespace plugin {
 
 /// Bytes of an 8-bit pixel: alpha, red, green, blue.
 inline constexpr A_long kPixelBytes = 4;
@@ -21,4 +21,4 @@ inline A_u_char* RowOf(const PF_UtilCallbacks& utils, PF_EffectWorld& world, A_l
   return reinterpret_cast<A_u_char*>(first) + std::ptrdiff_t{row} * world.rowbytes;
 }
 
-}  // namespace tarvo
+}  // namespace plugin

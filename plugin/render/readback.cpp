@@ -7,7 +7,7 @@
 #include "plugin/render/pixel_rows.h"
 #include "plugin/render/rectangle_texture.h"
 
-namespace tarvo {
+namespace plugin {
 
 bool ReadBack(Frame& frame, const Tile& tile) {
   HostMemory buffer(frame.host.Suites(), PackedBytes(tile.width, tile.height));
@@ -29,4 +29,4 @@ bool ReadBack(Frame& frame, const Tile& tile) {
   return true;
 }
 
-}  // namespace tarvo
+}  // namespace plugin

@@ -1,6 +1,6 @@
 #include "plugin/render/rectangle_texture.h"
 
-namespace tarvo {
+namespace plugin {
 namespace {
 
 constexpr GLint kFourComponents = 4;
@@ -26,4 +26,4 @@ void FillBoundTexture(const Area& area, const void* pixels) {
                   GL_UNSIGNED_BYTE, pixels);
 }
 
-}  // namespace tarvo
+}  // namespace plugin

@@ -4,7 +4,7 @@
 
 #include "plugin/render/area.h"
 
-namespace tarvo {
+namespace plugin {
 
 /// Defines level 0 of a rectangle texture from packed rows of host pixels, or without contents if
 /// `pixels` is null, and sets both filters to `filter`. Leaves the texture bound on the active
@@ -23,4 +23,4 @@ void ReadRenderTarget(const Area& area, void* pixels);
 /// Puts packed rows, read by ReadRenderTarget, into the same area of the texture that is bound.
 void FillBoundTexture(const Area& area, const void* pixels);
 
-}  // namespace tarvo
+}  // namespace plugin

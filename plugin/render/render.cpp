@@ -17,7 +17,7 @@
 #include "plugin/scene/scene_store.h"
 #include "plugin/scene/scoped_flag.h"
 
-namespace tarvo {
+namespace plugin {
 
 using AESDK_OpenGL::AESDK_OpenGL_BindRenderTarget;
 using AESDK_OpenGL::AESDK_OpenGL_FramebufferStatusText;
@@ -156,4 +156,4 @@ PF_Err Render(PF_InData& in, PF_OutData& out, PF_ParamDef* const* params, PF_Eff
   return stopped != PF_Err_NONE ? stopped : host.Code();
 }
 
-}  // namespace tarvo
+}  // namespace plugin

@@ -2,7 +2,7 @@
 
 #include "sdk/effect.h"
 
-namespace tarvo {
+namespace plugin {
 
 /// Answers the render command: draws the instance's pieces, deepest first, into `output`, straight
 /// colour, 8 bits a channel. The output keeps a transparent fill wherever the render ends early.
@@ -20,4 +20,4 @@ namespace tarvo {
 /// Throws PF_Err_BAD_CALLBACK_PARAM without a basic suite.
 PF_Err Render(PF_InData& in, PF_OutData& out, PF_ParamDef* const* params, PF_EffectWorld& output);
 
-}  // namespace tarvo
+}  // namespace plugin

@@ -1,6 +1,6 @@
 #pragma once
 
-namespace tarvo {
+namespace plugin {
 
 /// The stages of a frame, in their order. In a frame of several tiles, those from the maps to the
 /// read back take turns.
@@ -18,4 +18,4 @@ enum class FrameStage {
 /// current]
 inline void (*gStageWatch)(FrameStage) = nullptr;
 
-}  // namespace tarvo
+}  // namespace plugin

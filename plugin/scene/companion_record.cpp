@@ -5,7 +5,7 @@
 #include <cstring>
 #include <utility>
 
-namespace tarvo {
+namespace plugin {
 namespace {
 
 /// Effect stacks are far shorter; a record that claims more would only make us grow empty lists.
@@ -67,4 +67,4 @@ void ClearNewImageFlag(void* sender, ImageFamily family) {
   static_cast<std::uint8_t*>(sender)[kImageOffsets[family].newImage] = 0;
 }
 
-}  // namespace tarvo
+}  // namespace plugin

@@ -6,7 +6,7 @@
 
 #include "plugin/scene/scene.h"
 
-namespace tarvo {
+namespace plugin {
 
 /// A companion's record, read once and checked, so that nothing behind it deals with addresses and
 /// unaligned bytes.
@@ -30,4 +30,4 @@ std::optional<CompanionRecord> ReadCompanionRecord(const void* sender);
 /// Clears the flag of one new image in the sender's memory: the image has been taken.
 void ClearNewImageFlag(void* sender, ImageFamily family);
 
-}  // namespace tarvo
+}  // namespace plugin

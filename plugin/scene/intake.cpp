@@ -9,7 +9,7 @@
 #include "plugin/scene/scene_store.h"
 #include "plugin/scene/scoped_flag.h"
 
-namespace tarvo {
+namespace plugin {
 namespace {
 
 constexpr A_long kNoBone = -1;
@@ -115,4 +115,4 @@ PF_Err CompletelyGeneral(PF_InData& in, void* extra) {
   return host.Code();
 }
 
-}  // namespace tarvo
+}  // namespace plugin

@@ -2,7 +2,7 @@
 
 #include "sdk/effect.h"
 
-namespace tarvo {
+namespace plugin {
 
 /// Answers the general command: files the record at `extra` (a CompanionSlot, at any alignment) in
 /// the slot of its sender's place, takes its new images, numbers the layer's switched-on companions
@@ -17,4 +17,4 @@ namespace tarvo {
 /// comes after is not.
 PF_Err CompletelyGeneral(PF_InData& in, void* extra);
 
-}  // namespace tarvo
+}  // namespace plugin

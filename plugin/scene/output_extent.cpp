@@ -6,7 +6,7 @@
 
 #include "plugin/scene/scene_store.h"
 
-namespace tarvo {
+namespace plugin {
 namespace {
 
 constexpr float kFarthest = std::numeric_limits<float>::max();
@@ -112,4 +112,4 @@ PF_Err FrameSetup(PF_InData& in, PF_OutData& out) {
   return PF_Err_NONE;
 }
 
-}  // namespace tarvo
+}  // namespace plugin

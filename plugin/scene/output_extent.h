@@ -4,7 +4,7 @@
 #include "sdk/effect.h"
 #include "tarvo/companion.h"
 
-namespace tarvo {
+namespace plugin {
 
 /// The largest side, in pixels, of an output that the host accepts.
 inline constexpr A_long kLargestSide = TARVO_LONGEST_SIDE;
@@ -37,4 +37,4 @@ OutputExtent ComputeOutputExtent(const Scene& scene, const LayerFrame& layer);
 /// as the host gave it. Always returns 0.
 PF_Err FrameSetup(PF_InData& in, PF_OutData& out);
 
-}  // namespace tarvo
+}  // namespace plugin

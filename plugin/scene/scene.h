@@ -10,7 +10,7 @@
 #include "sdk/effect.h"
 #include "tarvo/companion.h"
 
-namespace tarvo {
+namespace plugin {
 
 /// The two images that a companion may send. Whatever is done for one is done for the other.
 enum ImageFamily : std::size_t { kImageA, kImageB };
@@ -52,4 +52,4 @@ struct Scene {
   std::vector<A_long> boneOrdinal;
 };
 
-}  // namespace tarvo
+}  // namespace plugin

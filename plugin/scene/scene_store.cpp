@@ -8,7 +8,7 @@
 #include "plugin/host/error_chain.h"
 #include "sdk/effect_suites.h"
 
-namespace tarvo {
+namespace plugin {
 namespace {
 
 using AESDK_OpenGL::AESDK_OpenGL_IsCurrent;
@@ -101,4 +101,4 @@ void SceneRegistry::ReleaseAll(SuiteHandler* suites, PF_ProgPtr effectRef) {
   leftOver_.splice(leftOver_.end(), all);
 }
 
-}  // namespace tarvo
+}  // namespace plugin

@@ -6,7 +6,7 @@
 #include "plugin/host/suite_handler.h"
 #include "plugin/scene/scene.h"
 
-namespace tarvo {
+namespace plugin {
 
 /// What an instance's sequence-data handle holds. The host saves and copies these bytes as they
 /// stand, so the pointer in them is followed only after the registry has recognised it.
@@ -49,4 +49,4 @@ class SceneRegistry {
 /// The one registry of the process.
 extern SceneRegistry gScenes;
 
-}  // namespace tarvo
+}  // namespace plugin

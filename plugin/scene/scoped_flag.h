@@ -1,6 +1,6 @@
 #pragma once
 
-namespace tarvo {
+namespace plugin {
 
 /// Sets a flag for a scope. REQUIRES: it is not set.
 class ScopedFlag {
@@ -14,4 +14,4 @@ class ScopedFlag {
   bool& flag_;
 };
 
-}  // namespace tarvo
+}  // namespace plugin

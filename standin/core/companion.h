@@ -14,12 +14,12 @@ inline constexpr int kNudgeParameter = TARVO_NUDGE_PARAMETER;
 /// One image of a companion, and whether the renderer has yet to be given it.
 struct CompanionImage {
   /// A new image: it goes with the next record.
-  void Set(Picture newPicture) {
+  void Set(tarvo::Picture newPicture) {
     picture = std::move(newPicture);
     isNew = true;
   }
 
-  Picture picture;
+  tarvo::Picture picture;
   double opacity = 1.0;
   bool isNew = false;
 };

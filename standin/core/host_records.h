@@ -76,7 +76,7 @@ struct FrameExtent {
 
 struct RenderResult {
   CommandResult command;
-  Picture picture;
+  tarvo::Picture picture;
   /// Pixels that the plug-in left as the host made them (0 when pixels are not inspected).
   std::size_t unwritten = 0;
 };

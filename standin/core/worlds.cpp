@@ -106,27 +106,27 @@ PF_Err Worlds::Dispose(const PF_EffectWorld* record, std::string_view who) {
   return PF_Err_NONE;
 }
 
-PF_EffectWorld Worlds::From(const Picture& picture, const std::string& label) {
+PF_EffectWorld Worlds::From(const tarvo::Picture& picture, const std::string& label) {
   PF_EffectWorld record{};
   if (New(picture.width, picture.height, PF_NewWorldFlag_NONE, label, &record) != PF_Err_NONE) {
     throw std::bad_alloc();
   }
   auto pixels = picture.pixels.begin();
   for (A_long y = 0; y < record.height; ++y, pixels += picture.width) {
-    std::transform(pixels, pixels + picture.width, RowOf(record, y), [](Rgba pixel) {
+    std::transform(pixels, pixels + picture.width, RowOf(record, y), [](tarvo::Rgba pixel) {
       return PF_Pixel{pixel.alpha, pixel.red, pixel.green, pixel.blue};
     });
   }
   return record;
 }
 
-Picture Worlds::ToPicture(const PF_EffectWorld& record) {
-  Picture picture(record.width, record.height);
+tarvo::Picture Worlds::ToPicture(const PF_EffectWorld& record) {
+  tarvo::Picture picture(record.width, record.height);
   auto pixels = picture.pixels.begin();
   for (A_long y = 0; y < record.height; ++y, pixels += record.width) {
     const PF_Pixel* row = RowOf(record, y);
     std::transform(row, row + record.width, pixels, [](PF_Pixel pixel) {
-      return Rgba{pixel.red, pixel.green, pixel.blue, pixel.alpha};
+      return tarvo::Rgba{pixel.red, pixel.green, pixel.blue, pixel.alpha};
     });
   }
   return picture;

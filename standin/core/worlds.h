@@ -33,9 +33,9 @@ class Worlds {
   /// Frees a world. The record itself stays as it is, so that a copy of it elsewhere is no better.
   PF_Err Dispose(const PF_EffectWorld* record, std::string_view who);
   /// A new world with the picture's pixels.
-  PF_EffectWorld From(const Picture& picture, const std::string& label);
+  PF_EffectWorld From(const tarvo::Picture& picture, const std::string& label);
   /// The pixels of a living world.
-  [[nodiscard]] static Picture ToPicture(const PF_EffectWorld& record);
+  [[nodiscard]] static tarvo::Picture ToPicture(const PF_EffectWorld& record);
 
   /// True iff the record names a living world and describes it as it was made; otherwise notes the
   /// misuse.

@@ -7,7 +7,7 @@
 namespace standin {
 
 DynamicLibrary::DynamicLibrary(const std::string& path)
-    : handle_(LoadLibraryW(FilePath(path).Get().c_str())) {
+    : handle_(LoadLibraryW(tarvo::FilePath(path).Get().c_str())) {
   if (handle_ == nullptr) {
     throw PluginLoadError("cannot load the plug-in " + path + ": error " +
                           std::to_string(GetLastError()));

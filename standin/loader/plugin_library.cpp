@@ -17,7 +17,7 @@ std::unique_ptr<DynamicLibrary> Load(const std::string& path) {
 }  // namespace
 
 PluginLibrary::PluginLibrary(const std::string& path)
-    : path_(std::filesystem::absolute(FilePath(path).Get()).string()),
+    : path_(std::filesystem::absolute(tarvo::FilePath(path).Get()).string()),
       library_(Load(path_)),
       entryPoint_(reinterpret_cast<PF_EntryPoint>(library_->Find("EntryPointFunc"))) {
   if (entryPoint_ == nullptr) {

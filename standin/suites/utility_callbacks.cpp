@@ -72,7 +72,7 @@ A_char* Strcpy(Core& core, A_char* to, const A_char* from) {
 
 void PutWidePath(const std::string& path, void* data) {
   std::array<char16_t, kLongestPath> wide{};
-  FilePath(path).Get().u16string().copy(wide.data(), wide.size() - 1);
+  tarvo::FilePath(path).Get().u16string().copy(wide.data(), wide.size() - 1);
   std::memcpy(data, wide.data(), sizeof wide);
 }
 

@@ -29,7 +29,7 @@ TEST(PromisesTest, StandOnThePageAboutChecking) {
     if (name != latest) list += "- `" + name + "`: " + check.promise + "\n";
     latest = name;
   }
-  const std::string page = standin::ReadWholeFile(TARVO_PAGE);
+  const std::string page = tarvo::ReadWholeFile(TARVO_PAGE);
   EXPECT_NE(page.find("## The promises\n\n" + list + "\n#"), std::string::npos)
       << TARVO_PAGE << " must list them so:\n"
       << list;

@@ -78,7 +78,7 @@ std::vector<PieceQuad> AnyPieces(FuzzedDataProvider& bytes) {
   return pieces;
 }
 
-standin::Picture AnyPicture(FuzzedDataProvider& bytes) {
+tarvo::Picture AnyPicture(FuzzedDataProvider& bytes) {
   const int width = bytes.ConsumeIntegralInRange(1, 9);
   const int height = bytes.ConsumeIntegralInRange(1, 9);
   const auto shade = bytes.ConsumeIntegral<std::uint8_t>();

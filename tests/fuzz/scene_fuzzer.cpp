@@ -26,7 +26,7 @@ extern "C" std::size_t LLVMFuzzerMutate(std::uint8_t* data, std::size_t size, st
 namespace {
 
 using fuzz::Finding;
-using standin::Json;
+using tarvo::Json;
 
 // ---- What must hold
 
@@ -36,17 +36,17 @@ void Expect(bool holds, const std::string& otherwise) {
 
 bool IsOpacity(double value) { return value >= 0.0 && value <= 1.0; }
 
-bool IsDepth(double value) { return std::abs(value) <= standin::kDeepestZ; }
+bool IsDepth(double value) { return std::abs(value) <= tarvo::kDeepestZ; }
 
-void ExpectFinite(const standin::Bone& bone) {
-  for (const standin::Piece& piece : bone.pieces) {
-    for (const standin::Point& corner : piece.corners) {
+void ExpectFinite(const tarvo::Bone& bone) {
+  for (const tarvo::Piece& piece : bone.pieces) {
+    for (const tarvo::Point& corner : piece.corners) {
       Expect(std::isfinite(corner.x) && std::isfinite(corner.y), "a corner is no number");
     }
   }
 }
 
-void ExpectBone(const standin::Scene& scene, const standin::Bone& bone) {
+void ExpectBone(const tarvo::Scene& scene, const tarvo::Bone& bone) {
   Expect(bone.image < scene.images.size(), "a bone's image is none of the scene's");
   Expect(!bone.imageB || *bone.imageB < scene.images.size(), "image B is none of the scene's");
   Expect(IsOpacity(bone.opacity) && IsOpacity(bone.opacityB), "an opacity beyond 0 to 1");
@@ -54,33 +54,33 @@ void ExpectBone(const standin::Scene& scene, const standin::Bone& bone) {
   ExpectFinite(bone);
 }
 
-void ExpectScene(const standin::Scene& scene) {
+void ExpectScene(const tarvo::Scene& scene) {
   Expect(scene.width >= 1 && scene.height >= 1, "a layer without a size");
   Expect(scene.stack.size() == scene.bones.size() + scene.effects.size() + 1, "a stack with gaps");
-  for (const standin::Bone& bone : scene.bones) ExpectBone(scene, bone);
-  for (const standin::Setting& setting : scene.settings) {
+  for (const tarvo::Bone& bone : scene.bones) ExpectBone(scene, bone);
+  for (const tarvo::Setting& setting : scene.settings) {
     Expect(std::isfinite(setting.value), "a setting is no number");
   }
 }
 
-PieceQuad ToQuad(const standin::Piece& piece) {
+PieceQuad ToQuad(const tarvo::Piece& piece) {
   PieceQuad quad{};
   std::memcpy(&quad.corners, piece.corners.data(), sizeof quad.corners);
   std::memcpy(&quad.texCoords, piece.texCoords.data(), sizeof quad.texCoords);
   quad.boneT = piece.t;
-  quad.imageSelect = piece.from == standin::ImageChoice::kB ? TARVO_IMAGE_B : TARVO_IMAGE_A;
+  quad.imageSelect = piece.from == tarvo::ImageChoice::kB ? TARVO_IMAGE_B : TARVO_IMAGE_A;
   return quad;
 }
 
 /// The first pieces of the bones that are switched on, in a small frame.
-void Draw(const standin::Scene& scene) {
+void Draw(const tarvo::Scene& scene) {
   constexpr std::size_t kMostBones = 4;
   constexpr std::size_t kMostPieces = 12;
-  std::vector<standin::OverlapBone> bones;
-  for (const std::size_t index : standin::ActiveBones(scene)) {
+  std::vector<tarvo::OverlapBone> bones;
+  for (const std::size_t index : tarvo::ActiveBones(scene)) {
     if (bones.size() == kMostBones) break;
-    const standin::Bone& bone = scene.bones[index];
-    standin::OverlapBone& drawn = bones.emplace_back();
+    const tarvo::Bone& bone = scene.bones[index];
+    tarvo::OverlapBone& drawn = bones.emplace_back();
     drawn.imageA = scene.images[bone.image].picture;
     if (bone.imageB) drawn.imageB = scene.images[*bone.imageB].picture;
     const auto count = static_cast<std::ptrdiff_t>(std::min(bone.pieces.size(), kMostPieces));
@@ -89,7 +89,7 @@ void Draw(const standin::Scene& scene) {
     if (bone.z) std::tie(drawn.startZ, drawn.endZ) = std::pair(bone.z->start, bone.z->end);
   }
   const bool exact = scene.fast.has_value() && !*scene.fast;
-  standin::DrawOverlap({std::move(bones), {.width = 12, .height = 9, .exact = exact}});
+  tarvo::DrawOverlap({std::move(bones), {.width = 12, .height = 9, .exact = exact}});
 }
 
 // ---- Changes that keep most files readable
@@ -209,14 +209,13 @@ extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t s
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   try {
     const std::string text(reinterpret_cast<const char*>(data), size);
-    const standin::Animation animation =
-        standin::ReadAnimation(text, TARVO_FUZZ_IMAGES, "scene.json");
+    const tarvo::Animation animation = tarvo::ReadAnimation(text, TARVO_FUZZ_IMAGES, "scene.json");
     for (const int frame : {0, animation.count / 2, animation.count - 1}) {
-      const standin::Scene scene = standin::SceneAt(animation, frame);
+      const tarvo::Scene scene = tarvo::SceneAt(animation, frame);
       ExpectScene(scene);
       Draw(scene);
     }
-  } catch (const standin::InputError& error) {
+  } catch (const tarvo::InputError& error) {
     Expect(!error.Lines().empty(), "an error without a line");
   }
   return 0;

@@ -275,10 +275,10 @@ TEST_F(GlViewport, IsNoLimitOfAnOutput) {
   for (const bool exact : {false, true}) {
     rig.SetFast(!exact);
     gLargestViewport = 0;
-    const standin::Picture usual = rig.Render().picture;
+    const tarvo::Picture usual = rig.Render().picture;
     gLargestViewport = 100;
-    const standin::Picture beyond = rig.Render().picture;
-    const auto comparison = standin::Compare(beyond, usual, 1);
+    const tarvo::Picture beyond = rig.Render().picture;
+    const auto comparison = tarvo::Compare(beyond, usual, 1);
     EXPECT_LE(comparison.beyond, comparison.compared / 500) << comparison.Text();
   }
 }

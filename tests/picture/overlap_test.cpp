@@ -14,12 +14,12 @@
 namespace {
 
 using check::Piece;
-using standin::Overlap;
-using standin::OverlapBone;
-using standin::OverlapPicture;
-using standin::OverlapView;
-using standin::Picture;
-using standin::Rgba;
+using tarvo::Overlap;
+using tarvo::OverlapBone;
+using tarvo::OverlapPicture;
+using tarvo::OverlapView;
+using tarvo::Picture;
+using tarvo::Rgba;
 
 constexpr check::Box kWholeCut{.left = 1, .top = 1, .width = 6, .height = 6};
 
@@ -122,16 +122,16 @@ TEST(Comparison, CountsAndFindsTheLargestDifferenceWhereItLooks) {
   Picture other = one;
   other.At(1, 0).red = 110;
   other.At(2, 0).alpha = 0;
-  const auto all = standin::Compare(one, other, 10);
+  const auto all = tarvo::Compare(one, other, 10);
   EXPECT_EQ(all.compared, 3U);
   EXPECT_EQ(all.largest, 255);
   EXPECT_EQ(all.beyond, 1U);
   EXPECT_EQ(all.x, 2);
-  EXPECT_EQ(standin::Compare(one, other, 10, {true, true, false}).largest, 10);
+  EXPECT_EQ(tarvo::Compare(one, other, 10, {true, true, false}).largest, 10);
   // A colour that is hardly seen hardly counts: 100 * 5/255 against 50 * 5/255.
   one = Picture(1, 1, {.red = 100, .green = 0, .blue = 0, .alpha = 5});
   other = Picture(1, 1, {.red = 50, .green = 0, .blue = 0, .alpha = 5});
-  EXPECT_EQ(standin::Compare(one, other, 0).largest, 1);
+  EXPECT_EQ(tarvo::Compare(one, other, 0).largest, 1);
 }
 
 }  // namespace

@@ -20,10 +20,10 @@
 namespace {
 
 using check::Box;
+using plugin::Area;
+using plugin::Tile;
 using standin::FrameExtent;
 using standin::FrameRequest;
-using tarvo::Area;
-using tarvo::Tile;
 
 constexpr double kNoNumber = std::numeric_limits<double>::quiet_NaN();
 constexpr Tile kTile{.x = 0, .y = 0, .width = 100, .height = 90};
@@ -40,21 +40,21 @@ class PieceAreaTest : public check::RigTest {
     in.pre_effect_source_origin_y = 0;
     PF_OutData out{};
     PF_ParamDef any{};
-    const std::vector<PF_ParamDef*> params(tarvo::PARAM_COUNT, &any);
+    const std::vector<PF_ParamDef*> params(plugin::PARAM_COUNT, &any);
     PF_EffectWorld output{};
-    tarvo::HostCalls host(in.pica_basicP);
-    tarvo::Scene scene;
-    const tarvo::Frame frame(in, out, params.data(), output, host, scene);
+    plugin::HostCalls host(in.pica_basicP);
+    plugin::Scene scene;
+    const plugin::Frame frame(in, out, params.data(), output, host, scene);
 
     std::deque<PieceQuad> quads;
-    std::deque<tarvo::DrawPiece> pieces;
-    std::vector<const tarvo::DrawPiece*> pointers(boxes.size());
+    std::deque<plugin::DrawPiece> pieces;
+    std::vector<const plugin::DrawPiece*> pointers(boxes.size());
     std::ranges::transform(boxes, pointers.begin(), [&](const Box& box) {
       quads.push_back(check::Piece(box, {}, 0));
       pieces.push_back({&quads.back(), 0, 0, {}});
       return &pieces.back();
     });
-    return tarvo::AreaOf(frame, tile, pointers);
+    return plugin::AreaOf(frame, tile, pointers);
   }
 };
 
@@ -94,7 +94,7 @@ class Boxes : public PieceAreaTest, public ::testing::WithParamInterface<Sight> 
 
   /// Pieces that each lie there twice, so that a pixel without an owner shows, and one without an
   /// area. Widened, each image also has a line all through the frame, which draws nothing.
-  standin::Picture Draw(std::uint32_t seed, bool isWidened) {
+  tarvo::Picture Draw(std::uint32_t seed, bool isWidened) {
     for (std::uint32_t bone = 0; bone < bones_.size(); ++bone) {
       std::vector<PieceQuad> pieces =
           check::WarpedPieces(seed * 10 + bone, 4, GetParam().area, 32, 32);

@@ -9,7 +9,7 @@
 namespace {
 
 using standin::Kind;
-using standin::Rgba;
+using tarvo::Rgba;
 
 constexpr const char* kUtilities = "AEGP Utility Suite";
 constexpr PF_Pixel kRed{255, 200, 0, 0};
@@ -44,7 +44,7 @@ class SampleCompanionTest : public check::RigTest {
     return err;
   }
   Rgba PixelAt(int x, int y) {
-    const standin::Picture picture = rig.Render().picture;
+    const tarvo::Picture picture = rig.Render().picture;
     return picture.At(x + picture.originX, y + picture.originY);
   }
 

@@ -18,7 +18,7 @@ namespace {
 
 using check::Box;
 using check::WarpedPieces;
-using standin::Picture;
+using tarvo::Picture;
 
 class TilesTest : public check::RigTest {
  protected:
@@ -51,8 +51,8 @@ TEST_P(SmallTargets, DrawWhatOneLargeTargetDoes) {
   const Picture tiled = rig.Render().picture;
 
   const auto expected = rig.Expected(untiled);
-  const auto inside = standin::Compare(tiled, untiled, 1, expected.decided);
-  const auto everywhere = standin::Compare(tiled, untiled, 1);
+  const auto inside = tarvo::Compare(tiled, untiled, 1, expected.decided);
+  const auto everywhere = tarvo::Compare(tiled, untiled, 1);
   std::cout << "off the edges " << inside.Text() << "; everywhere " << everywhere.Text() << "\n";
   EXPECT_LE(inside.largest, 1);
   // What coverage decides at an edge may flip, but only here and there.

@@ -15,7 +15,7 @@ namespace {
 /// What follows the field in memory would go on with the name.
 TEST(MatchNameTest, EndsWithItsFieldWithoutATerminator) {
   struct {
-    tarvo::MatchName name;
+    plugin::MatchName name;
     char behind[8] = "x";
   } field;
   const std::string longest(sizeof field.name, 'x');
@@ -26,17 +26,17 @@ TEST(MatchNameTest, EndsWithItsFieldWithoutATerminator) {
 
 TEST(TilesTest, CoverOutputsUpToTheLargestNumber) {
   constexpr A_long kMost = std::numeric_limits<A_long>::max();
-  const auto tiles = tarvo::TilesOf(kMost, 3, 1'000'000'000, 4096);
+  const auto tiles = plugin::TilesOf(kMost, 3, 1'000'000'000, 4096);
   ASSERT_EQ(tiles.size(), 3U);
   std::int64_t covered = 0;
-  for (const tarvo::Tile& tile : tiles) {
+  for (const plugin::Tile& tile : tiles) {
     EXPECT_EQ(tile.x, covered);
     EXPECT_EQ(tile.height, 3);
     covered += tile.width;
   }
   EXPECT_EQ(covered, kMost);
-  EXPECT_TRUE(tarvo::TilesOf(0, 3, 64, 64).empty());
-  EXPECT_TRUE(tarvo::TilesOf(3, 3, 0, 64).empty());
+  EXPECT_TRUE(plugin::TilesOf(0, 3, 64, 64).empty());
+  EXPECT_TRUE(plugin::TilesOf(3, 3, 0, 64).empty());
 }
 
 }  // namespace

@@ -51,7 +51,7 @@ TEST_F(FaultsTest, AMissingRenderTargetIsReportedAndTheNextSetUpMakesIt) {
   EXPECT_EQ(failed.command.code, PF_Err_INTERNAL_STRUCT_DAMAGED);
   EXPECT_EQ(failed.command.message, "OpenGL resources failed to load!");
   EXPECT_TRUE(failed.command.displayMessage);
-  EXPECT_EQ(failed.picture.pixels, standin::Picture(44, 44).pixels);
+  EXPECT_EQ(failed.picture.pixels, tarvo::Picture(44, 44).pixels);
 
   EXPECT_TRUE(host.AddRenderer(TheLayer()).setup.Ok());
   const standin::RenderResult healed = host.Render(renderer);

@@ -7,10 +7,10 @@
 namespace {
 
 TEST(PluginFolderTest, IsThePartBeforeTheLastBackslash) {
-  EXPECT_EQ(tarvo::FolderOf("C:\\Plug-ins\\x.aex"), "C:\\Plug-ins");
-  EXPECT_EQ(tarvo::FolderOf("x.aex"), "x.aex");
+  EXPECT_EQ(plugin::FolderOf("C:\\Plug-ins\\x.aex"), "C:\\Plug-ins");
+  EXPECT_EQ(plugin::FolderOf("x.aex"), "x.aex");
   const auto text = [](const std::string& bytes) {
-    return tarvo::PathText(reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size());
+    return plugin::PathText(reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size());
   };
   EXPECT_EQ(text(std::string("C:\\a\0junk", 9)), "C:\\a");
   EXPECT_EQ(text(std::string("C\0:\0\\\0\xE4\0\0\0", 10)), "C:\\\xC3\xA4");

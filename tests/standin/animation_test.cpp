@@ -10,10 +10,10 @@
 
 namespace {
 
-using standin::Ease;
-using standin::Point;
-using standin::Scene;
-using standin::ShareOfWay;
+using tarvo::Ease;
+using tarvo::Point;
+using tarvo::Scene;
+using tarvo::ShareOfWay;
 
 /// Shares worked out by hand: the curve's point at a parameter s, its x given and its y expected.
 TEST(Animation, EasesAlongTheHandles) {
@@ -65,7 +65,7 @@ constexpr const char* kMoving = R"({
     "fast": [{"frame": 0, "value": true}, {"frame": 7, "value": false}]}})";
 
 TEST(Animation, MovesWhatHasKeysAndNothingElse) {
-  const standin::Animation animation = standin::ReadAnimation(
+  const tarvo::Animation animation = tarvo::ReadAnimation(
       kMoving, std::filesystem::path(TARVO_EXAMPLES) / "broken", "moving.json");
   EXPECT_EQ(animation.rate, 25.0);
   Scene scene = animation.scene;
@@ -82,7 +82,7 @@ TEST(Animation, MovesWhatHasKeysAndNothingElse) {
   EXPECT_EQ(scene.bones[1].opacity, 1.0);  // would swing above
 
   MoveTo(scene, animation, 9);  // half way through its own mirror image: no length
-  for (const standin::Piece& piece : scene.bones[0].pieces) {
+  for (const tarvo::Piece& piece : scene.bones[0].pieces) {
     EXPECT_EQ(piece.corners[0], (Point{40, 45}));
     EXPECT_EQ(piece.corners[2], (Point{40, 45}));
   }

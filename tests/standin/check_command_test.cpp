@@ -51,7 +51,7 @@ TEST_F(CheckCommand, EndsWithAVerdictThatAgreesWithTheExitCode) {
   const std::string verdict = nlohmann::json::parse(notLoaded.out).at("verdict");
   EXPECT_EQ(verdict.rfind("cannot be loaded: ", 0), 0U) << verdict;
   EXPECT_EQ(LastLine(notLoaded.err), verdict);
-  const std::string junit = TextOf(standin::ReadWholeFile(File("unloaded.xml")));
+  const std::string junit = TextOf(tarvo::ReadWholeFile(File("unloaded.xml")));
   EXPECT_NE(junit.find("tests=\"1\" failures=\"0\" errors=\"1\""), std::string::npos) << junit;
   // On Windows all of these are skipped, which must not be called sound.
   const Outcome memory = Run("check --only Memory.*");
@@ -72,7 +72,7 @@ TEST_F(CheckCommand, TellsTheSameInJsonAndJUnit) {
   EXPECT_EQ(json.at("sound"), false);
   EXPECT_EQ(json.at("verdict"), "not sound: 2 failed");
   EXPECT_EQ(json.at("seed"), 7);
-  const std::string junit = TextOf(standin::ReadWholeFile(File("checks.xml")));
+  const std::string junit = TextOf(tarvo::ReadWholeFile(File("checks.xml")));
   EXPECT_NE(junit.find("tests=\"2\" failures=\"2\" errors=\"0\""), std::string::npos) << junit;
   for (const auto& check : json.at("checks")) {
     EXPECT_EQ(check.at("result"), "failed");

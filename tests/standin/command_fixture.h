@@ -33,7 +33,7 @@ class CommandTest : public testing::Test {
     const std::filesystem::path err = folder_ / "stderr";
     const std::string line = command + " >" + Quoted(out.string()) + " 2>" + Quoted(err.string());
     const int code = RunInShell(line);
-    Outcome outcome{code, TextOf(standin::ReadWholeFile(out)), TextOf(standin::ReadWholeFile(err))};
+    Outcome outcome{code, TextOf(tarvo::ReadWholeFile(out)), TextOf(tarvo::ReadWholeFile(err))};
     std::filesystem::remove(out);
     std::filesystem::remove(err);
     return outcome;

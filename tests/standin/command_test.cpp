@@ -10,10 +10,10 @@
 
 namespace {
 
-using standin::Picture;
-using standin::ReadPng;
-using standin::ReadWholeFile;
-using standin::Rgba;
+using tarvo::Picture;
+using tarvo::ReadPng;
+using tarvo::ReadWholeFile;
+using tarvo::Rgba;
 
 constexpr Rgba kRed{200, 30, 30, 255};
 constexpr Rgba kGreen{30, 160, 30, 255};
@@ -46,11 +46,11 @@ constexpr const char* kVeil = R"({
 class RenderCommand : public CommandTest {
  protected:
   RenderCommand() {
-    standin::WritePng(folder_ / "red.png", Picture(32, 32, kRed));
-    standin::WritePng(folder_ / "green.png", Picture(32, 32, kGreen));
-    standin::WritePng(folder_ / "veil.png", Picture(32, 32, {100, 100, 100, 150}));
-    standin::WriteWholeFile(folder_ / "scene.json", kScene);
-    standin::WriteWholeFile(folder_ / "veil.json", kVeil);
+    tarvo::WritePng(folder_ / "red.png", Picture(32, 32, kRed));
+    tarvo::WritePng(folder_ / "green.png", Picture(32, 32, kGreen));
+    tarvo::WritePng(folder_ / "veil.png", Picture(32, 32, {100, 100, 100, 150}));
+    tarvo::WriteWholeFile(folder_ / "scene.json", kScene);
+    tarvo::WriteWholeFile(folder_ / "veil.json", kVeil);
   }
 
   /// Renders a scene of the folder, which must go well, and reads the picture.
@@ -80,15 +80,15 @@ TEST_F(RenderCommand, SaysWhatItMadeInOneLine) {
 
 /// The folder, the scene, its image, the plug-in and the picture: letters of several scripts.
 TEST_F(RenderCommand, FilesMayHaveAnyName) {
-  const standin::FilePath folder((folder_ / "").string() + "B\u00fchne \u6f22\u5b57 \u0416");
+  const tarvo::FilePath folder((folder_ / "").string() + "B\u00fchne \u6f22\u5b57 \u0416");
   std::filesystem::create_directories(folder.Get());
   const auto file = [&](const std::string& name) { return folder.Get().string() + "/" + name; };
   std::string scene = kScene;
   scene.replace(scene.find("red.png"), 7, "r\u00f6d.png");
-  standin::WriteWholeFile(file("s.json"), scene);
+  tarvo::WriteWholeFile(file("s.json"), scene);
   std::filesystem::copy(folder_ / "green.png", folder.Get() / "green.png");
-  std::filesystem::copy(folder_ / "red.png", standin::FilePath(file("r\u00f6d.png")).Get());
-  std::filesystem::copy_file(TARVO_PLUGIN, standin::FilePath(file("\u017c.aex")).Get());
+  std::filesystem::copy(folder_ / "red.png", tarvo::FilePath(file("r\u00f6d.png")).Get());
+  std::filesystem::copy_file(TARVO_PLUGIN, tarvo::FilePath(file("\u017c.aex")).Get());
   const std::string picture = file("\u00e4.png");
   const Outcome outcome = Run("render " + Quoted(file("s.json")) + " --plugin " +
                               Quoted(file("\u017c.aex")) + " -o " + Quoted(picture));
@@ -181,8 +181,8 @@ TEST_F(RenderCommand, RefusesWrongInput) {
 
 TEST_F(RenderCommand, TellsAFaultOfThePluginFromOneOfItsFile) {
   const std::string bare = R"({"size": [40, 30], "bones": []})";
-  standin::WriteWholeFile(folder_ / "bare.json", bare);
-  standin::WriteWholeFile(folder_ / "x.png", "an older picture");
+  tarvo::WriteWholeFile(folder_ / "bare.json", bare);
+  tarvo::WriteWholeFile(folder_ / "x.png", "an older picture");
   const std::string render =
       "render " + Quoted(File("bare.json")) + " -o " + Quoted(File("x.png")) + " --plugin ";
   ExpectFailure(render + Quoted(TARVO_FAILING_PLUGIN), 3, "render returned 512: no paint left\n");
@@ -219,10 +219,10 @@ TEST_F(RenderCommand, NamesMayBeginWithADash) {
 TEST_F(RenderCommand, WritesNoControlCharacters) {
   std::string scene = kScene;
   scene.replace(scene.find("\"Red\""), 5, "\"R\\u001b[2Jd\\n\"");
-  standin::WriteWholeFile(folder_ / "esc.json", scene);
+  tarvo::WriteWholeFile(folder_ / "esc.json", scene);
   std::string wrong = scene;
   wrong.replace(wrong.find("\"image\": \"red\""), 14, "\"image\": \"x\\u009b2J\"");
-  standin::WriteWholeFile(folder_ / "wrong.json", wrong);
+  tarvo::WriteWholeFile(folder_ / "wrong.json", wrong);
   for (const std::string& command :
        {"explain " + Quoted(File("esc.json")), "flips " + Quoted(File("esc.json")),
         "render --trace -o " + Quoted(File("x.png")) + " " + Quoted(File("esc.json")),

@@ -33,16 +33,16 @@ constexpr EscapeCase kEscapeCases[] = {
 
 TEST(EscapedText, HasNothingThatATerminalObeysOrXmlCannotHold) {
   for (const auto& [text, terminal, xml] : kEscapeCases) {
-    EXPECT_EQ(standin::ForTerminal(text), terminal);
-    EXPECT_EQ(standin::ForXml(text), xml);
+    EXPECT_EQ(tarvo::ForTerminal(text), terminal);
+    EXPECT_EQ(tarvo::ForXml(text), xml);
   }
-  EXPECT_EQ(standin::LinesForTerminal("a\nb\r"), "a\nb\\x0D");
-  EXPECT_EQ(standin::ForTerminal("a\nb"), "a\\x0Ab");
+  EXPECT_EQ(tarvo::LinesForTerminal("a\nb\r"), "a\nb\\x0D");
+  EXPECT_EQ(tarvo::ForTerminal("a\nb"), "a\\x0Ab");
 }
 
 TEST(EscapedText, IsCutBetweenCharacters) {
-  EXPECT_EQ(standin::Shortened("abc", 3), "abc");
-  EXPECT_EQ(standin::Shortened("ab\xC3\xA9", 3), "ab…");
+  EXPECT_EQ(tarvo::Shortened("abc", 3), "abc");
+  EXPECT_EQ(tarvo::Shortened("ab\xC3\xA9", 3), "ab…");
 }
 
 }  // namespace

@@ -42,11 +42,11 @@ inline const std::string kRich =
 class Frames : public CommandTest {
  protected:
   Frames() {
-    const std::vector<standin::Rgba> colours = {
+    const std::vector<tarvo::Rgba> colours = {
         {200, 30, 30, 255}, {30, 160, 30, 255}, {30, 30, 200, 255}, {240, 240, 20, 255}};
     for (std::size_t i = 0; i < colours.size(); ++i) {
-      standin::WritePng(folder_ / (std::string(1, static_cast<char>('a' + i)) + ".png"),
-                        standin::Picture(32, 32, colours[i]));
+      tarvo::WritePng(folder_ / (std::string(1, static_cast<char>('a' + i)) + ".png"),
+                      tarvo::Picture(32, 32, colours[i]));
     }
   }
 
@@ -54,7 +54,7 @@ class Frames : public CommandTest {
   [[nodiscard]] Outcome Render(const std::string& scene, const std::string& output,
                                const std::string& options = "",
                                const std::string& before = "") const {
-    standin::WriteWholeFile(folder_ / "scene.json", scene);
+    tarvo::WriteWholeFile(folder_ / "scene.json", scene);
     return Run(Arguments(output, options), before);
   }
 
@@ -65,7 +65,7 @@ class Frames : public CommandTest {
 
   /// A program of this name in the folder, for a PATH that begins with it.
   void Install(const std::string& name, const std::string& script) const {
-    standin::WriteWholeFile(folder_ / name, "#!/bin/sh\n" + script);
+    tarvo::WriteWholeFile(folder_ / name, "#!/bin/sh\n" + script);
     std::filesystem::permissions(folder_ / name, std::filesystem::perms::owner_all);
   }
 
@@ -79,8 +79,8 @@ class Frames : public CommandTest {
   void ExpectSame(const std::string& a, const std::string& b, int first, int last) const {
     for (int frame = first; frame <= last; ++frame) {
       const std::string ending = std::to_string(frame) + ".png";
-      EXPECT_EQ(standin::ReadWholeFile(folder_ / (a + ending)),
-                standin::ReadWholeFile(folder_ / (b + ending)))
+      EXPECT_EQ(tarvo::ReadWholeFile(folder_ / (a + ending)),
+                tarvo::ReadWholeFile(folder_ / (b + ending)))
           << b << ending;
     }
   }

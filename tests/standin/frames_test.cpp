@@ -8,9 +8,9 @@
 
 namespace {
 
-using standin::Picture;
-using standin::ReadPng;
-using standin::ReadWholeFile;
+using tarvo::Picture;
+using tarvo::ReadPng;
+using tarvo::ReadWholeFile;
 
 TEST_F(Frames, AreNotMadeAsOnePictureByAnUnsupportedPattern) {
   for (const std::string output : {"a%0300d.png", "a%x.png", "a.####.png"}) {
@@ -69,20 +69,20 @@ TEST_F(Frames, AFrameIsTheSameWhateverCameBeforeIt) {
   // What is seen, in the middle of the layer: Up is in front; it is half transparent and another
   // image; it is off.
   const auto colour = [&](const char* file) { return ReadPng(folder_ / file).At(30, 20); };
-  EXPECT_EQ(colour("a0.png"), (standin::Rgba{200, 30, 30, 255}));
+  EXPECT_EQ(colour("a0.png"), (tarvo::Rgba{200, 30, 30, 255}));
   EXPECT_NEAR(colour("a3.png").blue, 0.5 * 200 + 0.5 * 30, 2);
-  EXPECT_EQ(colour("a5.png"), (standin::Rgba{30, 160, 30, 255}));
+  EXPECT_EQ(colour("a5.png"), (tarvo::Rgba{30, 160, 30, 255}));
 }
 
 TEST_F(Frames, MakesWhatIsMissing) {
   ASSERT_EQ(Render(kRich, "a%d.png").code, 0);
   ASSERT_EQ(Render(kRich, "b%d.png", "--frames 0-9").code, 0);
   const std::string whole = ReadWholeFile(folder_ / "b4.png");
-  standin::WriteWholeFile(folder_ / "b4.png", std::string_view(whole).substr(0, whole.size() / 2));
+  tarvo::WriteWholeFile(folder_ / "b4.png", std::string_view(whole).substr(0, whole.size() / 2));
   WritePng(folder_ / "b6.png", Picture(59, 40));
   std::string changed = ReadWholeFile(folder_ / "b7.png");
   changed[changed.size() / 2] ^= 1;  // still a PNG to a decoder that believes every byte
-  standin::WriteWholeFile(folder_ / "b7.png", changed);
+  tarvo::WriteWholeFile(folder_ / "b7.png", changed);
   const Outcome outcome = Render(kRich, "b%d.png", "--missing --progress json");
   EXPECT_EQ(outcome.code, 0);
   EXPECT_NE(outcome.out.find(": 5 frames of 60x40 in "), std::string::npos) << outcome.out;

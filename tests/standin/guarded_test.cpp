@@ -11,7 +11,7 @@ namespace {
 
 class Guarded : public Frames {
  protected:
-  Guarded() { standin::WriteWholeFile(folder_ / "scene.json", kEmptyScene); }
+  Guarded() { tarvo::WriteWholeFile(folder_ / "scene.json", kEmptyScene); }
 
   [[nodiscard]] bool IsThere(const std::string& name) const {
     return std::filesystem::exists(File(name));
@@ -57,8 +57,7 @@ TEST_F(Guarded, RenderKeepsTheFramesBeforeAFaultAndSaysWhereItWas) {
       EXPECT_TRUE(Holds(outcome.err, jobs == "1" ? "missing 5-11\n" : "missing 5-11:2\n"))
           << outcome.err;
       for (int frame = 0; frame < 5; ++frame) {
-        const standin::Picture picture =
-            standin::ReadPng(File(name + std::to_string(frame) + ".png"));
+        const tarvo::Picture picture = tarvo::ReadPng(File(name + std::to_string(frame) + ".png"));
         EXPECT_EQ(picture.At(30, 20).red, frame);
       }
       EXPECT_EQ(IsThere(name + "10.png"), jobs == "2") << "the other job's frames";
@@ -78,8 +77,8 @@ TEST_F(Guarded, EveryCommandOnASceneSurvivesAFault) {
 }
 
 TEST_F(Guarded, ASheetMayBeWiderThanAnyOutput) {
-  standin::WriteWholeFile(folder_ / "wide.json",
-                          R"({"size": [320, 8], "bones": [], "frames": {"count": 100}})");
+  tarvo::WriteWholeFile(folder_ / "wide.json",
+                        R"({"size": [320, 8], "bones": [], "frames": {"count": 100}})");
   const Outcome outcome = Run("sheet " + Quoted(File("wide.json")) + " -o " +
                               Quoted(File("wide.png")) + " --columns 100 --frames 0-99");
   EXPECT_EQ(outcome.code, 0) << outcome.err;

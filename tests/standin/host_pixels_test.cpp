@@ -6,9 +6,9 @@
 namespace {
 
 using standin::Books;
-using standin::Picture;
-using standin::Rgba;
 using standin::Worlds;
+using tarvo::Picture;
+using tarvo::Rgba;
 
 /// alpha, red, green, blue: as pixels lie in memory.
 testing::AssertionResult Is(PF_Pixel pixel, int alpha, int red, int green, int blue) {

@@ -20,9 +20,9 @@ using standin::Companion;
 using standin::Host;
 using standin::HostOptions;
 using standin::Kind;
-using standin::Picture;
 using standin::RendererInstance;
-using standin::Rgba;
+using tarvo::Picture;
+using tarvo::Rgba;
 
 constexpr const char* kHandles = "PF Handle Suite";
 constexpr const char* kWorlds = "PF World Suite";

@@ -12,9 +12,9 @@
 
 namespace {
 
-using standin::FileError;
-using standin::Picture;
-using standin::Rgba;
+using tarvo::FileError;
+using tarvo::Picture;
+using tarvo::Rgba;
 
 /// A folder of the test's own, gone at its end.
 class ImageFile : public testing::Test {
@@ -36,26 +36,26 @@ TEST_F(ImageFile, KeepsEveryPixelWithItsAlpha) {
   picture.At(0, 0) = {1, 2, 3, 4};
   picture.At(2, 0) = {255, 128, 0, 0};  // colour under full transparency stays too
   picture.At(1, 1) = {9, 8, 7, 255};
-  standin::WritePng(folder_ / "a.png", picture);
-  EXPECT_EQ(standin::ReadPng(folder_ / "a.png"), picture);
+  tarvo::WritePng(folder_ / "a.png", picture);
+  EXPECT_EQ(tarvo::ReadPng(folder_ / "a.png"), picture);
   EXPECT_EQ(FilesInFolder(), 1U);
 }
 
 TEST_F(ImageFile, LeavesTheFolderAsItWasWhenAPictureCannotBeWritten) {
-  EXPECT_THROW(standin::WritePng(folder_ / "a.png", Picture(0, 5)), FileError);
-  EXPECT_THROW(standin::WritePng(folder_ / "none" / "a.png", Picture(1, 1)), FileError);
+  EXPECT_THROW(tarvo::WritePng(folder_ / "a.png", Picture(0, 5)), FileError);
+  EXPECT_THROW(tarvo::WritePng(folder_ / "none" / "a.png", Picture(1, 1)), FileError);
   std::filesystem::create_directory(folder_ / "a.png");
-  EXPECT_THROW(standin::WritePng(folder_ / "a.png", Picture(1, 1)), FileError);
+  EXPECT_THROW(tarvo::WritePng(folder_ / "a.png", Picture(1, 1)), FileError);
   EXPECT_EQ(FilesInFolder(), 1U);
 }
 
 TEST_F(ImageFile, RefusesEveryShorterPartOfAFile) {
-  standin::WritePng(folder_ / "a.png", Picture(5, 5, Rgba{200, 100, 50, 255}));
-  const std::string bytes = standin::ReadWholeFile(folder_ / "a.png");
+  tarvo::WritePng(folder_ / "a.png", Picture(5, 5, Rgba{200, 100, 50, 255}));
+  const std::string bytes = tarvo::ReadWholeFile(folder_ / "a.png");
   const std::size_t checksumOfEnd = 4;  // not looked at by the decoder
   for (std::size_t length = 0; length + checksumOfEnd < bytes.size(); ++length) {
-    standin::WriteWholeFile(folder_ / "b.png", bytes.substr(0, length));
-    EXPECT_THROW(standin::ReadPng(folder_ / "b.png"), FileError) << length << " bytes";
+    tarvo::WriteWholeFile(folder_ / "b.png", bytes.substr(0, length));
+    EXPECT_THROW(tarvo::ReadPng(folder_ / "b.png"), FileError) << length << " bytes";
   }
 }
 
@@ -97,8 +97,8 @@ std::string WithHeader(const std::string& png, std::uint32_t side, char depth, c
 // The header says how much a picture holds; what is less, far more or too much is told apart before
 // memory is taken for it.
 TEST_F(ImageFile, RefusesWhatIsNotAsLargeAsItsHeaderSays) {
-  const std::string small = standin::EncodePng(Picture(5, 5, Rgba{200, 100, 50, 255}));
-  const std::string large = standin::EncodePng(Picture(700, 700));
+  const std::string small = tarvo::EncodePng(Picture(5, 5, Rgba{200, 100, 50, 255}));
+  const std::string large = tarvo::EncodePng(Picture(700, 700));
   const std::string empty = small.substr(0, 33) + Chunk(std::string("IDAT")) + Chunk("IEND");
   // A whole stream of no data, in a file of 65 bytes.
   const std::string nothing =
@@ -118,20 +118,20 @@ TEST_F(ImageFile, RefusesWhatIsNotAsLargeAsItsHeaderSays) {
   };
   EXPECT_EQ(cases[3].png.size(), 65U);
   for (const auto& [png, message] : cases) {
-    standin::WriteWholeFile(folder_ / "a.png", png);
+    tarvo::WriteWholeFile(folder_ / "a.png", png);
     try {
-      static_cast<void>(standin::ReadPng(folder_ / "a.png"));
+      static_cast<void>(tarvo::ReadPng(folder_ / "a.png"));
       ADD_FAILURE() << "no error: " << message;
     } catch (const FileError& error) {
       EXPECT_TRUE(std::string(error.what()).starts_with(message)) << error.what();
     }
-    EXPECT_FALSE(standin::IsWholePng(folder_ / "a.png", 4, 4));
+    EXPECT_FALSE(tarvo::IsWholePng(folder_ / "a.png", 4, 4));
   }
 }
 
 /// A PNG file of 4 x 4 pixels, all of palette index 1, in chunks of IDAT as they are given.
 std::string Indexed(const std::string& palette, const std::vector<std::string>& data) {
-  const std::string header = WithHeader(standin::EncodePng(Picture(1, 1)), 4, 8, 3).substr(0, 33);
+  const std::string header = WithHeader(tarvo::EncodePng(Picture(1, 1)), 4, 8, 3).substr(0, 33);
   std::string png = header + Chunk("PLTE" + palette);
   for (const std::string& part : data) {
     png += Chunk("IDAT" + part);
@@ -156,15 +156,15 @@ TEST_F(ImageFile, ReadsDataInAnyPartsAndComparesTheirOwnChecksum) {
     bytes.emplace_back(1, byte);
     bytes.emplace_back();
   }
-  standin::WriteWholeFile(folder_ / "a.png", Indexed(palette, bytes));
-  EXPECT_EQ(standin::ReadPng(folder_ / "a.png").At(0, 0), (Rgba{16, 32, 48, 255}));
-  standin::WriteWholeFile(folder_ / "a.png", Indexed(palette.substr(0, 3), {data}));
-  EXPECT_EQ(standin::ReadPng(folder_ / "a.png").At(0, 0), (Rgba{0, 0, 0, 255}))
+  tarvo::WriteWholeFile(folder_ / "a.png", Indexed(palette, bytes));
+  EXPECT_EQ(tarvo::ReadPng(folder_ / "a.png").At(0, 0), (Rgba{16, 32, 48, 255}));
+  tarvo::WriteWholeFile(folder_ / "a.png", Indexed(palette.substr(0, 3), {data}));
+  EXPECT_EQ(tarvo::ReadPng(folder_ / "a.png").At(0, 0), (Rgba{0, 0, 0, 255}))
       << "an index beyond the palette is black";
   std::string damaged = data;
   damaged.back() ^= 1;
-  standin::WriteWholeFile(folder_ / "a.png", Indexed(palette, {damaged}));
-  EXPECT_FALSE(standin::IsWholePng(folder_ / "a.png", 4, 4));
+  tarvo::WriteWholeFile(folder_ / "a.png", Indexed(palette, {damaged}));
+  EXPECT_FALSE(tarvo::IsWholePng(folder_ / "a.png", 4, 4));
 }
 
 }  // namespace

@@ -87,8 +87,8 @@ std::vector<Row> Rows() {
 }
 
 TEST_F(Frames, EndWithTheCodesOfThePage) {
-  standin::WriteWholeFile(folder_ / "scene.json", kEmptyScene);
-  standin::WriteWholeFile(folder_ / "wrong.json", R"({"size": [60], "bones": []})");
+  tarvo::WriteWholeFile(folder_ / "scene.json", kEmptyScene);
+  tarvo::WriteWholeFile(folder_ / "wrong.json", R"({"size": [60], "bones": []})");
   Install("ffmpeg", "exit 7\n");
   std::string table = "| code | when |\n|---|---|\n";
   for (const auto& [code, situation, line, words] : Rows()) {
@@ -97,14 +97,14 @@ TEST_F(Frames, EndWithTheCodesOfThePage) {
 #if defined(__SANITIZE_ADDRESS__)  // which itself needs more memory than is left
     if (line == kShortOfMemory) continue;
 #endif
-    standin::WriteWholeFile(folder_ / "script.sh", "cd " + Quoted(folder_.string()) +
-                                                       "\nrm -f said\ntarvo=" +
-                                                       Quoted(TARVO_COMMAND) + "\n" + line + "\n");
+    tarvo::WriteWholeFile(folder_ / "script.sh",
+                          "cd " + Quoted(folder_.string()) +
+                              "\nrm -f said\ntarvo=" + Quoted(TARVO_COMMAND) + "\n" + line + "\n");
     const Outcome outcome = Shell("sh " + Quoted(File("script.sh")));
     EXPECT_EQ(outcome.code, code) << outcome.err;
     EXPECT_NE(outcome.err.find(words), std::string::npos) << outcome.err;
   }
-  EXPECT_NE(standin::ReadWholeFile(TARVO_EXIT_CODES_PAGE).find("\n\n" + table + "\n"),
+  EXPECT_NE(tarvo::ReadWholeFile(TARVO_EXIT_CODES_PAGE).find("\n\n" + table + "\n"),
             std::string::npos)
       << TARVO_EXIT_CODES_PAGE << " must hold this table:\n"
       << table;

@@ -8,7 +8,7 @@
 
 namespace {
 
-using standin::ReadWholeFile;
+using tarvo::ReadWholeFile;
 
 TEST_F(Frames, GoesOnAfterAnInterruption) {
   const std::string scene =
@@ -16,11 +16,11 @@ TEST_F(Frames, GoesOnAfterAnInterruption) {
   ASSERT_EQ(Render(scene, "a%d.png", "--quiet --jobs 2").code, 0);
   for (const std::string name : {"b", "c"}) {
     const std::string jobs = name == "c" ? " --jobs 2" : "";
-    standin::WriteWholeFile(folder_ / "interrupt.sh",
-                            "env --default-signal=INT " + Quoted(TARVO_COMMAND) + " " +
-                                Arguments(name + "%d.png", jobs) + " & job=$!\nuntil [ -e " +
-                                Quoted(File(name + "1.png")) +
-                                " ]; do sleep 0.01; done\nkill -INT $job; wait $job");
+    tarvo::WriteWholeFile(folder_ / "interrupt.sh",
+                          "env --default-signal=INT " + Quoted(TARVO_COMMAND) + " " +
+                              Arguments(name + "%d.png", jobs) + " & job=$!\nuntil [ -e " +
+                              Quoted(File(name + "1.png")) +
+                              " ]; do sleep 0.01; done\nkill -INT $job; wait $job");
     const Outcome outcome = Shell("sh " + Quoted(File("interrupt.sh")));
     EXPECT_EQ(outcome.code, 130) << outcome.err;
     EXPECT_FALSE(std::filesystem::exists(File(name + "299.png")));
@@ -40,9 +40,9 @@ TEST_F(Frames, GoesOnAfterAnInterruption) {
 
 TEST_F(Frames, OfTwoVersionsOfASceneAreNotMixed) {
   for (const std::string changed : {"scene.json", "a.png"}) {
-    standin::WritePng(folder_ / "new", standin::Picture(32, 32, {1, 2, 3, 255}));
+    tarvo::WritePng(folder_ / "new", tarvo::Picture(32, 32, {1, 2, 3, 255}));
     if (changed == "scene.json") {
-      standin::WriteWholeFile(folder_ / "new", kRich + "\n");
+      tarvo::WriteWholeFile(folder_ / "new", kRich + "\n");
     }
     const Outcome outcome =
         Render(kRich, "x%d.png", "--jobs 2",

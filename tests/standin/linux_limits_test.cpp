@@ -13,7 +13,7 @@ constexpr const char* kSmallScene = R"({"size": [60, 40], "images": {"a": "a.png
 
 class LinuxLimits : public CommandTest {
  protected:
-  LinuxLimits() { standin::WriteWholeFile(folder_ / "scene.json", kSmallScene); }
+  LinuxLimits() { tarvo::WriteWholeFile(folder_ / "scene.json", kSmallScene); }
 
   [[nodiscard]] std::string Render(const std::string& scene) const {
     return "render " + Quoted(scene) + " -o " + Quoted(File("out.png"));
@@ -33,7 +33,7 @@ TEST_F(LinuxLimits, OnlyRegularFilesAreRead) {
     std::filesystem::create_symlink(link, folder_ / "a.png");
     ExpectFailure(Render(File("scene.json")), 2, words);
     // The place of a frame that was made before.
-    EXPECT_FALSE(standin::IsWholePng(folder_ / "a.png", 60, 40));
+    EXPECT_FALSE(tarvo::IsWholePng(folder_ / "a.png", 60, 40));
     std::filesystem::remove(folder_ / "a.png");
   }
   ExpectFailure("diff /dev/zero " + Quoted(File("pipe")), 2, "regular file expected");
@@ -43,7 +43,7 @@ TEST_F(LinuxLimits, JUnitIsXmlWhateverTheTextHolds) {
   const Outcome outcome =
       Run("check \"$(printf 'none\\377\\033]]>')\" --junit " + Quoted(File("x.xml")));
   EXPECT_EQ(outcome.code, 4) << outcome.err;
-  const std::string junit = standin::ReadWholeFile(folder_ / "x.xml");
+  const std::string junit = tarvo::ReadWholeFile(folder_ / "x.xml");
   EXPECT_NE(junit.find("none\xEF\xBF\xBD?]]&gt;"), std::string::npos) << junit;
   EXPECT_EQ(junit.find_first_of("\xFF\x1b"), std::string::npos) << junit;
   EXPECT_NE(outcome.err.find(R"(none\xFF\x1B]]>)"), std::string::npos) << outcome.err;
@@ -53,7 +53,7 @@ TEST_F(LinuxLimits, MemoryThatRunsOutIsTheMachines) {
 #if defined(__SANITIZE_ADDRESS__)
   GTEST_SKIP() << "the address sanitizer itself needs more memory than is left here";
 #endif
-  standin::WritePng(folder_ / "a.png", standin::Picture(6000, 6000));
+  tarvo::WritePng(folder_ / "a.png", tarvo::Picture(6000, 6000));
   ExpectFailure(Render(File("scene.json")), 4,
                 "tarvo: out of memory: a.png: decoding a picture of 6000 x 6000 pixels",
                 "ulimit -v 160000; ");
@@ -62,7 +62,7 @@ TEST_F(LinuxLimits, MemoryThatRunsOutIsTheMachines) {
   for (int i = 0; i < 2'000'000; ++i) {
     many += "[],";
   }
-  standin::WriteWholeFile(folder_ / "many.json", many + "[]]}");
+  tarvo::WriteWholeFile(folder_ / "many.json", many + "[]]}");
   ExpectFailure(Render(File("many.json")), 4, "tarvo: out of memory\n", "ulimit -v 120000; ");
 }
 

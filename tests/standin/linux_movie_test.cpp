@@ -9,7 +9,7 @@
 
 namespace {
 
-using standin::ReadWholeFile;
+using tarvo::ReadWholeFile;
 
 constexpr const char* kFormats[] = {"gif", "webm", "mp4"};
 
@@ -50,9 +50,9 @@ TEST_F(Movies, AMovieThatIsNotWholeIsNoSuccess) {
                         encoder.substr(0, encoder.size() - 1) +
                         " \"$@\" || exit\n"
                         "truncate -s $(( $(stat -c %s \"$file\") * 2 / 3 )) \"$file\"\n");
-  standin::WriteWholeFile(folder_ / "scene.json", kRich);
+  tarvo::WriteWholeFile(folder_ / "scene.json", kRich);
   for (const std::string format : kFormats) {
-    standin::WriteWholeFile(folder_ / ("a." + format), "an older movie");
+    tarvo::WriteWholeFile(folder_ / ("a." + format), "an older movie");
     ExpectFailure(Arguments("a." + format, ""), 2, "a." + format + ": ",
                   "PATH=" + Quoted(folder_.string()) + ":\"$PATH\" ");
     EXPECT_EQ(ReadWholeFile(folder_ / ("a." + format)), "an older movie");

@@ -12,16 +12,16 @@
 
 namespace {
 
-using standin::ReadPng;
-using standin::ReadWholeFile;
+using tarvo::ReadPng;
+using tarvo::ReadWholeFile;
 
 constexpr const char* kAboutCheck = " --only Commands.AboutTellsNameAndVersion";
 
 class LinuxOutputs : public Frames {
  protected:
   LinuxOutputs() {
-    standin::WriteWholeFile(folder_ / "scene.json", kHead + R"({"name": "Up", "image": "a", )" +
-                                                        kCard + R"(}], "frames": {"count": 3}})");
+    tarvo::WriteWholeFile(folder_ / "scene.json", kHead + R"({"name": "Up", "image": "a", )" +
+                                                      kCard + R"(}], "frames": {"count": 3}})");
   }
 
   [[nodiscard]] std::string Command(const std::string& arguments) const {
@@ -79,7 +79,7 @@ TEST_F(LinuxOutputs, KeepLinksModeAndOwnerOfWhatTheyReplace) {
   constexpr uid_t kOwner = 1234;
   const bool givesAway = geteuid() == 0;
   std::filesystem::create_directory(folder_ / "sub");
-  standin::WriteWholeFile(folder_ / "sub" / "o.png", "an older picture");
+  tarvo::WriteWholeFile(folder_ / "sub" / "o.png", "an older picture");
   std::filesystem::create_symlink("sub/o.png", folder_ / "link.png");
   std::filesystem::create_symlink("sub/new.png", folder_ / "dangling.png");
   if (givesAway) {
@@ -188,8 +188,8 @@ TEST_F(LinuxOutputs, AReadThatFailsIsNoEndOfTheFile) {
 }
 
 TEST_F(LinuxOutputs, AreOnTheDiskItselfBeforeSuccessIsSaid) {
-  standin::WriteWholeFile(folder_ / "o.png", "an older picture");
-  standin::WriteWholeFile(folder_ / "f0.png", "an older frame");
+  tarvo::WriteWholeFile(folder_ / "o.png", "an older picture");
+  tarvo::WriteWholeFile(folder_ / "f0.png", "an older frame");
   for (const std::string what : {"file", "folder"}) {
     const std::string before = Preload("PRELOAD_SYNC", what);
     for (const std::string output : {"o.png", "f%d.png"}) {

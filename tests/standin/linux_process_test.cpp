@@ -20,13 +20,13 @@ parts() { ls | grep '\.part$'; }
 
 class Processes : public Frames {
  protected:
-  Processes() { standin::WriteWholeFile(folder_ / "scene.json", kEmptyScene); }
+  Processes() { tarvo::WriteWholeFile(folder_ / "scene.json", kEmptyScene); }
 
   /// Runs a script in the folder, in which $tarvo is the command and `said` none of an earlier one.
   [[nodiscard]] Outcome Script(const std::string& text) const {
-    standin::WriteWholeFile(folder_ / "script.sh",
-                            "cd " + Quoted(folder_.string()) + "\nrm -f said\ntarvo=" +
-                                Quoted(TARVO_COMMAND) + "\n" + kFunctions + text);
+    tarvo::WriteWholeFile(folder_ / "script.sh",
+                          "cd " + Quoted(folder_.string()) + "\nrm -f said\ntarvo=" +
+                              Quoted(TARVO_COMMAND) + "\n" + kFunctions + text);
     return Shell("sh " + Quoted(File("script.sh")));
   }
 };
@@ -212,7 +212,7 @@ TEST_F(Processes, AreRefusedWithASentenceWhenThereAreNoMore) {
 
 TEST_F(Processes, AnInterruptRemovesTheTemporaryFileOfWhateverIsWritten) {
   InstallStoringEncoder();
-  standin::WritePng(folder_ / "a.png", standin::Picture(8, 8));
+  tarvo::WritePng(folder_ / "a.png", tarvo::Picture(8, 8));
   const std::string plugin = " --plugin " + Quoted(TARVO_PRINTING_PLUGIN);
   const std::string commands[] = {
       "render scene.json -o one.png" + plugin, "sheet scene.json -o sheet.png" + plugin,

@@ -8,11 +8,11 @@ namespace {
 
 TEST_F(Frames, WatchFollowsSavesAndKeepsTheLastGoodPicture) {
   const std::string still = kHead + R"({"name": "Up", "image": "a", )" + kCard + "}]}";
-  standin::WriteWholeFile(folder_ / "scene.json", still);
-  standin::WriteWholeFile(folder_ / "watch.sh", "cd " + Quoted(folder_.string()) + "\n" + "cp " +
-                                                    Quoted(TARVO_COMMAND) + " tarvo\n" +
-                                                    "plugin=" + Quoted(TARVO_PLUGIN) +
-                                                    R"(
+  tarvo::WriteWholeFile(folder_ / "scene.json", still);
+  tarvo::WriteWholeFile(folder_ / "watch.sh", "cd " + Quoted(folder_.string()) + "\n" + "cp " +
+                                                  Quoted(TARVO_COMMAND) + " tarvo\n" +
+                                                  "plugin=" + Quoted(TARVO_PLUGIN) +
+                                                  R"(
 env --default-signal=INT ./tarvo watch scene.json -o out.png --plugin "$plugin" 2>said & job=$!
 await() { tries=0; until "$@" >made 2>&1; do sleep 0.02; tries=$((tries + 1))
   if [ $tries -gt 1500 ]; then echo "in vain: $*" >>said; kill $job; exit 99; fi; done; }
@@ -38,21 +38,21 @@ await changed third.png
 kill -INT $job; wait $job
 )");
   const Outcome outcome = Shell("sh " + Quoted(File("watch.sh")));
-  const std::string said = standin::ReadWholeFile(folder_ / "said");
+  const std::string said = tarvo::ReadWholeFile(folder_ / "said");
   EXPECT_EQ(outcome.code, 0) << said;
   EXPECT_NE(outcome.out.find("kept\n"), std::string::npos) << outcome.out;
   EXPECT_NE(outcome.out.find("out.png: "), std::string::npos) << outcome.out;
   EXPECT_NE(said.find("scene.json: line 1"), std::string::npos) << said;
-  const standin::Rgba middle = standin::ReadPng(folder_ / "second.png").At(20, 20);
+  const tarvo::Rgba middle = tarvo::ReadPng(folder_ / "second.png").At(20, 20);
   EXPECT_EQ(middle.green, 160) << "the image that was saved is not the one that is drawn";
 }
 
 // The command is stopped while something happens, so that the interrupt comes before it has seen
 // it.
 TEST_F(Frames, WatchMakesALostPictureAgainAndSaysWhenItCouldNot) {
-  standin::WriteWholeFile(folder_ / "scene.json", Moving(2, ""));
-  standin::WriteWholeFile(folder_ / "watch.sh", "cd " + Quoted(folder_.string()) +
-                                                    "\ntarvo=" + Quoted(TARVO_COMMAND) + R"(
+  tarvo::WriteWholeFile(folder_ / "scene.json", Moving(2, ""));
+  tarvo::WriteWholeFile(folder_ / "watch.sh",
+                        "cd " + Quoted(folder_.string()) + "\ntarvo=" + Quoted(TARVO_COMMAND) + R"(
 await() { tries=0; until "$@" >made 2>&1; do sleep 0.02; tries=$((tries + 1))
   if [ $tries -gt 1500 ]; then echo "in vain: $*"; kill $job; exit 99; fi; done; }
 start() { rm -f told; env --default-signal=INT "$tarvo" watch scene.json -o out.png 2>said >told & job=$!
@@ -81,7 +81,7 @@ done
 }
 
 TEST_F(Frames, WatchRefusesWhatItCouldNeverMake) {
-  standin::WriteWholeFile(folder_ / "scene.json", Moving(2, ""));
+  tarvo::WriteWholeFile(folder_ / "scene.json", Moving(2, ""));
   const std::string watch = "watch " + Quoted(File("scene.json")) + " -o ";
   for (const std::string output : {"f%d.png", "f.gif", "-"}) {
     ExpectFailure(watch + output, 2, "name of one picture");

@@ -8,7 +8,7 @@
 
 namespace {
 
-using standin::ReadWholeFile;
+using tarvo::ReadWholeFile;
 
 /// A file that a command reads under one name and would make under another.
 struct Collision {
@@ -19,8 +19,8 @@ struct Collision {
 class Outputs : public Frames {
  protected:
   Outputs() {
-    standin::WriteWholeFile(folder_ / "scene.json", kHead + R"({"name": "Up", "image": "a", )" +
-                                                        kCard + R"(}], "frames": {"count": 3}})");
+    tarvo::WriteWholeFile(folder_ / "scene.json", kHead + R"({"name": "Up", "image": "a", )" +
+                                                      kCard + R"(}], "frames": {"count": 3}})");
     std::filesystem::copy_file(TARVO_PLUGIN, folder_ / "plugin.png");
   }
 
@@ -73,7 +73,7 @@ TEST_F(Outputs, NeverTakeThePlaceOfWhatIsRead) {
 TEST_F(Outputs, ANameEndsWhereItEnds) {
   std::string scene = ReadWholeFile(folder_ / "scene.json");
   scene.replace(scene.find("a.png"), 5, "a.png\\u0000b");
-  standin::WriteWholeFile(folder_ / "scene.json", scene);
+  tarvo::WriteWholeFile(folder_ / "scene.json", scene);
   ExpectFailure(Arguments("a.png", ""), 2, "file name expected, one with a zero byte given");
 }
 
@@ -90,7 +90,7 @@ TEST_F(Outputs, NoFileIsCalledNothing) {
 
 TEST_F(Outputs, AReadOnlyFileStays) {
   const auto protect = [this](const std::string& name) {
-    standin::WriteWholeFile(folder_ / name, "protected");
+    tarvo::WriteWholeFile(folder_ / name, "protected");
     std::filesystem::permissions(folder_ / name, std::filesystem::perms::owner_read);
   };
   for (const std::string name : {"o.png", "f1.png", "o.gif", "o.xml"}) {

@@ -7,7 +7,7 @@
 
 namespace {
 
-using standin::PlacedPiece;
+using tarvo::PlacedPiece;
 
 /// Squares of 10 pixels, each so far to the right of the one before.
 std::vector<PlacedPiece> Squares(std::size_t count, double step) {
@@ -36,7 +36,7 @@ TEST(OverlapPairs, AreFoundInTimeThatDependsOnThem) {
   for (const auto& [count, step, most, areAll, found] : cases) {
     const std::vector<PlacedPiece> pieces = Squares(count, step);
     std::size_t visited = 0;
-    const standin::OverlapPairs pairs(pieces.data(), pieces.data() + pieces.size());
+    const tarvo::OverlapPairs pairs(pieces.data(), pieces.data() + pieces.size());
     EXPECT_EQ(pairs.ForEach(most,
                             [&](const PlacedPiece& one, const PlacedPiece& other) {
                               EXPECT_NE(one.index, other.index);

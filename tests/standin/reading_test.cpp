@@ -12,8 +12,8 @@
 namespace {
 
 using nlohmann::json;
-using standin::Picture;
-using standin::Rgba;
+using tarvo::Picture;
+using tarvo::Rgba;
 
 std::string Example(const std::string& name) {
   return Quoted(std::string(TARVO_EXAMPLES) + "/" + name + "/" + name + ".json");
@@ -43,7 +43,7 @@ class Reading : public CommandTest {
   Reading() {
     WritePng(folder_ / "red.png", Picture(32, 32, {200, 0, 0, 255}));
     WritePng(folder_ / "green.png", Picture(32, 32, {0, 160, 0, 255}));
-    standin::WriteWholeFile(folder_ / "scene.json", kCrossing);
+    tarvo::WriteWholeFile(folder_ / "scene.json", kCrossing);
   }
 
   [[nodiscard]] json RunJson(const std::string& arguments) const {
@@ -152,7 +152,7 @@ TEST_F(Reading, DiffEndsWithWhatItFound) {
                              "difference is 3, first at (7, 3)"),
             std::string::npos)
       << differs.out;
-  const Picture beside = standin::ReadPng(folder_ / "d.png");
+  const Picture beside = tarvo::ReadPng(folder_ / "d.png");
   EXPECT_EQ(beside.width, 3 * 20 + 2 * 8);
   EXPECT_EQ(beside.At(2 * 28 + 7, 3), (Rgba{255, 3, 3, 255}));
   EXPECT_EQ(beside.At(2 * 28 + 8, 3), (Rgba{0, 0, 0, 255}));
@@ -167,7 +167,7 @@ TEST_F(Reading, ShowsDepthAndOwnersInFalseColours) {
     const Outcome outcome =
         Run("render " + Scene() + " --layer --show " + what + " -o " + Quoted(File("out.png")));
     EXPECT_EQ(outcome.code, 0) << outcome.err;
-    return standin::ReadPng(folder_ / "out.png");
+    return tarvo::ReadPng(folder_ / "out.png");
   };
   // Near the upper edge, clear of legends and tags: Red alone, Red before Green, Green alone.
   const Picture depth = shown("depth");
@@ -188,7 +188,7 @@ TEST_F(Reading, SheetHoldsACellForEveryFrameModeAndValue) {
     const Outcome outcome =
         Run("sheet " + Scene() + " -o " + Quoted(File("s.png")) + " --cell 60 " + options);
     EXPECT_EQ(outcome.code, 0) << outcome.err;
-    return standin::ReadPng(folder_ / "s.png");
+    return tarvo::ReadPng(folder_ / "s.png");
   };
   const Picture sweep = made("--sweep \"Green start Z=-9..9:4\" --background white");
   EXPECT_EQ(sweep.width, 4 * 68 + 8);

@@ -10,9 +10,9 @@
 
 namespace {
 
-using standin::InputError;
-using standin::Scene;
-using EntryKind = standin::StackEntry::Kind;
+using tarvo::InputError;
+using tarvo::Scene;
+using EntryKind = tarvo::StackEntry::Kind;
 
 const std::filesystem::path kImageFolder = std::filesystem::path(TARVO_EXAMPLES) / "broken";
 
@@ -34,7 +34,7 @@ constexpr const char* kFull = R"({
                "poseWidth": [12, 4], "pieces": 3}}]})";
 
 Scene Read(const std::string& text) {
-  return standin::ReadAnimation(text, kImageFolder, "scene.json").scene;
+  return tarvo::ReadAnimation(text, kImageFolder, "scene.json").scene;
 }
 
 std::string Faults(const std::string& text) {
@@ -62,7 +62,7 @@ TEST(SceneFile, ReadsEverythingThatASceneSays) {
   EXPECT_EQ(scene.settings[0].place, R"(scene.json: set["B start Z"])");
 
   ASSERT_EQ(scene.bones.size(), 2U);
-  const standin::Bone& first = scene.bones[0];
+  const tarvo::Bone& first = scene.bones[0];
   EXPECT_EQ(first.image, 1U);
   EXPECT_EQ(first.imageB, 0U);
   EXPECT_EQ(first.opacity, 0.25);
@@ -71,18 +71,18 @@ TEST(SceneFile, ReadsEverythingThatASceneSays) {
   EXPECT_EQ(first.z->start, 2.0);
   EXPECT_EQ(first.z->end, -1.0);
   ASSERT_EQ(first.pieces.size(), 1U);
-  EXPECT_EQ(first.pieces[0].corners[3], (standin::Point{7, 8}));
-  EXPECT_EQ(first.pieces[0].texCoords[0], (standin::Point{9, 10}));
+  EXPECT_EQ(first.pieces[0].corners[3], (tarvo::Point{7, 8}));
+  EXPECT_EQ(first.pieces[0].texCoords[0], (tarvo::Point{9, 10}));
   EXPECT_EQ(first.pieces[0].t, -0.5);
-  EXPECT_EQ(first.pieces[0].from, standin::ImageChoice::kB);
+  EXPECT_EQ(first.pieces[0].from, tarvo::ImageChoice::kB);
 
-  const standin::Bone& second = scene.bones[1];
+  const tarvo::Bone& second = scene.bones[1];
   EXPECT_FALSE(second.active);
   EXPECT_EQ(second.z->start, 7.0);
   EXPECT_EQ(second.z->end, 7.0);
   ASSERT_EQ(second.pieces.size(), 3U);
-  EXPECT_EQ(second.pieces[0].corners[0], (standin::Point{6, 0}));
-  EXPECT_EQ(second.pieces[2].corners[2], (standin::Point{-2, 50}));
+  EXPECT_EQ(second.pieces[0].corners[0], (tarvo::Point{6, 0}));
+  EXPECT_EQ(second.pieces[2].corners[2], (tarvo::Point{-2, 50}));
 }
 
 TEST(SceneFile, FillsTheStackWithBonesAroundWhatHasAPlace) {
@@ -104,7 +104,7 @@ TEST(SceneFile, AStripIsAsWideAsItsRestAndHasEightPiecesUnlessSaid) {
        "pose": [[0, 0], [0, 10], [0, 20], [0, 80]]}}]})");
   const auto& pieces = scene.bones[0].pieces;
   ASSERT_EQ(pieces.size(), 8U);
-  EXPECT_EQ(pieces[0].corners[0], (standin::Point{5, 0}));
+  EXPECT_EQ(pieces[0].corners[0], (tarvo::Point{5, 0}));
   EXPECT_NEAR(pieces[3].corners[1].y, 40, 1e-6);  // half of the length, not of the parameter
   EXPECT_FALSE(scene.bones[0].z.has_value());
 }
@@ -191,9 +191,9 @@ TEST(SceneFile, AnswersForManyOfEverything) {
             kMany);
   const std::string keyed = Repeated(
       kMany, [](const std::string& i) { return "\"l" + i + R"(": [{"frame": 0, "value": 1}])"; });
-  const standin::Animation animation = standin::ReadAnimation(
+  const tarvo::Animation animation = tarvo::ReadAnimation(
       WithBones(1, R"("frames": {"count": 2, "set": {)" + keyed + "}}, "), kImageFolder, "s.json");
-  EXPECT_EQ(standin::SceneAt(animation, 1).settings.size(), kMany);
+  EXPECT_EQ(tarvo::SceneAt(animation, 1).settings.size(), kMany);
   // No bone has this name, and the many that there are would all be compared with it.
   EXPECT_NE(Faults(WithBones(4096, R"("frames": {"count": 2, "bones": {)" +
                                        Repeated(kMany,

@@ -142,16 +142,16 @@ TEST_F(SecondInterface, ParametersArriveInTheHost) {
 TEST_F(SecondInterface, CommandsAndFramesAreTheSame) {
   EXPECT_TRUE(host.SetParameter(*renderer, 3, 3).Ok());
   EXPECT_TRUE(host.UpdateParamsUi(*renderer).Ok());
-  const standin::Picture frame = host.Render(*renderer, {.downsampleX = 2,
-                                                         .downsampleY = 4,
-                                                         .downsampleNumerator = 3,
-                                                         .preEffectOriginX = 6,
-                                                         .preEffectOriginY = 7,
-                                                         .time = 9})
-                                     .picture;
+  const tarvo::Picture frame = host.Render(*renderer, {.downsampleX = 2,
+                                                       .downsampleY = 4,
+                                                       .downsampleNumerator = 3,
+                                                       .preEffectOriginX = 6,
+                                                       .preEffectOriginY = 7,
+                                                       .time = 9})
+                                   .picture;
   EXPECT_EQ((std::vector<int>{frame.width, frame.height, frame.originX, frame.originY}),
             (std::vector<int>{4, 3, -2, 5}));
-  EXPECT_EQ(frame.At(1, 2), (standin::Rgba{2, 3, 4, 255}));
+  EXPECT_EQ(frame.At(1, 2), (tarvo::Rgba{2, 3, 4, 255}));
   host.Duplicate(*renderer);
   host.Close();
   EXPECT_EQ(second::Commands(),

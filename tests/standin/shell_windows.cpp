@@ -6,7 +6,7 @@
 
 int RunInShell(const std::string& line) {
   // The shell takes the outermost quotes away. A path turns UTF-8 into the system's wide letters.
-  return _wsystem(standin::FilePath("\"" + line + "\"").Get().c_str());
+  return _wsystem(tarvo::FilePath("\"" + line + "\"").Get().c_str());
 }
 
 std::string TextOf(std::string printed) {

@@ -11,12 +11,12 @@
 
 namespace {
 
-using standin::Band;
-using standin::CutStrip;
-using standin::Piece;
-using standin::Point;
-using standin::StraightCurve;
-using standin::Strip;
+using tarvo::Band;
+using tarvo::CutStrip;
+using tarvo::Piece;
+using tarvo::Point;
+using tarvo::StraightCurve;
+using tarvo::Strip;
 
 const Band kRest{StraightCurve({10, 20}, {110, 20}), 8, 8};
 
@@ -81,7 +81,7 @@ TEST_P(EveryStrip, CutsStandAtEqualDistancesAlongTheCurve) {
   const std::vector<Piece> pieces = CutStrip(strip);
   strip.pieces *= kFiner;
   const std::vector<Piece> finer = CutStrip(strip);
-  const double share = standin::CurveLength(strip.pose.middle) / static_cast<double>(pieces.size());
+  const double share = tarvo::CurveLength(strip.pose.middle) / static_cast<double>(pieces.size());
   double walked = 0;
   for (std::size_t i = 0; i < finer.size(); ++i) {
     const Point from = Middle(finer[i].corners[0], finer[i].corners[3]);
@@ -112,10 +112,10 @@ TEST(Strip, KeepsLeftLeftAndGoesAroundEachPiece) {
 }
 
 TEST(Strip, PlacesEachPieceAtItsMiddleAlongTheBone) {
-  const std::vector<Piece> pieces = CutStrip({kRest, kRest, 4, standin::ImageChoice::kB});
+  const std::vector<Piece> pieces = CutStrip({kRest, kRest, 4, tarvo::ImageChoice::kB});
   for (std::size_t i = 0; i < pieces.size(); ++i) {
     EXPECT_DOUBLE_EQ(pieces[i].t, (static_cast<double>(i) + 0.5) / 4);
-    EXPECT_EQ(pieces[i].from, standin::ImageChoice::kB);
+    EXPECT_EQ(pieces[i].from, tarvo::ImageChoice::kB);
   }
 }
 

@@ -19,9 +19,9 @@ TEST(WatchedFiles, ReadTheirFileOnlyWhenItWasSavedOrReplaced) {
   std::filesystem::create_directories(folder);
   const std::filesystem::path scene = folder / "scene.json";
   const std::filesystem::path image = folder / "a.png";
-  standin::WriteWholeFile(scene, "one");
+  tarvo::WriteWholeFile(scene, "one");
   int readings = 0;
-  standin::WatchedFiles files(scene, [&](const std::filesystem::path& file) {
+  tarvo::WatchedFiles files(scene, [&](const std::filesystem::path& file) {
     ++readings;
     return Files{file, image};
   });
@@ -29,12 +29,12 @@ TEST(WatchedFiles, ReadTheirFileOnlyWhenItWasSavedOrReplaced) {
     EXPECT_FALSE(files.Look());
   }
   EXPECT_EQ(readings, 1);
-  standin::WriteWholeFile(image, "pixels");  // came
+  tarvo::WriteWholeFile(image, "pixels");  // came
   EXPECT_TRUE(files.Look());
   EXPECT_EQ(readings, 1);
   // Another file of the same size and the same time takes the scene's place.
   const auto saved = std::filesystem::last_write_time(scene);
-  standin::WriteWholeFile(folder / "other.json", "two");
+  tarvo::WriteWholeFile(folder / "other.json", "two");
   std::filesystem::last_write_time(folder / "other.json", saved);
   std::filesystem::rename(folder / "other.json", scene);
   EXPECT_EQ(std::filesystem::last_write_time(scene), saved);

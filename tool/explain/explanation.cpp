@@ -8,19 +8,19 @@
 #include "tool/reference/overlap_pairs.h"
 #include "tool/rig/active_bones.h"
 
-namespace standin {
+namespace tarvo {
 namespace {
 
 /// Whether the user can turn a parameter to a value: the list leaves out buttons and groups.
-bool HasValue(const Parameter& parameter) {
+bool HasValue(const standin::Parameter& parameter) {
   const auto type = parameter.definition.param_type;
   return type == PF_Param_FLOAT_SLIDER || type == PF_Param_CHECKBOX || type == PF_Param_POPUP;
 }
 
-std::vector<SliderRow> SlidersOf(const RendererInstance& renderer, std::size_t bones) {
+std::vector<SliderRow> SlidersOf(const standin::RendererInstance& renderer, std::size_t bones) {
   std::vector<SliderRow> rows;
   for (std::size_t i = 0; i < renderer.parameters.size(); ++i) {
-    const Parameter& parameter = renderer.parameters[i];
+    const standin::Parameter& parameter = renderer.parameters[i];
     if (!HasValue(parameter)) {
       continue;
     }
@@ -103,9 +103,9 @@ bool Explanation::IsTied(std::size_t piece) const {
   return after != ties.begin() && piece <= (after - 1)->last;
 }
 
-Explanation Explain(const Host& host, const Scene& scene, const Picture& frame,
+Explanation Explain(const standin::Host& host, const Scene& scene, const Picture& frame,
                     const std::optional<std::pair<int, int>>& pixel) {
-  const RendererInstance& renderer = PlayedRenderer(host);
+  const standin::RendererInstance& renderer = PlayedRenderer(host);
   const OverlapView layer{.exact = IsExact(renderer)};
   Explanation explanation{.overlap = Overlap(BonesOn(PlayedLayer(host), renderer), layer)};
   explanation.sliders = SlidersOf(renderer, explanation.overlap.Bones().size());
@@ -129,4 +129,4 @@ const char* WordFor(Precedence precedence) {
   return "";
 }
 
-}  // namespace standin
+}  // namespace tarvo

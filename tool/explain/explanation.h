@@ -13,7 +13,7 @@
 /// \file
 /// Why the pieces of a frame lie as they do: what `tarvo explain` says.
 
-namespace standin {
+namespace tarvo {
 
 /// A parameter of the renderer as the user sees it.
 struct SliderRow {
@@ -56,7 +56,7 @@ struct Explanation {
 
 /// Explains the frame that a performance of `scene` has just rendered at full resolution on this
 /// host; `pixel`, if given, is the layer's pixel to be told.
-Explanation Explain(const Host& host, const Scene& scene, const Picture& frame,
+Explanation Explain(const standin::Host& host, const Scene& scene, const Picture& frame,
                     const std::optional<std::pair<int, int>>& pixel);
 
 /// What to call a place in the order: 1 is the front.
@@ -72,4 +72,4 @@ std::string ExplanationText(const Explanation& explanation);
 /// As JSON; docs/explain.md describes its form.
 std::string ExplanationJson(const Explanation& explanation);
 
-}  // namespace standin
+}  // namespace tarvo

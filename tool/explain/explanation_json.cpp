@@ -5,7 +5,7 @@
 #include "base/image/compare.h"
 #include "tool/explain/explanation.h"
 
-namespace standin {
+namespace tarvo {
 namespace {
 
 Json ToJson(Rgba colour) { return {colour.red, colour.green, colour.blue, colour.alpha}; }
@@ -89,4 +89,4 @@ std::string ExplanationJson(const Explanation& explanation) {
   return json.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
 }
 
-}  // namespace standin
+}  // namespace tarvo

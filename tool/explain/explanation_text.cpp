@@ -6,7 +6,7 @@
 #include "base/image/compare.h"
 #include "tool/explain/explanation.h"
 
-namespace standin {
+namespace tarvo {
 namespace {
 
 std::string Channels(const Colour& colour) {
@@ -169,4 +169,4 @@ class Writer {
 
 std::string ExplanationText(const Explanation& explanation) { return Writer(explanation).Write(); }
 
-}  // namespace standin
+}  // namespace tarvo

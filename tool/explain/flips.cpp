@@ -11,7 +11,7 @@
 #include "tool/reference/overlap_pairs.h"
 #include "tool/rig/active_bones.h"
 
-namespace standin {
+namespace tarvo {
 namespace {
 
 /// Alpha from which a piece counts as having something to show.
@@ -87,7 +87,7 @@ FlipFinder::FlipFinder(const Animation& animation)
   }
 }
 
-void FlipFinder::Follow(int frame, const Host& host) {
+void FlipFinder::Follow(int frame, const standin::Host& host) {
   MoveTo(scene_, animation_, frame);
   Moment now = Look(scene_, host);
   if (!last_.empty()) {
@@ -97,8 +97,8 @@ void FlipFinder::Follow(int frame, const Host& host) {
   last_.push_back(std::move(now));
 }
 
-FlipFinder::Moment FlipFinder::Look(const Scene& scene, const Host& host) {
-  const RendererInstance& renderer = PlayedRenderer(host);
+FlipFinder::Moment FlipFinder::Look(const Scene& scene, const standin::Host& host) {
+  const standin::RendererInstance& renderer = PlayedRenderer(host);
   const std::vector<std::size_t> bones = ActiveBones(scene);
   Moment moment(Overlap(BonesOn(PlayedLayer(host), renderer), {}));
   const auto& pieces = moment.overlap.Pieces();
@@ -210,4 +210,4 @@ void FlipFinder::AddMover(const std::string& label, std::size_t bone, double ZPa
   }
 }
 
-}  // namespace standin
+}  // namespace tarvo

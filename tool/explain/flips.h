@@ -15,7 +15,7 @@
 /// \file
 /// Frames of an animation at which bones that lie on one another change places.
 
-namespace standin {
+namespace tarvo {
 
 /// A keyed value that had a part in a flip, and its keys around the frame.
 struct FlipTrack {
@@ -51,7 +51,7 @@ class FlipFinder {
   /// The next frame, which a performance has just rendered on this host. Throws InputError when
   /// more pieces lie on one another than can be followed. REQUIRES: frames are followed in their
   /// order, none left out.
-  void Follow(int frame, const Host& host);
+  void Follow(int frame, const standin::Host& host);
 
   [[nodiscard]] const std::vector<Flip>& Flips() const { return flips_; }
 
@@ -75,7 +75,7 @@ class FlipFinder {
     std::map<std::size_t, std::array<Slider, 2>> sliders;  ///< of a bone: start Z, end Z
   };
 
-  static Moment Look(const Scene& scene, const Host& host);
+  static Moment Look(const Scene& scene, const standin::Host& host);
   static void FindTouching(const std::vector<std::size_t>& bones, Moment& moment);
   void Compare(const Moment& before, const Moment& now, int frame);
   void Explain(Flip& flip, const Moment& before, const Moment& now) const;
@@ -95,4 +95,4 @@ std::string FlipsText(const Animation& animation, const std::vector<Flip>& flips
 /// As JSON; docs/explain.md describes its form.
 std::string FlipsJson(const Animation& animation, const std::vector<Flip>& flips);
 
-}  // namespace standin
+}  // namespace tarvo

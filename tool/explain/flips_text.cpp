@@ -5,7 +5,7 @@
 #include "base/files/text_table.h"
 #include "tool/explain/flips.h"
 
-namespace standin {
+namespace tarvo {
 namespace {
 
 const char* WordFor(Flip::Cause cause) {
@@ -91,4 +91,4 @@ std::string FlipsJson(const Animation& animation, const std::vector<Flip>& flips
   return json.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
 }
 
-}  // namespace standin
+}  // namespace tarvo

@@ -14,7 +14,7 @@
 #include "base/image/colour.h"
 #include "tool/reference/overlap_picture.h"
 
-namespace standin {
+namespace tarvo {
 namespace {
 
 constexpr Rgba kWhite{255, 255, 255, 255};
@@ -275,4 +275,4 @@ Picture Show(Sight sight, const Picture& frame, const Overlap& overlap, int laye
   return frame;
 }
 
-}  // namespace standin
+}  // namespace tarvo

@@ -6,7 +6,7 @@
 #include "base/image/picture.h"
 #include "tool/reference/overlap.h"
 
-namespace standin {
+namespace tarvo {
 
 /// What to show of the overlap.
 enum class Sight {
@@ -26,4 +26,4 @@ inline constexpr const char* kSightWords = "bones, pieces, depth or owner";
 Picture Show(Sight sight, const Picture& frame, const Overlap& overlap, int layerWidth,
              int layerHeight);
 
-}  // namespace standin
+}  // namespace tarvo

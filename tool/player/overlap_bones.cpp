@@ -5,21 +5,21 @@
 
 #include "tool/rig/active_bones.h"
 
-namespace standin {
+namespace tarvo {
 namespace {
 
 constexpr std::size_t kFastTransparency = 53;
 
-double ValueOf(const RendererInstance& renderer, std::size_t index) {
+double ValueOf(const standin::RendererInstance& renderer, std::size_t index) {
   return renderer.parameters.at(index).Value();
 }
 
 }  // namespace
 
-std::vector<const Companion*> ActiveCompanions(const Layer& layer) {
-  std::vector<const Companion*> active;
+std::vector<const standin::Companion*> ActiveCompanions(const standin::Layer& layer) {
+  std::vector<const standin::Companion*> active;
   for (const auto& effect : layer.effects) {
-    const auto* companion = dynamic_cast<const Companion*>(effect.get());
+    const auto* companion = dynamic_cast<const standin::Companion*>(effect.get());
     if (companion != nullptr && companion->active) {
       active.push_back(companion);
     }
@@ -27,9 +27,10 @@ std::vector<const Companion*> ActiveCompanions(const Layer& layer) {
   return active;
 }
 
-std::vector<OverlapBone> BonesOn(const Layer& layer, const RendererInstance& renderer) {
+std::vector<OverlapBone> BonesOn(const standin::Layer& layer,
+                                 const standin::RendererInstance& renderer) {
   std::vector<OverlapBone> bones;
-  for (const Companion* companion : ActiveCompanions(layer)) {
+  for (const standin::Companion* companion : ActiveCompanions(layer)) {
     const auto start = static_cast<std::size_t>(StartSliderOf(bones.size()));
     bones.push_back({.name = companion->groupName,
                      .pieces = companion->pieces,
@@ -43,12 +44,12 @@ std::vector<OverlapBone> BonesOn(const Layer& layer, const RendererInstance& ren
   return bones;
 }
 
-bool IsExact(const RendererInstance& renderer) {
+bool IsExact(const standin::RendererInstance& renderer) {
   return ValueOf(renderer, kFastTransparency) == 0.0;
 }
 
-OverlapView ViewOf(const Picture& picture, const RendererInstance& renderer,
-                   const FrameRequest& request) {
+OverlapView ViewOf(const Picture& picture, const standin::RendererInstance& renderer,
+                   const standin::FrameRequest& request) {
   return {.width = picture.width,
           .height = picture.height,
           .scaleX = 1.0 / request.downsampleX,
@@ -58,24 +59,24 @@ OverlapView ViewOf(const Picture& picture, const RendererInstance& renderer,
           .exact = IsExact(renderer)};
 }
 
-const Layer& PlayedLayer(const Host& host) {
+const standin::Layer& PlayedLayer(const standin::Host& host) {
   return host.project.ActiveComposition()->layers.front();
 }
 
-const RendererInstance& PlayedRenderer(const Host& host) {
+const standin::RendererInstance& PlayedRenderer(const standin::Host& host) {
   for (const auto& effect : PlayedLayer(host).effects) {
-    if (const auto* renderer = dynamic_cast<const RendererInstance*>(effect.get())) {
+    if (const auto* renderer = dynamic_cast<const standin::RendererInstance*>(effect.get())) {
       return *renderer;
     }
   }
   throw std::logic_error("no renderer on the layer");
 }
 
-Overlap OverlapNow(const Host& host, const Picture& frame, int downsample) {
-  const RendererInstance& renderer = PlayedRenderer(host);
+Overlap OverlapNow(const standin::Host& host, const Picture& frame, int downsample) {
+  const standin::RendererInstance& renderer = PlayedRenderer(host);
   const auto denominator = static_cast<A_u_long>(downsample);
-  const FrameRequest request{.downsampleX = denominator, .downsampleY = denominator};
+  const standin::FrameRequest request{.downsampleX = denominator, .downsampleY = denominator};
   return {BonesOn(PlayedLayer(host), renderer), ViewOf(frame, renderer, request)};
 }
 
-}  // namespace standin
+}  // namespace tarvo

@@ -6,29 +6,30 @@
 #include "standin/host/host.h"
 #include "tool/reference/overlap.h"
 
-namespace standin {
+namespace tarvo {
 
 /// True iff the renderer's "Fast transparency" is off.
-bool IsExact(const RendererInstance& renderer);
+bool IsExact(const standin::RendererInstance& renderer);
 
 /// The companions that are switched on, from the top of the stack: bone number o at index o.
-std::vector<const Companion*> ActiveCompanions(const Layer& layer);
+std::vector<const standin::Companion*> ActiveCompanions(const standin::Layer& layer);
 
 /// The bones of a layer as their companions hold them now and the renderer's sliders stand. Right
 /// for a frame when every companion has sent what it holds.
-std::vector<OverlapBone> BonesOn(const Layer& layer, const RendererInstance& renderer);
+std::vector<OverlapBone> BonesOn(const standin::Layer& layer,
+                                 const standin::RendererInstance& renderer);
 
 /// The view of a frame that a host rendered: its size and origin are the picture's. Where an effect
 /// before the renderer has grown the layer, the request says by how much.
-OverlapView ViewOf(const Picture& picture, const RendererInstance& renderer,
-                   const FrameRequest& request = {});
+OverlapView ViewOf(const Picture& picture, const standin::RendererInstance& renderer,
+                   const standin::FrameRequest& request = {});
 
 /// How the pieces lie in the frame that a performance has just rendered on this host.
 /// REQUIRES: the host's layer holds one renderer, as a performance makes it.
-Overlap OverlapNow(const Host& host, const Picture& frame, int downsample = 1);
+Overlap OverlapNow(const standin::Host& host, const Picture& frame, int downsample = 1);
 
 /// The one layer of a performance, and the renderer on it.
-const Layer& PlayedLayer(const Host& host);
-const RendererInstance& PlayedRenderer(const Host& host);
+const standin::Layer& PlayedLayer(const standin::Host& host);
+const standin::RendererInstance& PlayedRenderer(const standin::Host& host);
 
-}  // namespace standin
+}  // namespace tarvo

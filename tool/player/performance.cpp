@@ -14,13 +14,13 @@
 #include "tool/player/performance_settings.h"
 #include "tool/rig/active_bones.h"
 
-namespace standin {
+namespace tarvo {
 namespace {
 
 constexpr const char* kFastLabel = "Fast transparency";
 
 /// "render returned 512: OpenGL resources failed to load!"
-std::string Complaint(std::string_view step, const CommandResult& result) {
+std::string Complaint(std::string_view step, const standin::CommandResult& result) {
   std::string line(step);
   line += result.escaped ? " let an exception escape" : " returned " + std::to_string(result.code);
   if (!result.message.empty()) {
@@ -30,7 +30,7 @@ std::string Complaint(std::string_view step, const CommandResult& result) {
   return line;
 }
 
-void Expect(std::string_view step, const CommandResult& result) {
+void Expect(std::string_view step, const standin::CommandResult& result) {
   if (result.code == PF_Err_OUT_OF_MEMORY) {
     throw OutOfMemory(Complaint(step, result));
   }
@@ -67,7 +67,7 @@ bool AreSame(const std::vector<PieceQuad>& a, const std::vector<PieceQuad>& b) {
 }
 
 /// What is to be said of a life that is over; nothing if all went well.
-std::vector<std::string> Findings(const Host& host, std::vector<std::string> complaints) {
+std::vector<std::string> Findings(const standin::Host& host, std::vector<std::string> complaints) {
   const auto& misuses = host.books.Misuses();
   complaints.insert(complaints.end(), misuses.begin(), misuses.end());
   if (!complaints.empty()) {
@@ -84,13 +84,13 @@ int HostTime(const Animation& animation, int frame) {
 }
 
 /// Everything but the end of the host.
-Traffic Run(Host& host, const Animation& animation, const std::vector<int>& frames,
+Traffic Run(standin::Host& host, const Animation& animation, const std::vector<int>& frames,
             const PlayOptions& options, const TakeFrame& take) {
   Scene scene = animation.scene;
   Performance performance(host, scene);
   bool isOpen = false;
   for (const int frame : frames) {
-    NoteFrame(frame);
+    standin::NoteFrame(frame);
     MoveTo(scene, animation, frame);
     if (isOpen) {
       performance.GoOn(options);
@@ -113,14 +113,14 @@ PluginError::PluginError(std::vector<std::string> faultLines)
     : std::runtime_error(faultLines.empty() ? "" : faultLines.front()),
       lines_(std::move(faultLines)) {}
 
-Performance::Performance(Host& host, const Scene& scene) : host_(host), scene_(scene) {}
+Performance::Performance(standin::Host& host, const Scene& scene) : host_(host), scene_(scene) {}
 
 void Performance::Open() {
   Expect("global set-up", host_.GlobalSetup());
   Expect("the set-up of parameters", host_.ParamsSetup());
   BuildStack();
   Expect("sequence set-up", renderer_->setup);
-  CommandResult idle;
+  standin::CommandResult idle;
   idle.code = host_.Idle();
   Expect("the idle hook", idle);
   UpdateLabels();
@@ -132,9 +132,9 @@ void Performance::Open() {
 }
 
 void Performance::BuildStack() {
-  Composition& composition = host_.project.AddComposition("Scene");
+  standin::Composition& composition = host_.project.AddComposition("Scene");
   host_.project.Activate(composition);
-  Layer& layer = composition.AddLayer("Rig", scene_.width, scene_.height);
+  standin::Layer& layer = composition.AddLayer("Rig", scene_.width, scene_.height);
   for (const StackEntry& entry : scene_.stack) {
     switch (entry.kind) {
       case StackEntry::Kind::kBone:
@@ -142,7 +142,7 @@ void Performance::BuildStack() {
         break;
       case StackEntry::Kind::kOther: {
         const OtherEffect& other = scene_.effects[entry.index];
-        Effect& effect = host_.AddEffect(layer, other.matchName);
+        standin::Effect& effect = host_.AddEffect(layer, other.matchName);
         effect.groupName = other.name;
         effect.active = other.active;
         break;
@@ -154,8 +154,8 @@ void Performance::BuildStack() {
   }
 }
 
-void Performance::AddBone(Layer& layer, std::size_t bone) {
-  Companion& companion = host_.AddCompanion(layer, scene_.bones[bone].name);
+void Performance::AddBone(standin::Layer& layer, std::size_t bone) {
+  standin::Companion& companion = host_.AddCompanion(layer, scene_.bones[bone].name);
   companion.active = scene_.bones[bone].active;
   actors_.push_back({.bone = bone, .companion = &companion, .answered = companion.NudgeCounter()});
   Dress(actors_.back());
@@ -174,7 +174,8 @@ void Performance::Dress(Actor& actor) {
   }
 }
 
-void Performance::Show(CompanionImage& image, Shown& shown, const Shown& wanted, Actor& actor) {
+void Performance::Show(standin::CompanionImage& image, Shown& shown, const Shown& wanted,
+                       Actor& actor) {
   if (!wanted.image || wanted == shown) {
     return;
   }
@@ -185,7 +186,7 @@ void Performance::Show(CompanionImage& image, Shown& shown, const Shown& wanted,
 }
 
 void Performance::Send(Actor& actor) {
-  const SendResult result = host_.Send(*actor.companion, *renderer_);
+  const standin::SendResult result = host_.Send(*actor.companion, *renderer_);
   Expect("the message of " + actor.companion->groupName, result.command);
   actor.answered = actor.companion->NudgeCounter();
   actor.hasNews = false;
@@ -233,7 +234,7 @@ void Performance::MoveSliders(const PlayOptions& options) {
     wanted[change.index] = change.value;
   }
   for (const auto& [index, value] : wanted) {
-    const Parameter& parameter = renderer_->parameters[static_cast<std::size_t>(index)];
+    const standin::Parameter& parameter = renderer_->parameters[static_cast<std::size_t>(index)];
     if (parameter.Value() != value) {
       moved_.insert(index);
       Expect("the change of " + parameter.Name(), host_.SetParameter(*renderer_, index, value));
@@ -271,9 +272,10 @@ std::vector<ParameterChange> Performance::Changes(const PlayOptions& options) co
 
 PlayedFrame Performance::Render(int downsample, int time) {
   const auto denominator = static_cast<A_u_long>(downsample);
-  const FrameRequest request{.downsampleX = denominator, .downsampleY = denominator, .time = time};
+  const standin::FrameRequest request{
+      .downsampleX = denominator, .downsampleY = denominator, .time = time};
   const auto start = std::chrono::steady_clock::now();
-  RenderResult result = host_.Render(*renderer_, request);
+  standin::RenderResult result = host_.Render(*renderer_, request);
   const std::chrono::duration<double, std::milli> spent = std::chrono::steady_clock::now() - start;
   Expect("render", result.command);
   PlayedFrame frame{.picture = std::move(result.picture), .milliseconds = spent.count()};
@@ -283,7 +285,7 @@ PlayedFrame Performance::Render(int downsample, int time) {
   return frame;
 }
 
-PlayedFrame Play(Host& host, const Scene& scene, const PlayOptions& options) {
+PlayedFrame Play(standin::Host& host, const Scene& scene, const PlayOptions& options) {
   Animation still;
   still.scene = scene;
   PlayedFrame frame;
@@ -294,7 +296,7 @@ PlayedFrame Play(Host& host, const Scene& scene, const PlayOptions& options) {
   return frame;
 }
 
-Traffic PlayFrames(Host& host, const Animation& animation, const std::vector<int>& frames,
+Traffic PlayFrames(standin::Host& host, const Animation& animation, const std::vector<int>& frames,
                    const PlayOptions& options, const TakeFrame& take) {
   Traffic traffic;
   std::vector<std::string> complaints;
@@ -313,4 +315,4 @@ Traffic PlayFrames(Host& host, const Animation& animation, const std::vector<int
   return traffic;
 }
 
-}  // namespace standin
+}  // namespace tarvo

@@ -14,7 +14,7 @@
 #include "tool/rig/animation.h"
 #include "tool/rig/scene.h"
 
-namespace standin {
+namespace tarvo {
 
 /// The host lowers its resolution to at most 1/99.
 inline constexpr int kCoarsestDownsample = 99;
@@ -59,7 +59,7 @@ class PluginError : public std::runtime_error {
 class Performance {
  public:
   /// REQUIRES: host and scene outlive this object; the host is as it was made.
-  Performance(Host& host, const Scene& scene);
+  Performance(standin::Host& host, const Scene& scene);
 
   /// Global set-up, parameters, the effect stack with the renderer's sequence set-up, idle time,
   /// the update of labels, and the first message of every active companion.
@@ -92,7 +92,7 @@ class Performance {
   /// The companion of a bone, and where it stands.
   struct Actor {
     std::size_t bone = 0;  ///< index into Scene::bones
-    Companion* companion = nullptr;
+    standin::Companion* companion = nullptr;
     double answered = 0.0;  ///< its counter when it last sent
     Shown imageA;
     Shown imageB;
@@ -100,19 +100,19 @@ class Performance {
   };
 
   void BuildStack();
-  void AddBone(Layer& layer, std::size_t bone);
+  void AddBone(standin::Layer& layer, std::size_t bone);
   /// Makes the companion look as its bone does in the scene.
   void Dress(Actor& actor);
-  void Show(CompanionImage& image, Shown& shown, const Shown& wanted, Actor& actor);
+  void Show(standin::CompanionImage& image, Shown& shown, const Shown& wanted, Actor& actor);
   void Send(Actor& actor);
   void UpdateLabels();
   void MoveSliders(const PlayOptions& options);
   void ExpectDeclared(int index) const;
   [[nodiscard]] std::vector<ParameterChange> Changes(const PlayOptions& options) const;
 
-  Host& host_;
+  standin::Host& host_;
   const Scene& scene_;
-  RendererInstance* renderer_ = nullptr;
+  standin::RendererInstance* renderer_ = nullptr;
   std::vector<Actor> actors_;  ///< from the top
   std::set<int> moved_;        ///< parameters that were ever moved
   Traffic sent_;
@@ -122,7 +122,7 @@ class Performance {
 /// for a setting that fits no slider, OutOfMemory where the plug-in answered that its memory ran
 /// out, and PluginError for any other error answered and for every rule that the host found broken
 /// until the end, leaks among them.
-PlayedFrame Play(Host& host, const Scene& scene, const PlayOptions& options);
+PlayedFrame Play(standin::Host& host, const Scene& scene, const PlayOptions& options);
 
 /// Takes a frame that was made; false ends the play after it.
 using TakeFrame = std::function<bool(int number, PlayedFrame frame)>;
@@ -131,7 +131,7 @@ using TakeFrame = std::function<bool(int number, PlayedFrame frame)>;
 /// at once. Throws as Play does, and OutOfMemory also instead of an error that the plug-in answered
 /// because this host's memory had run out; a broken rule ends the play before its frame is handed
 /// on. REQUIRES: every frame is one of the animation's.
-Traffic PlayFrames(Host& host, const Animation& animation, const std::vector<int>& frames,
+Traffic PlayFrames(standin::Host& host, const Animation& animation, const std::vector<int>& frames,
                    const PlayOptions& options, const TakeFrame& take);
 
-}  // namespace standin
+}  // namespace tarvo

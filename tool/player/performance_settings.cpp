@@ -11,7 +11,7 @@
 #include "base/files/nearest_word.h"
 #include "base/files/text_table.h"
 
-namespace standin {
+namespace tarvo {
 namespace {
 
 /// The values that a parameter takes; none when a user cannot set it.
@@ -29,7 +29,7 @@ struct Values {
   }
 };
 
-std::optional<Values> ValuesOf(const Parameter& parameter) {
+std::optional<Values> ValuesOf(const standin::Parameter& parameter) {
   switch (const auto& definition = parameter.definition; definition.param_type) {
     case PF_Param_FLOAT_SLIDER:
       return Values{definition.u.fs_d.valid_min, definition.u.fs_d.valid_max, false};
@@ -45,7 +45,7 @@ std::optional<Values> ValuesOf(const Parameter& parameter) {
 /// What a user sees of an effect's parameters.
 class Panel {
  public:
-  explicit Panel(const std::vector<Parameter>& parameters) : parameters_(parameters) {
+  explicit Panel(const std::vector<standin::Parameter>& parameters) : parameters_(parameters) {
     for (std::size_t i = 0; i < parameters.size(); ++i) {
       if (IsSeen(i)) {
         labels_.Add(parameters[i].Name());
@@ -82,9 +82,10 @@ class Panel {
     if (isOnlyCounted) {
       return "";
     }
-    const bool isHidden = std::ranges::any_of(parameters_, [&](const Parameter& parameter) {
-      return parameter.Hidden() && parameter.Name() == label;
-    });
+    const bool isHidden =
+        std::ranges::any_of(parameters_, [&](const standin::Parameter& parameter) {
+          return parameter.Hidden() && parameter.Name() == label;
+        });
     return (isHidden ? "the slider of this label is hidden" : "no slider has this label") +
            NearestHint(label, labels_.Names());
   }
@@ -94,14 +95,14 @@ class Panel {
            "\"; give the bones different names, or set their z";
   }
 
-  const std::vector<Parameter>& parameters_;
+  const std::vector<standin::Parameter>& parameters_;
   NameIndex labels_;               ///< of the parameters that a user sees
   std::vector<std::size_t> seen_;  ///< index of each of them
 };
 
 }  // namespace
 
-std::vector<ParameterChange> FindParameters(const std::vector<Parameter>& parameters,
+std::vector<ParameterChange> FindParameters(const std::vector<standin::Parameter>& parameters,
                                             const std::vector<Setting>& settings) {
   const Panel panel(parameters);
   std::vector<ParameterChange> changes;
@@ -117,4 +118,4 @@ std::vector<ParameterChange> FindParameters(const std::vector<Parameter>& parame
   return changes;
 }
 
-}  // namespace standin
+}  // namespace tarvo

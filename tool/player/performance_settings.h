@@ -5,7 +5,7 @@
 #include "standin/core/project.h"
 #include "tool/rig/scene.h"
 
-namespace standin {
+namespace tarvo {
 
 /// A parameter and the value it is given.
 struct ParameterChange {
@@ -16,7 +16,7 @@ struct ParameterChange {
 /// Finds the parameters that a user means by the labels read on the screen. Throws InputError with
 /// a line for every setting whose label no visible slider, checkbox or popup bears, or several do,
 /// or whose value that one does not take. Checkboxes take 0 and 1, popups the number of a choice.
-std::vector<ParameterChange> FindParameters(const std::vector<Parameter>& parameters,
+std::vector<ParameterChange> FindParameters(const std::vector<standin::Parameter>& parameters,
                                             const std::vector<Setting>& settings);
 
-}  // namespace standin
+}  // namespace tarvo

@@ -3,7 +3,7 @@
 #include <iterator>
 #include <utility>
 
-namespace standin {
+namespace tarvo {
 namespace {
 
 constexpr double kLeastFall = 1e-4;  // Z, from start to end of a bone
@@ -139,4 +139,4 @@ Precedence WhyInFront(const PlacedPiece& front, const PlacedPiece& behind) {
   return front.ownDepth == behind.ownDepth ? Precedence::kBoneNumber : Precedence::kDepth;
 }
 
-}  // namespace standin
+}  // namespace tarvo

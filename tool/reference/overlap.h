@@ -16,7 +16,7 @@
 /// order, and what covers a place. It shares nothing with the plug-in but the meaning of the
 /// records and of the sliders, so that each can be held against the other.
 
-namespace standin {
+namespace tarvo {
 
 /// Depth units of a Z of 1: far more than the ordinals of bones add up to.
 inline constexpr double kDepthPerZ = 1e6;
@@ -104,4 +104,4 @@ class Overlap {
 /// Why `front` is drawn after `behind`. REQUIRES: it is.
 Precedence WhyInFront(const PlacedPiece& front, const PlacedPiece& behind);
 
-}  // namespace standin
+}  // namespace tarvo

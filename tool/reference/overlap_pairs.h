@@ -6,7 +6,7 @@
 
 #include "tool/reference/overlap.h"
 
-namespace standin {
+namespace tarvo {
 
 /// Looks through the pairs of pieces whose boxes lie on one another: a sweep from left to right
 /// that compares a piece with those alone whose columns it shares. The worst case, all pieces in
@@ -56,4 +56,4 @@ class OverlapPairs {
 /// Pairs of pieces that are compared in one frame at most: a second or so.
 inline constexpr std::size_t kMostComparisons = 200'000'000;
 
-}  // namespace standin
+}  // namespace tarvo

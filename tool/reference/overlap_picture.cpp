@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 
-namespace standin {
+namespace tarvo {
 namespace {
 
 Point CentreOfPixel(int x, int y) { return {x + 0.5, y + 0.5}; }
@@ -76,4 +76,4 @@ OverlapPicture DrawOverlap(const Overlap& overlap) {
   return drawn;
 }
 
-}  // namespace standin
+}  // namespace tarvo

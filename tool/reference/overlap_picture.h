@@ -10,7 +10,7 @@
 /// \file
 /// Whole frames as the stand-in's own model would draw them.
 
-namespace standin {
+namespace tarvo {
 
 /// Calls `visit` for every pixel of the frame, row by row, with the fragments at its centre,
 /// deepest first.
@@ -27,4 +27,4 @@ struct OverlapPicture {
 /// What the frame should look like.
 OverlapPicture DrawOverlap(const Overlap& overlap);
 
-}  // namespace standin
+}  // namespace tarvo

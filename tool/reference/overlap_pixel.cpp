@@ -4,7 +4,7 @@
 #include <cmath>
 #include <functional>
 
-namespace standin {
+namespace tarvo {
 namespace {
 
 constexpr double kOwningDoubt = 2.0 / 255.0;
@@ -114,4 +114,4 @@ PixelStory TellPixel(const Overlap& overlap, const std::vector<Fragment>& fragme
   return Teller(overlap, fragments).Tell();
 }
 
-}  // namespace standin
+}  // namespace tarvo

@@ -13,7 +13,7 @@
 /// pieces whose image has an owner here that they are not: the nearest piece of the image whose
 /// alpha is at least one half.
 
-namespace standin {
+namespace tarvo {
 
 /// The least alpha with which a piece owns a pixel of its image.
 inline constexpr double kOwningAlpha = 0.5;
@@ -45,4 +45,4 @@ PixelStory TellPixel(const Overlap& overlap, const std::vector<Fragment>& fragme
 /// a pixel's centre.
 inline constexpr double kEdgeMargin = 1.0;
 
-}  // namespace standin
+}  // namespace tarvo

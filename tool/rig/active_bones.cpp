@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-namespace standin {
+namespace tarvo {
 
 std::vector<std::size_t> ActiveBones(const Scene& scene) {
   std::vector<std::size_t> bones;
@@ -18,4 +18,4 @@ int StartSliderOf(std::size_t bone) {
   return static_cast<int>(2 * std::min<std::size_t>(bone, kBonesWithSliders - 1) + 1);
 }
 
-}  // namespace standin
+}  // namespace tarvo

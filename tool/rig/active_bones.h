@@ -5,7 +5,7 @@
 
 #include "tool/rig/scene.h"
 
-namespace standin {
+namespace tarvo {
 
 /// The bones of a scene that are switched on, as indices into Scene::bones: bone number o at
 /// index o.
@@ -15,4 +15,4 @@ std::vector<std::size_t> ActiveBones(const Scene& scene);
 /// Bones beyond the last pair use that one.
 int StartSliderOf(std::size_t bone);
 
-}  // namespace standin
+}  // namespace tarvo

@@ -5,7 +5,7 @@
 #include <string>
 #include <unordered_map>
 
-namespace standin {
+namespace tarvo {
 namespace {
 
 /// A coordinate of a Bézier curve from 0 over a and b to 1, and its derivative.
@@ -180,4 +180,4 @@ Scene SceneAt(const Animation& animation, int frame) {
   return scene;
 }
 
-}  // namespace standin
+}  // namespace tarvo

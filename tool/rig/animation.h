@@ -12,7 +12,7 @@
 #include "tool/rig/scene.h"
 #include "tool/rig/strip.h"
 
-namespace standin {
+namespace tarvo {
 
 /// The way from a key's value to the next key's.
 struct Ease {
@@ -107,4 +107,4 @@ void MoveTo(Scene& scene, const Animation& animation, int frame);
 /// The scene at a frame, with a copy of every image.
 Scene SceneAt(const Animation& animation, int frame);
 
-}  // namespace standin
+}  // namespace tarvo

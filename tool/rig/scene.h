@@ -9,7 +9,7 @@
 #include "base/geometry/point.h"
 #include "base/image/picture.h"
 
-namespace standin {
+namespace tarvo {
 
 /// Most bones that can be switched on and still have sliders of their own.
 inline constexpr int kBonesWithSliders = 25;
@@ -86,4 +86,4 @@ struct Scene {
   std::vector<StackEntry> stack;  ///< top first: every bone, every other effect, one renderer
 };
 
-}  // namespace standin
+}  // namespace tarvo

@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <iterator>
 
-namespace standin {
+namespace tarvo {
 namespace {
 
 double Distance(Point a, Point b) { return std::hypot(b.x - a.x, b.y - a.y); }
@@ -132,4 +132,4 @@ std::vector<Piece> CutStrip(const Strip& strip) {
   return pieces;
 }
 
-}  // namespace standin
+}  // namespace tarvo

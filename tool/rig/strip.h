@@ -5,7 +5,7 @@
 
 #include "tool/rig/scene.h"
 
-namespace standin {
+namespace tarvo {
 
 /// A cubic Bézier curve: start, two control points, end.
 using Curve = std::array<Point, 4>;
@@ -43,4 +43,4 @@ struct Strip {
 /// REQUIRES: pieces >= 1.
 std::vector<Piece> CutStrip(const Strip& strip);
 
-}  // namespace standin
+}  // namespace tarvo

@@ -19,7 +19,7 @@
 #include "tool/rig/file/scene_stack.h"
 #include "tool/rig/file/scene_values.h"
 
-namespace standin {
+namespace tarvo {
 namespace {
 
 constexpr int kLongestLayerSide = TARVO_LONGEST_SIDE;
@@ -200,4 +200,4 @@ std::vector<std::filesystem::path> FilesOf(const FilePath& file) {
   return files;
 }
 
-}  // namespace standin
+}  // namespace tarvo

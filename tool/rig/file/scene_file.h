@@ -8,7 +8,7 @@
 #include "base/files/input_error.h"
 #include "tool/rig/animation.h"
 
-namespace standin {
+namespace tarvo {
 
 /// Reads a scene file (docs/scene-format.md) and everything it names. Throws InputError with all of
 /// its faults, each beginning with the file's name as given here.
@@ -25,4 +25,4 @@ Scene ReadScene(const FilePath& file);
 /// it is no JSON.
 std::vector<std::filesystem::path> FilesOf(const FilePath& file);
 
-}  // namespace standin
+}  // namespace tarvo

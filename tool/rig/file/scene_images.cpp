@@ -10,7 +10,7 @@
 #include "base/files/whole_file.h"
 #include "base/image/image_file.h"
 
-namespace standin {
+namespace tarvo {
 namespace {
 
 using ImageNames = std::unordered_set<std::string>;
@@ -130,4 +130,4 @@ SceneImages ReadImages(const SceneNode& root, const std::filesystem::path& folde
   return reader.Take();
 }
 
-}  // namespace standin
+}  // namespace tarvo

@@ -9,7 +9,7 @@
 #include "tool/rig/file/scene_node.h"
 #include "tool/rig/scene.h"
 
-namespace standin {
+namespace tarvo {
 
 /// Most pixels of all images of a scene together that are decoded: 4 GiB of them.
 inline constexpr std::uintmax_t kMostImagePixels = std::uintmax_t{1} << 30;
@@ -30,4 +30,4 @@ SceneImages ReadImages(const SceneNode& root, const std::filesystem::path& folde
 /// Where an image is that a scene file in `folder` names.
 std::filesystem::path ImageFile(const std::filesystem::path& folder, const std::string& name);
 
-}  // namespace standin
+}  // namespace tarvo

@@ -9,7 +9,7 @@
 #include "tool/rig/file/scene_pieces.h"
 #include "tool/rig/file/scene_values.h"
 
-namespace standin {
+namespace tarvo {
 namespace {
 
 /// Frames a second: wide enough for anything that plays, and no time of the host's overflows.
@@ -206,4 +206,4 @@ void ReadFrames(const SceneNode& root, const NameIndex& images,
   animation.fast = ReadTrack(*frames, "fast", Way::kHeld, "true or false", ReadFlag);
 }
 
-}  // namespace standin
+}  // namespace tarvo

@@ -9,7 +9,7 @@
 #include "tool/rig/file/scene_node.h"
 #include "tool/rig/strip.h"
 
-namespace standin {
+namespace tarvo {
 
 /// Most frames that an animation has.
 inline constexpr int kMostFrames = 100'000;
@@ -21,4 +21,4 @@ void ReadFrames(const SceneNode& root, const NameIndex& images,
                 const std::vector<std::optional<Strip>>& strips, const std::string& fileName,
                 Animation& animation);
 
-}  // namespace standin
+}  // namespace tarvo

@@ -6,7 +6,7 @@
 #include "base/files/escaped_text.h"
 #include "base/files/text_table.h"
 
-namespace standin {
+namespace tarvo {
 namespace {
 
 /// A limit as a person writes it.
@@ -177,4 +177,4 @@ bool SceneNode::FlagOr(const std::string& key, bool otherwise) const {
   return member ? member->Flag() : otherwise;
 }
 
-}  // namespace standin
+}  // namespace tarvo

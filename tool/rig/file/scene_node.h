@@ -11,7 +11,7 @@
 #include "base/files/json.h"
 #include "base/files/nearest_word.h"
 
-namespace standin {
+namespace tarvo {
 
 /// No number of a scene file lies farther from 0: sums and products of some of them stay finite.
 inline constexpr double kGreatestNumber = 1e9;
@@ -91,4 +91,4 @@ struct SceneNode::Member {
   SceneNode value;
 };
 
-}  // namespace standin
+}  // namespace tarvo

@@ -9,7 +9,7 @@
 
 #include "tool/rig/file/scene_values.h"
 
-namespace standin {
+namespace tarvo {
 namespace {
 
 constexpr std::size_t kMostPieces = 1'000'000;  // what a renderer takes from one companion
@@ -136,4 +136,4 @@ BonePieces ReadPieces(const SceneNode& bone) {
   return {};
 }
 
-}  // namespace standin
+}  // namespace tarvo

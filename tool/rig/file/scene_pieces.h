@@ -7,7 +7,7 @@
 #include "tool/rig/scene.h"
 #include "tool/rig/strip.h"
 
-namespace standin {
+namespace tarvo {
 
 /// What a bone carries: pieces, and the strip that they were cut from if there is one.
 struct BonePieces {
@@ -23,4 +23,4 @@ BonePieces ReadPieces(const SceneNode& bone);
 /// somewhere.
 Curve ReadPose(const SceneNode& node);
 
-}  // namespace standin
+}  // namespace tarvo

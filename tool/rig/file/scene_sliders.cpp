@@ -9,7 +9,7 @@
 #include <utility>
 #include <vector>
 
-namespace standin {
+namespace tarvo {
 namespace {
 
 /// The active bones: the first kBonesWithSliders of them, and all others. Either changes by at most
@@ -120,4 +120,4 @@ void ExpectSliders(const SceneNode& root, const Animation& animation) {
   }
 }
 
-}  // namespace standin
+}  // namespace tarvo

@@ -4,7 +4,7 @@
 #include <optional>
 #include <string>
 
-namespace standin {
+namespace tarvo {
 namespace {
 
 using EntryKind = StackEntry::Kind;
@@ -74,4 +74,4 @@ std::vector<StackEntry> ReadStack(const SceneNode& root, const Scene& scene) {
   return places.FillWithBones(scene.bones.size());
 }
 
-}  // namespace standin
+}  // namespace tarvo

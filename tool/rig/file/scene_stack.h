@@ -5,7 +5,7 @@
 #include "tool/rig/file/scene_node.h"
 #include "tool/rig/scene.h"
 
-namespace standin {
+namespace tarvo {
 
 /// The finished effect stack: other effects and the renderer at the places that "effects" and
 /// "renderer" name (the renderer last where nothing is said), the bones in their order at the
@@ -13,4 +13,4 @@ namespace standin {
 /// not to be used. REQUIRES: `scene` holds its bones and other effects.
 std::vector<StackEntry> ReadStack(const SceneNode& root, const Scene& scene);
 
-}  // namespace standin
+}  // namespace tarvo

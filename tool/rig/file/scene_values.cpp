@@ -4,7 +4,7 @@
 
 #include "base/files/escaped_text.h"
 
-namespace standin {
+namespace tarvo {
 namespace {
 
 Point ReadPoint(const SceneNode& node) {
@@ -48,4 +48,4 @@ std::size_t ReadImageName(const SceneNode& node, const NameIndex& images) {
   return found.value_or(images.Names().size());
 }
 
-}  // namespace standin
+}  // namespace tarvo

@@ -8,7 +8,7 @@
 #include "tool/rig/file/scene_node.h"
 #include "tool/rig/scene.h"
 
-namespace standin {
+namespace tarvo {
 
 /// Longest name of the user's that a message quotes in full, in bytes.
 inline constexpr std::size_t kLongestQuote = 256;
@@ -27,4 +27,4 @@ std::array<Point, kCount> ReadPoints(const SceneNode& node);
 /// The image of this name, as its place in `images`; their number after a fault.
 std::size_t ReadImageName(const SceneNode& node, const NameIndex& images);
 
-}  // namespace standin
+}  // namespace tarvo
