@@ -115,7 +115,7 @@ standin::Host& TheHost() {
     standin::HostOptions options;
     options.inspectPixels = false;
     static standin::Host made(Watch::EntryPoint, options);
-    made.gate.KeepLog(false);
+    made.injector.KeepLog(false);
     Expect("starting the plug-in", made.StartUp());
     made.project.AddComposition("Bench");
     return made;

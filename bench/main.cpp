@@ -12,7 +12,7 @@
 #include <malloc.h>
 
 #include "base/files/whole_file.h"
-#include "bench/contests.h"
+#include "bench/benchmarks.h"
 #include "bench/page.h"
 #include "bench/results.h"
 #include "bench/sweeps.h"
@@ -24,9 +24,9 @@ namespace {
 constexpr int kSweepFrames = 3;
 constexpr int kNoMemoryGoes = 1 << 30;
 
-void Hold(benchmark::State& state, ContestResult& result) {
+void Hold(benchmark::State& state, BenchmarkResult& result) {
   try {
-    const PlayPair play = result.contest->prepare();
+    const PlayPair play = result.benchmark->prepare();
     std::vector<double> ratios;
     std::vector<double> ours;
     std::vector<double> theirs;
@@ -65,11 +65,11 @@ void Sweep(benchmark::State& state, SweepResult& result) {
 
 /// REQUIRES: the results stay where they are until everything has run.
 void Register(Results& results) {
-  for (ContestResult& result : results.contests) {
-    benchmark::RegisterBenchmark(result.contest->name.c_str(),
+  for (BenchmarkResult& result : results.benchmarks) {
+    benchmark::RegisterBenchmark(result.benchmark->name.c_str(),
                                  [&](benchmark::State& state) { Hold(state, result); })
         ->UseManualTime()
-        ->Iterations(result.contest->pairs)
+        ->Iterations(result.benchmark->pairs)
         ->Unit(benchmark::kMillisecond);
   }
   for (SweepResult& result : results.sweeps) {
@@ -86,28 +86,29 @@ void Register(Results& results) {
 
 Results Everything() {
   Results results;
-  for (const Contest& contest : Contests()) results.contests.push_back({.contest = &contest});
+  for (const Benchmark& benchmark : Benchmarks())
+    results.benchmarks.push_back({.benchmark = &benchmark});
   for (const SweepPoint& point : SweepPoints()) results.sweeps.push_back({.point = &point});
   return results;
 }
 
 /// Forgets what the filter left out, or what ended in an error.
 void KeepWhatRan(Results& results) {
-  std::erase_if(results.contests, [](const auto& result) { return result.ratios.empty(); });
+  std::erase_if(results.benchmarks, [](const auto& result) { return result.ratios.empty(); });
   std::erase_if(results.sweeps, [](const auto& result) { return result.milliseconds == 0.0; });
 }
 
 /// True iff every goal was met.
-bool Print(const std::vector<ContestResult>& contests) {
+bool Print(const std::vector<BenchmarkResult>& benchmarks) {
   bool isMet = true;
-  for (const ContestResult& result : contests) {
+  for (const BenchmarkResult& result : benchmarks) {
     const Pair times = result.Times();
-    std::printf("ratio %s %.3f", result.contest->name.c_str(), result.Ratio());
-    if (result.contest->goal) std::printf(" <= %.2f", *result.contest->goal);
-    const char* const unit = result.contest->unit.c_str();
+    std::printf("ratio %s %.3f", result.benchmark->name.c_str(), result.Ratio());
+    if (result.benchmark->goal) std::printf(" <= %.2f", *result.benchmark->goal);
+    const char* const unit = result.benchmark->unit.c_str();
     std::printf("%s (%.2f %s against %.2f %s; %s against %s)\n", result.Missed() ? " MISSED" : "",
-                times.ours, unit, times.theirs, unit, result.contest->ours.c_str(),
-                result.contest->theirs.c_str());
+                times.ours, unit, times.theirs, unit, result.benchmark->ours.c_str(),
+                result.benchmark->theirs.c_str());
     isMet = isMet && !result.Missed();
   }
   return isMet;
@@ -144,10 +145,10 @@ bool MeasureAll(const std::string& page) {
   results.renderer = DrawOnThisThread();
   Register(results);
   benchmark::RunSpecifiedBenchmarks();
-  const bool isWhole = std::ranges::none_of(results.contests, &ContestResult::failed) &&
+  const bool isWhole = std::ranges::none_of(results.benchmarks, &BenchmarkResult::failed) &&
                        std::ranges::none_of(results.sweeps, &SweepResult::failed);
   KeepWhatRan(results);
-  const bool isMet = Print(results.contests);
+  const bool isMet = Print(results.benchmarks);
   if (!page.empty()) tarvo::WriteWholeFile(tarvo::FilePath(page), Page(results));
   return isMet && isWhole;
 }

@@ -48,27 +48,27 @@ std::string Text(double value, int digits) {
   return text.str();
 }
 
-void WriteTable(std::ostream& page, const std::vector<ContestResult>& contests) {
+void WriteTable(std::ostream& page, const std::vector<BenchmarkResult>& benchmarks) {
   page << "<table><tr><th>name<th>what<th>against what<th>ratio<th>goal<th>ours<th>theirs<th>unit"
           "</tr>\n";
-  for (const ContestResult& result : contests) {
-    const Contest& contest = *result.contest;
+  for (const BenchmarkResult& result : benchmarks) {
+    const Benchmark& benchmark = *result.benchmark;
     const Pair times = result.Times();
-    page << (result.Missed() ? "<tr class=missed>" : "<tr>") << "<td>" << contest.name << "<td>"
-         << contest.ours << "<td>" << contest.theirs << "<td class=number>"
+    page << (result.Missed() ? "<tr class=missed>" : "<tr>") << "<td>" << benchmark.name << "<td>"
+         << benchmark.ours << "<td>" << benchmark.theirs << "<td class=number>"
          << Text(result.Ratio(), 3) << "<td class=number>"
-         << (contest.goal ? "≤ " + Text(*contest.goal, 2) : "") << "<td class=number>"
+         << (benchmark.goal ? "≤ " + Text(*benchmark.goal, 2) : "") << "<td class=number>"
          << Text(times.ours, 2) << "<td class=number>" << Text(times.theirs, 2) << "<td>"
-         << contest.unit << "</tr>\n";
+         << benchmark.unit << "</tr>\n";
   }
   page << "</table>\n";
 }
 
-void WriteNotes(std::ostream& page, const std::vector<ContestResult>& contests) {
-  for (const ContestResult& result : contests) {
-    const Contest& contest = *result.contest;
-    if (contest.note.empty()) continue;
-    page << "<p><b>" << contest.name << "</b> " << contest.note << "</p>\n";
+void WriteNotes(std::ostream& page, const std::vector<BenchmarkResult>& benchmarks) {
+  for (const BenchmarkResult& result : benchmarks) {
+    const Benchmark& benchmark = *result.benchmark;
+    if (benchmark.note.empty()) continue;
+    page << "<p><b>" << benchmark.name << "</b> " << benchmark.note << "</p>\n";
   }
 }
 
@@ -134,8 +134,8 @@ class Plot {
 std::string Page(const Results& results) {
   std::ostringstream page;
   page << kHead << "<p>Drawn by " << results.renderer << ".</p>\n";
-  WriteTable(page, results.contests);
-  WriteNotes(page, results.contests);
+  WriteTable(page, results.benchmarks);
+  WriteNotes(page, results.benchmarks);
   page << kHowItIsMeasured;
   std::map<std::string, std::vector<SweepResult>> plots;
   for (const SweepResult& result : results.sweeps) {

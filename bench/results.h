@@ -4,21 +4,21 @@
 #include <string>
 #include <vector>
 
-#include "bench/contests.h"
+#include "bench/benchmarks.h"
 #include "bench/measure.h"
 #include "bench/sweeps.h"
 
 namespace bench {
 
-/// A contest that was held, with the median pairs of its repetitions.
-struct ContestResult {
-  const Contest* contest = nullptr;
+/// A benchmark that was held, with the median pairs of its repetitions.
+struct BenchmarkResult {
+  const Benchmark* benchmark = nullptr;
   std::vector<double> ratios;
   std::vector<Pair> times;
   bool failed = false;  ///< it could not be held
 
   [[nodiscard]] double Ratio() const { return Median(ratios); }
-  [[nodiscard]] bool Missed() const { return contest->goal && !(Ratio() <= *contest->goal); }
+  [[nodiscard]] bool Missed() const { return benchmark->goal && !(Ratio() <= *benchmark->goal); }
   [[nodiscard]] Pair Times() const {
     std::vector<double> ours;
     std::vector<double> theirs;
@@ -38,7 +38,7 @@ struct SweepResult {
 
 struct Results {
   std::string renderer;  ///< what OpenGL calls whoever draws
-  std::vector<ContestResult> contests;
+  std::vector<BenchmarkResult> benchmarks;
   std::vector<SweepResult> sweeps;
 };
 

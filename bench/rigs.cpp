@@ -16,7 +16,7 @@ constexpr int kCarpetColumns = 20;
 constexpr int kCarpetRows = kCarpetPieces / kCarpetColumns;
 
 /// Numbers that are the same everywhere, which the library's distributions are not.
-class Dice {
+class RandomSource {
  public:
   /// Evenly between the two.
   double Between(double low, double high) {
@@ -112,15 +112,15 @@ std::string InWords(int images, int pieces) {
 
 Rig Limbs(FrameSize size) {
   Rig rig{.size = size, .bones = {}};
-  Dice dice;
+  RandomSource random;
   const double side = kLimbImageSide * static_cast<double>(size.height) / kFullHd.height;
   const double reach = side * std::numbers::sqrt2 / 2.0;
   for (int number = 0; number < kBones; ++number) {
-    const Place limb{.x = dice.Between(reach, size.width - reach),
-                     .y = dice.Between(reach, size.height - reach),
+    const Place limb{.x = random.Between(reach, size.width - reach),
+                     .y = random.Between(reach, size.height - reach),
                      .width = side,
                      .height = side,
-                     .turn = dice.Between(0.0, 2.0 * std::numbers::pi)};
+                     .turn = random.Between(0.0, 2.0 * std::numbers::pi)};
     rig.bones.push_back({.image = SoftDisc(kLimbImageSide, number),
                          .pieces = Slices(limb),
                          .startZ = -1.0 * number,
@@ -131,23 +131,23 @@ Rig Limbs(FrameSize size) {
 
 Rig Field(int pieces, double coverage) {
   Rig rig{.size = kFullHd, .bones = std::vector<Bone>(kBones)};
-  Dice dice;
+  RandomSource random;
   const double side = std::sqrt(coverage * kFullHd.width * kFullHd.height / pieces);
   const double reach = side * std::numbers::sqrt2 / 2.0;
   for (int number = 0; number < kBones; ++number) {
     Bone& bone = rig.bones[static_cast<std::size_t>(number)];
     bone = {.image = SoftDisc(kFieldImageSide, number),
             .pieces = {},
-            .startZ = dice.Between(50.0, 100.0),
-            .endZ = dice.Between(-100.0, -50.0)};
+            .startZ = random.Between(50.0, 100.0),
+            .endZ = random.Between(-100.0, -50.0)};
     for (int piece = 0; piece < pieces / kBones; ++piece) {
-      bone.pieces.push_back(Piece({.x = dice.Between(reach, kFullHd.width - reach),
-                                   .y = dice.Between(reach, kFullHd.height - reach),
+      bone.pieces.push_back(Piece({.x = random.Between(reach, kFullHd.width - reach),
+                                   .y = random.Between(reach, kFullHd.height - reach),
                                    .width = side,
                                    .height = side,
-                                   .turn = dice.Between(0.0, 2.0 * std::numbers::pi)},
+                                   .turn = random.Between(0.0, 2.0 * std::numbers::pi)},
                                   {1.0, 1.0, kFieldImageSide - 1.0, kFieldImageSide - 1.0},
-                                  dice.Between(0.0, 1.0)));
+                                  random.Between(0.0, 1.0)));
     }
   }
   return rig;

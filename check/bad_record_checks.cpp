@@ -14,7 +14,7 @@
 #include <vector>
 
 #include "check/support/pieces.h"
-#include "check/support/promise.h"
+#include "check/support/requirement.h"
 #include "check/support/rig.h"
 #include "check/support/settings.h"
 
@@ -32,7 +32,7 @@ constexpr A_long kLeast = std::numeric_limits<A_long>::min();
 constexpr A_long kMost = std::numeric_limits<A_long>::max();
 constexpr PF_Err kRefused = 516;
 
-/// A good bone in front, and one behind it whose records are spoilt.
+/// A good bone in front, and one behind it whose records are corrupt.
 class BadRecords : public RigTest {
  protected:
   BadRecords() {
@@ -86,7 +86,7 @@ class BadRecords : public RigTest {
                                       Piece({30, 40, 50, 30}, {2, 2, 28, 20}, 0.5)};
   Companion& front = rig.AddBone(Pattern(64, 48, 1), {Piece({20, 30, 70, 50}, {2, 2, 60, 44}, 0)});
   Companion& bad = rig.AddBone(Pattern(32, 24, 2), pieces);
-  std::mt19937 dice{TheSettings().seed};
+  std::mt19937 random{TheSettings().seed};
 
  private:
   std::array<Picture, 2> good_;  ///< by mode
@@ -99,7 +99,7 @@ struct Field {
 };
 
 /// The bytes of each value that is worth a try in a field of this size: edges, then noise.
-std::vector<std::vector<std::uint8_t>> SpoiltValues(std::size_t bytes, std::mt19937& dice) {
+std::vector<std::vector<std::uint8_t>> CorruptValues(std::size_t bytes, std::mt19937& random) {
   std::vector<std::vector<std::uint8_t>> values;
   const auto add = [&](const auto& value) {
     if (sizeof value != bytes) return;
@@ -115,13 +115,14 @@ std::vector<std::vector<std::uint8_t>> SpoiltValues(std::size_t bytes, std::mt19
     values.emplace_back(bytes, byte);
   }
   for (int i = 0; i < 8; ++i) {
-    for (std::uint8_t& byte : values.emplace_back(bytes)) byte = static_cast<std::uint8_t>(dice());
+    for (std::uint8_t& byte : values.emplace_back(bytes))
+      byte = static_cast<std::uint8_t>(random());
   }
   return values;
 }
 
 CHECK_F(
-    BadRecords, BearsEveryFieldAtItsEdges,
+    BadRecords, ToleratesEveryFieldAtItsLimits,
     "Any bytes in any field of a record but its images and pieces are refused or borne, and the "
     "picture stays.") {
   constexpr std::array<Field, 8> kFields{{
@@ -136,7 +137,7 @@ CHECK_F(
   }};
   const int ownPlace = bad.Position();
   for (const Field& field : kFields) {
-    for (const auto& value : SpoiltValues(field.bytes, dice)) {
+    for (const auto& value : CorruptValues(field.bytes, random)) {
       CompanionSlot record = RecordOf(pieces, ownPlace);
       std::memcpy(reinterpret_cast<std::uint8_t*>(&record) + field.offset, value.data(),
                   value.size());
@@ -152,16 +153,16 @@ CHECK_F(
 }
 
 CHECK_F(
-    BadRecords, BearsEveryNumberOfAPiece,
+    BadRecords, ToleratesEveryNumberInAPiece,
     "Any number in a piece is borne: a frame comes, and the other bones are drawn in it as ever.") {
   for (std::size_t number = 0; number < 18; ++number) {
-    std::vector<PieceQuad> spoilt;
-    for (const auto& value : SpoiltValues(8, dice)) {
+    std::vector<PieceQuad> corrupt;
+    for (const auto& value : CorruptValues(8, random)) {
       PieceQuad piece = pieces[0];
       std::memcpy(reinterpret_cast<std::uint8_t*>(&piece) + number * 8, value.data(), 8);
-      spoilt.push_back(piece);
+      corrupt.push_back(piece);
     }
-    CompanionSlot record = RecordOf(spoilt, bad.Position());
+    CompanionSlot record = RecordOf(corrupt, bad.Position());
     EXPECT_EQ(SendRecord(record), 0) << "number " << number;
     ExpectGoodBoneDrawn("number " + std::to_string(number));
   }
@@ -176,7 +177,7 @@ CHECK_F(
   ExpectPictureAsBefore("proper records");
 }
 
-CHECK_F(BadRecords, BearsShapesWithoutASense,
+CHECK_F(BadRecords, ToleratesDegenerateShapes,
         "Pieces without an area, inside out, endless or without numbers are borne, and the output "
         "stays within what a host makes.") {
   using Points = std::array<double, 8>;
@@ -198,11 +199,11 @@ CHECK_F(BadRecords, BearsShapesWithoutASense,
   };
   for (const std::size_t offset : {offsetof(PieceQuad, corners), offsetof(PieceQuad, texCoords)}) {
     for (const Shape& shape : shapes) {
-      std::vector<PieceQuad> spoilt = pieces;
-      for (PieceQuad& piece : spoilt) {
+      std::vector<PieceQuad> corrupt = pieces;
+      for (PieceQuad& piece : corrupt) {
         std::memcpy(reinterpret_cast<std::uint8_t*>(&piece) + offset, shape.points.data(), 64);
       }
-      CompanionSlot record = RecordOf(spoilt, bad.Position());
+      CompanionSlot record = RecordOf(corrupt, bad.Position());
       EXPECT_EQ(SendRecord(record), 0) << shape.name;
       ExpectGoodBoneDrawn(shape.name);
       const standin::FrameExtent extent = rig.host.FrameSetup(rig.renderer);
@@ -227,7 +228,7 @@ CHECK_F(BadRecords, RefusesListsCutWithinAPiece,
 }
 
 /// Records that claim a place where no companion stands: nothing of them is ever drawn.
-CHECK_F(BadRecords, HearsNobodyWhereNoCompanionStands,
+CHECK_F(BadRecords, IgnoresPositionsWithoutACompanion,
         "Who claims the place of another effect, of a companion that is switched off, or past the "
         "stack is not drawn.") {
   rig.host.AddEffect(rig.layer, "X Glow");
@@ -248,12 +249,12 @@ CHECK_F(BadRecords, HearsNobodyWhereNoCompanionStands,
 
 struct ImageCase {
   const char* name;
-  std::function<void(PF_EffectWorld&)> spoil;
+  std::function<void(PF_EffectWorld&)> corrupt;
   bool isTaken;    ///< the flag is cleared
   bool isRefused;  ///< the host refuses it, and the sender's world is left alone
 };
 
-CHECK_F(BadRecords, LeavesSpoiltImagesToTheHost,
+CHECK_F(BadRecords, PassesCorruptImagesToTheHost,
         "An image without a size stays with its sender; one that the host refuses costs nobody "
         "else a thing.") {
   const auto size = [](A_long width, A_long height) {
@@ -285,28 +286,29 @@ CHECK_F(BadRecords, LeavesSpoiltImagesToTheHost,
       CompanionSlot record = RecordOf(pieces, bad.Position());
       const PF_EffectWorld made = rig.host.worlds.From(Pattern(32, 24, 2), "an image");
       PF_EffectWorld sent = made;
-      image.spoil(sent);
+      image.corrupt(sent);
       std::memcpy(isB ? record.imageB : record.imageA, &sent, sizeof sent);
       std::uint8_t& flag = isB ? record.newImageB : record.newImageA;
       flag = 1;
       record.opacityA = record.opacityB = 1.0;
       EXPECT_EQ(SendRecord(record) != 0, image.isRefused) << image.name;
       EXPECT_EQ(flag == 0, image.isTaken) << image.name;
-      EXPECT_EQ(rig.host.worlds.Alive(made), !image.isTaken || image.isRefused) << image.name;
-      if (rig.host.worlds.Alive(made)) rig.host.worlds.Dispose(&made, "the companion");
-      for (const std::string& misuse : rig.host.books.Misuses()) {
-        EXPECT_TRUE(image.isRefused && misuse.starts_with("copy was given")) << misuse;
+      EXPECT_EQ(rig.host.worlds.IsLive(made), !image.isTaken || image.isRefused) << image.name;
+      if (rig.host.worlds.IsLive(made)) rig.host.worlds.Dispose(&made, "the companion");
+      for (const std::string& violation : rig.host.tracker.Violations()) {
+        EXPECT_TRUE(image.isRefused && violation.starts_with("copy was given")) << violation;
       }
-      rig.host.books.ClearMisuses();
+      rig.host.tracker.ClearViolations();
       ExpectGoodBoneDrawn(image.name);
-      EXPECT_EQ(rig.host.books.Count(Kind::kWorld), 1U) << image.name;  // the input layer
+      EXPECT_EQ(rig.host.tracker.Count(Kind::kWorld), 1U) << image.name;  // the input layer
     }
   }
   SendProperly();
   ExpectPictureAsBefore("proper images");
 }
 
-CHECK_F(BadRecords, TakesImagesOfAnySize, "Images of one pixel and of 20,000 in a row are taken.") {
+CHECK_F(BadRecords, AcceptsImagesOfAnySize,
+        "Images of one pixel and of 20,000 in a row are taken.") {
   for (const auto& [width, height] :
        {std::pair{1, 1}, {1, 700}, {700, 1}, {20'000, 2}, {2, 20'000}}) {
     bad.imageA.Set(Picture(width, height, {10, 20, 30, 255}));
@@ -318,11 +320,11 @@ CHECK_F(BadRecords, TakesImagesOfAnySize, "Images of one pixel and of 20,000 in 
 // ---- Faults that bad input has brought to light
 
 /// The host has taken the world back and says so by throwing: the sender must not do it again.
-CHECK_F(BadRecords, TakesAnImageWhoseDisposalThrows,
+CHECK_F(BadRecords, AcceptsAnImageWhoseDisposalThrows,
         "When the host throws as it disposes of the sender's image, the flag still says that the "
         "image is gone.") {
   bad.SendImagesAgain();
-  rig.host.gate.FailOperation("dispose_world", 1, {.code = 55, .throws = true});
+  rig.host.injector.FailOperation("dispose_world", 1, {.code = 55, .throws = true});
   EXPECT_EQ(rig.host.Send(bad, rig.renderer).command.code, kRefused);
   rig.Send();
   ExpectPictureAsBefore("a message that went well");

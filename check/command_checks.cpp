@@ -8,7 +8,7 @@
 #include "check/support/host_test.h"
 #include "check/support/parameters.h"
 #include "check/support/pieces.h"
-#include "check/support/promise.h"
+#include "check/support/requirement.h"
 
 namespace check::commands {
 namespace {
@@ -19,18 +19,18 @@ using standin::Host;
 
 using Commands = HostTest;
 
-CHECK_F(Commands, UnknownOnesAnswerNothingAndCallNothing,
+CHECK_F(Commands, UnknownOnesReturnNothingAndCallNothing,
         "A command that the plug-in does not know succeeds and calls nothing of the host.") {
   Host& host = StartHost();
   auto& renderer = host.AddRenderer(TheLayer());
   for (const A_long command : {2, 7, 9, 12, 15, 16, 18, 19, 1000, -1}) {
-    const auto calls = host.gate.Calls();
+    const auto calls = host.injector.Calls();
     EXPECT_EQ(host.Call(command, &renderer).code, PF_Err_NONE) << command;
-    EXPECT_EQ(host.gate.Calls(), calls) << command;
+    EXPECT_EQ(host.injector.Calls(), calls) << command;
   }
 }
 
-CHECK_F(Commands, AboutTellsNameAndVersion, "About tells name, version and trade in two lines.") {
+CHECK_F(Commands, AboutShowsNameAndVersion, "About tells name, version and trade in two lines.") {
   Host& host = StartHost();
   EXPECT_EQ(host.About().message, "QEZ_Tarvo_renderer, v1.0.3\rIK & rigging.");
 }
@@ -38,17 +38,17 @@ CHECK_F(Commands, AboutTellsNameAndVersion, "About tells name, version and trade
 /// Every command in turn finds no suite at all, so that its handler throws; renders have a check of
 /// their own. The host compares its OpenGL context after each call; TearDown asks whether that
 /// found anything.
-CHECK_F(Commands, MissingSuitesComeBackAsBadCallbackParam,
+CHECK_F(Commands, MissingSuitesReturnBadCallbackParam,
         "Without any suite each command that needs one returns 516, the others succeed, and the "
         "context is handed back.") {
-  MakeHost().gate.FailOperation("AcquireSuite", 1, {}, true);
+  MakeHost().injector.FailOperation("AcquireSuite", 1, {}, true);
   EXPECT_EQ(TheHost().GlobalSetup().code, PF_Err_BAD_CALLBACK_PARAM);
   EndHost();
   Host& host = MakeHost();
   ASSERT_TRUE(host.GlobalSetup().Ok());
-  host.gate.FailOperation("AcquireSuite", 1, {}, true);
+  host.injector.FailOperation("AcquireSuite", 1, {}, true);
   ASSERT_TRUE(host.ParamsSetup().Ok());
-  host.gate.FailNothing();
+  host.injector.FailNothing();
   auto& renderer = host.AddRenderer(TheLayer());
   CompanionSlot record{};
   PF_UserChangedParamExtra change{1};
@@ -65,7 +65,7 @@ CHECK_F(Commands, MissingSuitesComeBackAsBadCallbackParam,
                {PF_Cmd_USER_CHANGED_PARAM, &change},
                {PF_Cmd_COMPLETELY_GENERAL, &record},
                {PF_Cmd_GLOBAL_SETDOWN}};
-  host.gate.FailOperation("AcquireSuite", 1, {}, true);
+  host.injector.FailOperation("AcquireSuite", 1, {}, true);
   for (const auto& [command, extra, expected] : cases) {
     EXPECT_EQ(host.Call(command, &renderer, extra).code, expected) << standin::CommandName(command);
     EXPECT_TRUE(host.ContextIsCurrent()) << standin::CommandName(command);
@@ -80,7 +80,7 @@ CHECK_F(Commands, RefuseMissingRecords,
   PF_InData in = host.InputRecord(&renderer);
   PF_OutData out{};
   PF_LayerDef output{};
-  const auto calls = host.gate.Calls();
+  const auto calls = host.injector.Calls();
   const auto answer = [&](PF_Cmd command, PF_InData* input, PF_OutData* answered,
                           PF_LayerDef* image) {
     return PluginUnderCheck()(command, input, answered, nullptr, image, nullptr);
@@ -96,21 +96,21 @@ CHECK_F(Commands, RefuseMissingRecords,
   std::vector<PF_ParamDef*> parameters;
   for (PF_ParamDef& definition : definitions) parameters.push_back(&definition);
   EXPECT_EQ(PluginUnderCheck()(PF_Cmd_RENDER, &in, &out, parameters.data(), nullptr, nullptr), 516);
-  EXPECT_EQ(host.gate.Calls(), calls);
+  EXPECT_EQ(host.injector.Calls(), calls);
   EXPECT_TRUE(host.Render(renderer).command.Ok());
 }
 
 /// A code thrown by a callback of the host's, in a handler without a guard of its own.
-CHECK_F(Commands, ThrownCodesComeBackAsBadCallbackParam,
+CHECK_F(Commands, ThrownCodesReturnBadCallbackParam,
         "A code that the host throws comes back as 516, with the context handed back.") {
   Host& host = StartHost();
   auto& renderer = host.AddRenderer(TheLayer());
   host.AddCompanion(TheLayer(), "Arm");
   CompanionSlot record{};
   for (const char* operation : {"AEGP_GetEffectLayer", "AEGP_GetEffectFlags"}) {
-    host.gate.FailOperation(operation, 1, {.code = 13, .throws = true});
+    host.injector.FailOperation(operation, 1, {.code = 13, .throws = true});
     EXPECT_EQ(host.SendRecord(renderer, &record).code, PF_Err_BAD_CALLBACK_PARAM) << operation;
-    EXPECT_EQ(host.gate.Injected(operation), 1U);
+    EXPECT_EQ(host.injector.Injected(operation), 1U);
     EXPECT_TRUE(host.ContextIsCurrent()) << operation;
   }
 }
@@ -142,7 +142,7 @@ CHECK_F(Commands, MayComeFromAnyThread,
 }
 
 /// Arguments that change nothing in this host and much in others.
-CHECK_F(Commands, AskTheHostAsAgreed,
+CHECK_F(Commands, CallTheHostWithTheAgreedArguments,
         "The plug-in registers under its match name without a reference of its own, reads values "
         "at layer time 0 after expressions and names as the user has them, changes what is shown "
         "without an undo step, and reports no error of a quiet section.") {
@@ -162,7 +162,7 @@ CHECK_F(Commands, AskTheHostAsAgreed,
                {"AEGP_SetDynamicStreamFlag", ", 2, 0, "},
                {"AEGP_EndQuietErrors", "0, "}};
   const auto asksForSuite = [&](const std::string& suite) {
-    return std::ranges::any_of(host.gate.Log(), [&](const standin::CallRecord& call) {
+    return std::ranges::any_of(host.injector.Log(), [&](const standin::CallRecord& call) {
       return call.operation == "AcquireSuite" && call.arguments.find(suite) != std::string::npos;
     });
   };
@@ -170,8 +170,8 @@ CHECK_F(Commands, AskTheHostAsAgreed,
   EXPECT_TRUE(asksForSuite("\"AEGP Effect Suite\", 2"));
   EXPECT_TRUE(asksForSuite("\"AEGP Effect Suite\", 3"));
   for (const auto& [operation, arguments] : cases) {
-    EXPECT_GT(host.gate.Calls(operation), 0U) << operation;
-    for (const standin::CallRecord& call : host.gate.Log()) {
+    EXPECT_GT(host.injector.Calls(operation), 0U) << operation;
+    for (const standin::CallRecord& call : host.injector.Log()) {
       if (call.operation != operation) continue;
       EXPECT_NE(call.arguments.find(arguments), std::string::npos) << operation << call.arguments;
     }

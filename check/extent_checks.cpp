@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "check/support/host_test.h"
-#include "check/support/promise.h"
+#include "check/support/requirement.h"
 
 namespace check::extent {
 namespace {

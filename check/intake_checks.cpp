@@ -9,7 +9,7 @@
 #include "check/support/bone_numbers.h"
 #include "check/support/host_test.h"
 #include "check/support/pieces.h"
-#include "check/support/promise.h"
+#include "check/support/requirement.h"
 
 namespace check::intake {
 namespace {
@@ -28,7 +28,7 @@ class Intake : public HostTest {
   /// A companion that BoneNumbers can tell.
   Companion& AddBone(Host& host, int number, int position = -1) {
     Companion& companion = host.AddCompanion(TheLayer(), std::to_string(number), position);
-    BoneNumbers::Dress(companion, number);
+    BoneNumbers::SetUpBone(companion, number);
     return companion;
   }
 
@@ -45,7 +45,7 @@ class Intake : public HostTest {
   }
 };
 
-CHECK_F(Intake, NumbersSwitchedOnCompanionsFromTheTop,
+CHECK_F(Intake, NumbersActiveCompanionsFromTheTop,
         "Bone 1 is the first switched-on companion of the stack, bone 2 the second; nobody else "
         "counts, and who is switched off is not drawn.") {
   Host& host = StartHost();
@@ -106,8 +106,8 @@ CHECK_F(Intake, ReadsRecordsAtAnyAddressAndChangesTheirFlagsAlone,
 
   EXPECT_EQ(host.SendRecord(renderer, bytes.data() + 1).code, PF_Err_NONE);
   EXPECT_EQ(bytes, expected);
-  EXPECT_FALSE(host.worlds.Alive(world));
-  EXPECT_EQ(host.books.Count(Kind::kWorld), 1U);  // the plug-in's own
+  EXPECT_FALSE(host.worlds.IsLive(world));
+  EXPECT_EQ(host.tracker.Count(Kind::kWorld), 1U);  // the plug-in's own
   const auto frame = host.Render(renderer);
   EXPECT_EQ(frame.picture.width, 44);
   EXPECT_EQ(frame.picture.At(22, 11).alpha, 255);
@@ -150,7 +150,7 @@ CHECK_F(Intake, RefusesWhatCannotBeMeant,
 }
 
 /// A message without an image must neither lose the pending image nor bring in the sender's.
-CHECK_F(Intake, KeepsAWaitingImageUntilANewOneComes,
+CHECK_F(Intake, KeepsAPendingImageUntilANewOneArrives,
         "A pending image outlives messages without one, and gives way to a new one.") {
   constexpr tarvo::Rgba kRed{.red = 200, .green = 0, .blue = 0, .alpha = 255};
   constexpr tarvo::Rgba kBlue{.red = 0, .green = 0, .blue = 200, .alpha = 255};
@@ -159,21 +159,21 @@ CHECK_F(Intake, KeepsAWaitingImageUntilANewOneComes,
   auto& renderer = host.AddRenderer(TheLayer());
   EXPECT_TRUE(host.Send(companion, renderer).tookA);
   host.Send(companion, renderer);
-  EXPECT_EQ(host.books.Count(Kind::kWorld), 1U);
+  EXPECT_EQ(host.tracker.Count(Kind::kWorld), 1U);
   EXPECT_EQ(host.Render(renderer).picture.At(22, 22), kRed);
 
-  const std::size_t others = host.books.Count(Kind::kWorld);
+  const std::size_t others = host.tracker.Count(Kind::kWorld);
   companion.imageA.Set(Picture(8, 8, kRed));
   EXPECT_TRUE(host.Send(companion, renderer).tookA);
   companion.imageA.Set(Picture(9, 7, kBlue));
   EXPECT_TRUE(host.Send(companion, renderer).tookA);
-  EXPECT_EQ(host.books.Count(Kind::kWorld), others + 1);
+  EXPECT_EQ(host.tracker.Count(Kind::kWorld), others + 1);
   EXPECT_EQ(host.Render(renderer).picture.At(22, 22), kBlue);
 }
 
 /// Image B is not copied either, but counts as taken all the same: the chain. A world that was not
 /// disposed of by then is left to nobody.
-CHECK_F(Intake, LosesNothingWhenATakeFails,
+CHECK_F(Intake, LeaksNothingWhenACopyFails,
         "A take that the host fails returns its code, clears the flags of both images and leaves "
         "no world of the plug-in's behind; the next message and frame go well.") {
   const struct {
@@ -185,12 +185,13 @@ CHECK_F(Intake, LosesNothingWhenATakeFails,
     Companion& companion = AddPiece(host, Pattern(8, 8, 1));
     companion.imageB.Set(Pattern(6, 6, 2));
     auto& renderer = host.AddRenderer(TheLayer());
-    host.gate.FailOperation(operation, 1, {.code = 55});
+    host.injector.FailOperation(operation, 1, {.code = 55});
     const standin::SendResult failed = host.Send(companion, renderer);
     EXPECT_EQ(failed.command.code, 55) << operation;
     EXPECT_TRUE(failed.tookA && failed.tookB) << operation;
     EXPECT_EQ(host.AbandonedWorlds(), abandoned) << operation;
-    EXPECT_EQ(host.books.Count(Kind::kWorld), operation == "dispose_world" ? 1U : 0U) << operation;
+    EXPECT_EQ(host.tracker.Count(Kind::kWorld), operation == "dispose_world" ? 1U : 0U)
+        << operation;
     EXPECT_TRUE(host.Send(companion, renderer).command.Ok()) << operation;
     EXPECT_TRUE(host.Render(renderer).command.Ok()) << operation;
     companion.SendImagesAgain();
@@ -201,7 +202,7 @@ CHECK_F(Intake, LosesNothingWhenATakeFails,
 }
 
 /// The host has disposed of it all the same, as of everything that it fails to take back.
-CHECK_F(Intake, TakesAnImageWhoseForerunnerTheHostRefuses,
+CHECK_F(Intake, AcceptsAnImageWhosePredecessorCannotBeDisposedOf,
         "When the host refuses to dispose of a pending image, the new one is taken all the "
         "same, and the refusal is the result unless something failed after it.") {
   constexpr tarvo::Rgba kBlue{.red = 0, .green = 0, .blue = 200, .alpha = 255};
@@ -211,13 +212,13 @@ CHECK_F(Intake, TakesAnImageWhoseForerunnerTheHostRefuses,
     auto& renderer = host.AddRenderer(TheLayer());
     ASSERT_TRUE(host.Send(companion, renderer).tookA);
     companion.imageA.Set(Picture(8, 8, kBlue));
-    host.gate.FailOperation("dispose_world", 1, {.code = 61});
-    if (later != 0) host.gate.FailOperation("AEGP_GetEffectFlags", 1, {.code = later});
+    host.injector.FailOperation("dispose_world", 1, {.code = 61});
+    if (later != 0) host.injector.FailOperation("AEGP_GetEffectFlags", 1, {.code = later});
     const standin::SendResult sent = host.Send(companion, renderer);
     EXPECT_EQ(sent.command.code, later != 0 ? later : 61);
     EXPECT_TRUE(sent.tookA);
     EXPECT_EQ(host.AbandonedWorlds(), 0U);
-    EXPECT_EQ(host.books.Count(Kind::kWorld), 1U);
+    EXPECT_EQ(host.tracker.Count(Kind::kWorld), 1U);
     EXPECT_TRUE(host.Send(companion, renderer).command.Ok());
     EXPECT_EQ(host.Render(renderer).picture.At(22, 22), kBlue);
     EndHost();
@@ -230,10 +231,10 @@ CHECK_F(Intake, CountsAFailedDisposalUnlessSomethingFailedBefore,
   Host& host = StartHost();
   Companion& companion = AddPiece(host, Pattern(8, 8, 1));
   auto& renderer = host.AddRenderer(TheLayer());
-  host.gate.FailOperation("AEGP_DisposeEffect", 1, {.code = 61});
+  host.injector.FailOperation("AEGP_DisposeEffect", 1, {.code = 61});
   EXPECT_EQ(host.Send(companion, renderer).command.code, 61);
-  host.gate.FailOperation("AEGP_GetEffectFlags", 1, {.code = 62});
-  host.gate.FailOperation("AEGP_DisposeEffect", 1, {.code = 61});
+  host.injector.FailOperation("AEGP_GetEffectFlags", 1, {.code = 62});
+  host.injector.FailOperation("AEGP_DisposeEffect", 1, {.code = 61});
   EXPECT_EQ(host.Send(companion, renderer).command.code, 62);
   EXPECT_EQ(WidthOf(host, renderer), kLayerWidth);  // nobody was numbered
 }

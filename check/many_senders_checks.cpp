@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "check/support/pieces.h"
-#include "check/support/promise.h"
+#include "check/support/requirement.h"
 #include "check/support/rig.h"
 #include "check/support/settings.h"
 
@@ -90,13 +90,13 @@ class Model {
 class ManySenders : public RigTest {
  protected:
   ManySenders() {
-    rig.host.gate.KeepLog(false);
+    rig.host.injector.KeepLog(false);
     for (int bone = 0; bone < kBonesWithSliders; ++bone) {
       rig.SetDepth(bone + 1, Depth(bone), Depth(bone));
     }
   }
 
-  std::size_t Roll(std::size_t sides) { return dice_() % sides; }
+  std::size_t Roll(std::size_t sides) { return random_() % sides; }
 
   /// A companion comes, goes, or is switched.
   void ChangeStack() {
@@ -150,7 +150,7 @@ class ManySenders : public RigTest {
            std::abs(a.blue - b.blue) <= kTolerance && std::abs(a.alpha - b.alpha) <= kTolerance;
   }
 
-  std::mt19937 dice_{TheSettings().seed};
+  std::mt19937 random_{TheSettings().seed};
   std::array<Companion*, kMostSenders> companions_{};
   Model model_;
 };

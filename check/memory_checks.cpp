@@ -9,19 +9,18 @@
 #include "check/support/allocation_faults.h"
 #include "check/support/parameters.h"
 #include "check/support/pieces.h"
-#include "check/support/promise.h"
+#include "check/support/requirement.h"
 #include "check/support/rig.h"
-#include "standin/core/books.h"
+#include "standin/core/object_tracker.h"
 
 namespace check::memory {
 namespace {
 
-using check::AllocationFaults;
 using standin::CommandResult;
 using tarvo::Picture;
 
 constexpr std::uint64_t kMostAllocations = 1000;
-constexpr check::Box kMemoryArea{.left = 0, .top = 0, .width = 80, .height = 60};
+constexpr Box kMemoryArea{.left = 0, .top = 0, .width = 80, .height = 60};
 
 /// Work whose allocations are to fail.
 struct Trial {
@@ -55,18 +54,18 @@ std::uint64_t FailEach(const Trial& trial) {
   return n - 1;
 }
 
-class Memory : public check::RigTest {
+class Memory : public RigTest {
  protected:
   void SetUp() override {
     if (const char* obstacle = AllocationFaults::Obstacle()) GTEST_SKIP() << obstacle;
     for (std::uint32_t bone = 0; bone < 3; ++bone) {
-      rig.AddBone(check::Pattern(16, 12, bone), check::WarpedPieces(bone, 3, kMemoryArea, 16, 12))
-          .groupName = "A name that no short string holds";
+      rig.AddBone(Pattern(16, 12, bone), WarpedPieces(bone, 3, kMemoryArea, 16, 12)).groupName =
+          "A name that no short string holds";
     }
     rig.SetFast(false);
     rig.Send();
     good = rig.Render().picture;
-    worlds = rig.host.books.Count(standin::Kind::kWorld);
+    worlds = rig.host.tracker.Count(standin::Kind::kWorld);
   }
 
   /// The images come once more, and wait for a frame.
@@ -79,7 +78,7 @@ class Memory : public check::RigTest {
   void ExpectAllAsBefore() {
     EXPECT_TRUE(rig.host.ContextIsCurrent());
     EXPECT_EQ(rig.Render().picture, good);
-    EXPECT_EQ(rig.host.books.Count(standin::Kind::kWorld), worlds);
+    EXPECT_EQ(rig.host.tracker.Count(standin::Kind::kWorld), worlds);
   }
 
   Picture good;
@@ -107,7 +106,7 @@ CHECK_F(Memory, RunningOutInARenderLeavesATransparentFrame,
   EXPECT_GT(FailEach(trial), 0U);
 }
 
-CHECK_F(Memory, RunningOutInAnIntakeReturns4AndLosesNothing,
+CHECK_F(Memory, RunningOutInAnIntakeReturns4AndLeaksNothing,
         "Whichever allocation of an intake fails, the result is 4, no world is lost, and the same "
         "message then goes well.") {
   standin::Companion& bone = *rig.ActiveCompanions().front();
@@ -129,7 +128,7 @@ CHECK_F(Memory, RunningOutInAnIntakeReturns4AndLosesNothing,
   EXPECT_GT(FailEach(trial), 0U);
 }
 
-CHECK_F(Memory, RunningOutInTheFirstIntakeReturns4AndLosesNothing,
+CHECK_F(Memory, RunningOutInTheFirstIntakeReturns4AndLeaksNothing,
         "Whichever allocation of an instance's first intake fails, the result is 4, and the same "
         "message then goes well.") {
   standin::Companion& bone = *rig.ActiveCompanions().front();
@@ -157,7 +156,7 @@ CHECK_F(Memory, RunningOutInTheFirstIntakeReturns4AndLosesNothing,
   EXPECT_TRUE(rig.host.Remove(*fresh).Ok());
 }
 
-CHECK_F(Memory, RunningOutInOtherCommandsReturns4AndLosesNothing,
+CHECK_F(Memory, RunningOutInOtherCommandsReturns4AndLeaksNothing,
         "Whichever allocation of a label update, a set-up, a resetup, a nudge or an idle call "
         "fails, the result is 4, nothing is lost, and the scene is as before.") {
   standin::Host& host = rig.host;
@@ -196,25 +195,25 @@ CHECK(MemoryAtTheStart, RunningOutReturns4AndTheNextStartGoesWell,
   std::optional<standin::Host> host;
   int ran = 0;
   const Trial trial{.name = "global set-up",
-                    .prepare = [&] { host.emplace(check::PluginUnderCheck()); },
+                    .prepare = [&] { host.emplace(PluginUnderCheck()); },
                     .work = [&] { return host->GlobalSetup(); },
                     .judge =
                         [&](const CommandResult& result) {
                           EXPECT_EQ(result.code, PF_Err_OUT_OF_MEMORY);
                           EXPECT_TRUE(host->ContextIsCurrent());
                           // The window layer of a Linux build allocates before set-up begins.
-                          const bool begun = host->gate.Calls() > 0;
+                          const bool begun = host->injector.Calls() > 0;
                           EXPECT_EQ(host->GlobalData() != nullptr, begun);
                           EXPECT_EQ(host->Reports().size(), begun ? 1U : 0U);
                           ran += begun ? 1 : 0;
-                          check::EndHostInOrder(*host);
-                          host.emplace(check::PluginUnderCheck());
+                          EndHostInOrder(*host);
+                          host.emplace(PluginUnderCheck());
                           EXPECT_TRUE(host->StartUp().Ok());
-                          check::EndHostInOrder(*host);
+                          EndHostInOrder(*host);
                         }};
   EXPECT_GT(FailEach(trial), 0U);
   EXPECT_GT(ran, 0);
-  check::EndHostInOrder(*host);
+  EndHostInOrder(*host);
 }
 
 }  // namespace

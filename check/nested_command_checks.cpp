@@ -2,19 +2,19 @@
 
 #include <cstring>
 
-#include "check/support/odd_worlds_test.h"
-#include "check/support/promise.h"
+#include "check/support/requirement.h"
+#include "check/support/unusual_worlds_test.h"
 
 namespace check::nested_commands {
 namespace {
 
 using tarvo::Picture;
 
-class NestedCommands : public OddWorldsTest {};
+class NestedCommands : public UnusualWorldsTest {};
 
 /// The plug-in's own context is current while the host makes the world. The entry point is called
 /// as one effect calls another, with no host between.
-CHECK_F(NestedCommands, AreAnsweredInTheMiddleOfARender,
+CHECK_F(NestedCommands, AreHandledDuringARender,
         "A message that comes from within a host call of a render is filed, one for the very "
         "instance that renders is refused with 516, as is a second frame; the first frame is as "
         "ever, and the host's context is current again.") {
@@ -52,7 +52,7 @@ CHECK_F(NestedCommands, AreAnsweredInTheMiddleOfARender,
 
 /// The slot that the outer message fills is one of a list, which a place far down the stack would
 /// move.
-CHECK_F(NestedCommands, AreRefusedInTheMiddleOfAMessage,
+CHECK_F(NestedCommands, AreRefusedDuringAMessage,
         "A message that comes from within a host call of another one to the same instance is "
         "refused with 516, and the first is filed as ever.") {
   standin::Companion& bone = *rig.ActiveCompanions().front();
@@ -67,8 +67,8 @@ CHECK_F(NestedCommands, AreRefusedInTheMiddleOfAMessage,
   PF_InData in = rig.host.InputRecord(&rig.renderer);
   PF_OutData out{};
   PF_Err answer = PF_Err_NONE;
-  OtherWorlds worlds(in.pica_basicP, [&](const auto& host, PF_ProgPtr effect, A_long width,
-                                         A_long height, PF_EffectWorld* world) {
+  SubstituteWorlds worlds(in.pica_basicP, [&](const auto& host, PF_ProgPtr effect, A_long width,
+                                              A_long height, PF_EffectWorld* world) {
     PF_InData again = rig.host.InputRecord(&rig.renderer);
     answer = PluginUnderCheck()(PF_Cmd_COMPLETELY_GENERAL, &again, &out, nullptr, nullptr, &nested);
     return MakeWorld(host, effect, width, height, world);

@@ -8,7 +8,7 @@
 
 #include "check/support/host_test.h"
 #include "check/support/parameters.h"
-#include "check/support/promise.h"
+#include "check/support/requirement.h"
 
 namespace check::parameters {
 namespace {
@@ -76,9 +76,9 @@ CHECK_F(Parameters, EndWithARefusedOne,
   for (const std::uint64_t refused : {1U, 2U, 50U, 51U, 52U, 53U}) {
     Host& host = MakeHost();
     ASSERT_TRUE(host.GlobalSetup().Ok());
-    host.gate.FailOperation("add_param", refused, {.code = 77});
+    host.injector.FailOperation("add_param", refused, {.code = 77});
     EXPECT_EQ(host.ParamsSetup().code, 77) << refused;
-    EXPECT_EQ(host.gate.Calls("add_param"), refused);
+    EXPECT_EQ(host.injector.Calls("add_param"), refused);
     EndHost();
   }
 }

@@ -9,7 +9,7 @@
 #include "base/image/compare.h"
 #include "check/support/parameters.h"
 #include "check/support/pieces.h"
-#include "check/support/promise.h"
+#include "check/support/requirement.h"
 #include "check/support/rig.h"
 
 namespace check::pictures {
@@ -169,7 +169,7 @@ const std::vector<Case> kCases{
 
 class Pictures : public RigTest, public ::testing::WithParamInterface<std::tuple<Case, bool>> {};
 
-CHECK_P(Pictures, AreWhatTheModelDraws,
+CHECK_P(Pictures, MatchTheModel,
         "A frame is what an independent model of the two passes draws, in both modes.") {
   const auto& [scene, exact] = GetParam();
   scene.build(rig);
@@ -178,7 +178,7 @@ CHECK_P(Pictures, AreWhatTheModelDraws,
   const RenderResult result = rig.Render(scene.request);
   const auto expected = rig.Expected(result.picture, scene.request);
   const auto comparison =
-      tarvo::Compare(result.picture, expected.picture, kTolerance, expected.decided);
+      tarvo::Compare(result.picture, expected.picture, kTolerance, expected.comparable);
   RecordProperty("pixels compared", std::to_string(comparison.compared));
   RecordProperty("largest difference", comparison.largest);
   // Most of the picture is held against the other, or the rig is no test.
@@ -195,17 +195,18 @@ INSTANTIATE_TEST_SUITE_P(, Pictures,
                          ::testing::Combine(::testing::ValuesIn(kCases), ::testing::Bool()),
                          NameOf);
 
-class Picturing : public RigTest {
+class Rendering : public RigTest {
  protected:
   /// Expects the picture to be the model's.
   void ExpectExpected(const Picture& picture, const FrameRequest& request = {}) {
     const auto expected = rig.Expected(picture, request);
-    const auto comparison = tarvo::Compare(picture, expected.picture, kTolerance, expected.decided);
+    const auto comparison =
+        tarvo::Compare(picture, expected.picture, kTolerance, expected.comparable);
     EXPECT_EQ(comparison.beyond, 0U) << comparison.Text();
   }
 };
 
-CHECK_F(Picturing, OpaquePieceLandsOnItsPixels,
+CHECK_F(Rendering, OpaquePieceLandsOnItsPixels,
         "An opaque piece along the axes colours exactly its own pixels, and the output is 5 % "
         "wider on each side.") {
   rig.AddBone(Picture(64, 48, kOrange),
@@ -223,7 +224,7 @@ CHECK_F(Picturing, OpaquePieceLandsOnItsPixels,
   }
 }
 
-CHECK_F(Picturing, OpacityIsStrengthenedByTheTwoPasses,
+CHECK_F(Rendering, OpacityIsStrengthenedByTheTwoPasses,
         "Half opacity shows as three quarters: the two passes add up.") {
   Companion& bone =
       rig.AddBone(Picture(64, 48, kOrange),
@@ -239,7 +240,7 @@ CHECK_F(Picturing, OpacityIsStrengthenedByTheTwoPasses,
 }
 
 /// Sliders show hundredths, but animation and expressions pass through every number.
-CHECK_F(Picturing, OfBonesWithEqualDepthsTheLaterOneIsInFront,
+CHECK_F(Rendering, OfBonesWithEqualDepthsTheLaterOneIsInFront,
         "Of two bones with the same Z values the one further down the stack is in front, at each "
         "place along them; where the Z values differ by half a billionth, they decide.") {
   constexpr Rgba kBlue{.red = 20, .green = 40, .blue = 220, .alpha = 255};
@@ -264,7 +265,7 @@ CHECK_F(Picturing, OfBonesWithEqualDepthsTheLaterOneIsInFront,
   }
 }
 
-CHECK_F(Picturing, CheckboxAboveOneIsOn, "A fast transparency above 1 is as good as 1.") {
+CHECK_F(Rendering, CheckboxAboveOneIsOn, "A fast transparency above 1 is as good as 1.") {
   OverlapWithinOneImage(rig);
   rig.Send();
   const Picture fast = rig.Render().picture;
@@ -275,7 +276,7 @@ CHECK_F(Picturing, CheckboxAboveOneIsOn, "A fast transparency above 1 is as good
   EXPECT_NE(exact, fast);
 }
 
-CHECK_F(Picturing, LaterMessagesReplaceEarlierOnes,
+CHECK_F(Rendering, LaterMessagesReplaceEarlierOnes,
         "Moved pieces and new images show in the next frame, and nothing of the old ones does.") {
   WarpedPiecesSeed12(rig);
   rig.Send();
@@ -297,7 +298,7 @@ CHECK_F(Picturing, LaterMessagesReplaceEarlierOnes,
   ExpectExpected(rig.Render().picture);
 }
 
-CHECK_F(Picturing, OpacityIsTakenOverWithAnImageOnly,
+CHECK_F(Rendering, OpacityChangesWithAnImageOnly,
         "A new opacity shows once an image comes with it.") {
   OpaquePiece(rig);
   rig.Send();
@@ -311,7 +312,8 @@ CHECK_F(Picturing, OpacityIsTakenOverWithAnImageOnly,
   ExpectExpected(rig.Render().picture);
 }
 
-CHECK_F(Picturing, ImageWaitsForPieces, "An image that came before its pieces is not lost.") {
+CHECK_F(Rendering, AnImageSentBeforeItsPiecesIsDrawn,
+        "An image that came before its pieces is not lost.") {
   Companion& bone = rig.AddBone(Pattern(64, 48, 1), {});
   rig.AddBone(Pattern(64, 48, 2), WarpedPieces(5, 4, kLayerArea, 64, 48));
   rig.Send();
@@ -321,7 +323,7 @@ CHECK_F(Picturing, ImageWaitsForPieces, "An image that came before its pieces is
   ExpectExpected(rig.Render().picture);
 }
 
-CHECK_F(Picturing, EmptySceneAndTinyOutputsStayTransparent,
+CHECK_F(Rendering, EmptySceneAndTinyOutputsStayTransparent,
         "Without pieces, and in outputs below four pixels a side, the frame is transparent.") {
   const Picture empty = rig.Render().picture;
   EXPECT_EQ(empty, Picture(200, 160));

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "check/support/failed_render_test.h"
-#include "check/support/promise.h"
+#include "check/support/requirement.h"
 
 namespace check::failed_renders {
 namespace {
@@ -79,10 +79,10 @@ CHECK_F(FailedRenders, ReportWhatTheHostFailed,
   for (const HostFailure& failing : kHostFailures) {
     SCOPED_TRACE(::testing::PrintToString(failing));
     if (failing.imagesPending) SendImages();
-    const std::uint64_t injected = rig.host.gate.Injected();
-    rig.host.gate.FailOperation(failing.operation, failing.occurrence, failing.failure);
+    const std::uint64_t injected = rig.host.injector.Injected();
+    rig.host.injector.FailOperation(failing.operation, failing.occurrence, failing.failure);
     const RenderResult result = RenderBadly();
-    EXPECT_EQ(rig.host.gate.Injected(), injected + 1);
+    EXPECT_EQ(rig.host.injector.Injected(), injected + 1);
     EXPECT_EQ(result.command.code, failing.expected);
     EXPECT_EQ(result.command.message, "");
     EXPECT_EQ(result.picture == good, failing.outputIsWhole);
@@ -92,11 +92,11 @@ CHECK_F(FailedRenders, ReportWhatTheHostFailed,
 }
 
 /// Nothing can be said of the output then.
-CHECK_F(FailedRenders, ReportAFailedFillUnlessAnImageWaits,
+CHECK_F(FailedRenders, ReportAFailedFillUnlessAnImageIsPending,
         "A fill that fails is the result, or 517 when an image waits.") {
   for (const bool imagesPending : {false, true}) {
     if (imagesPending) SendImages();
-    rig.host.gate.FailOperation("fill", 1, kReturned);
+    rig.host.injector.FailOperation("fill", 1, kReturned);
     EXPECT_EQ(rig.host.Render(rig.renderer).command.code, imagesPending ? kCancel : kOther);
     ExpectRecovery();
   }
@@ -111,12 +111,12 @@ CHECK_F(FailedRenders, KeepImagesThatCannotBeDisposedOf,
     bone->imageA.Set(Pattern(image.width, image.height, 70));
   }
   rig.Send();
-  const std::size_t worlds = rig.host.books.Count(standin::Kind::kWorld);
-  rig.host.gate.FailOperation("fill", 1, kReturned);
-  rig.host.Withhold("PF World Suite", 1);
+  const std::size_t worlds = rig.host.tracker.Count(standin::Kind::kWorld);
+  rig.host.injector.FailOperation("fill", 1, kReturned);
+  rig.host.HideSuite("PF World Suite", 1);
   EXPECT_EQ(rig.host.Render(rig.renderer).command.code, PF_Err_BAD_CALLBACK_PARAM);
-  EXPECT_EQ(rig.host.books.Count(standin::Kind::kWorld), worlds);
-  rig.host.OfferAllSuites();
+  EXPECT_EQ(rig.host.tracker.Count(standin::Kind::kWorld), worlds);
+  rig.host.ShowAllSuites();
   const Picture kept = rig.Render().picture;
   EXPECT_NE(kept, good);
   SendImages();
@@ -125,7 +125,7 @@ CHECK_F(FailedRenders, KeepImagesThatCannotBeDisposedOf,
 
 /// Every upload's buffer in turn, of four new images. What the next frame must show of them is sent
 /// anew and drawn, for comparison.
-CHECK_F(FailedRenders, GiveUpTheImagesOfOneBoneAlone,
+CHECK_F(FailedRenders, DiscardTheImagesOfOneBoneOnly,
         "An upload that the host fails gives up what its bone still waits with; images of other "
         "bones show in the next frame, and those given up show as before.") {
   const auto bones = rig.ActiveCompanions();
@@ -143,7 +143,7 @@ CHECK_F(FailedRenders, GiveUpTheImagesOfOneBoneAlone,
       image->Set(Pattern(image->picture.width, image->picture.height, ++seed));
     }
     rig.Send();
-    rig.host.gate.FailOperation("host_new_handle", upload + 1, kReturned);
+    rig.host.injector.FailOperation("host_new_handle", upload + 1, kReturned);
     EXPECT_EQ(RenderBadly().command.code, kCancel);
     const Picture next = rig.Render().picture;
     for (const std::size_t at : givenUp[upload]) images[at]->picture = before[at];
@@ -161,10 +161,10 @@ CHECK_F(FailedRenders, LeaveOutAMapWithoutMemory,
   const auto bones = rig.ActiveCompanions();
   const Picture exact = rig.Render().picture;
   for (std::uint64_t map = 0; map < 8; ++map) {  // for A and for B: two maps of each bone's image
-    const std::uint64_t injected = rig.host.gate.Injected();
-    rig.host.gate.FailOperation("host_new_handle", map + 1, kReturned);
+    const std::uint64_t injected = rig.host.injector.Injected();
+    rig.host.injector.FailOperation("host_new_handle", map + 1, kReturned);
     const RenderResult result = RenderBadly();
-    EXPECT_EQ(rig.host.gate.Injected(), injected + 1);
+    EXPECT_EQ(rig.host.injector.Injected(), injected + 1);
     EXPECT_EQ(result.command.code, PF_Err_NONE);
 
     standin::Companion& bone = *bones[map % 2];
@@ -198,7 +198,7 @@ CHECK_F(FailedRenders, Return516WithoutASuite,
         Missing{"PF Handle Suite", 2, true}, Missing{"PF Fill Matte Suite", 2, false}}) {
     SCOPED_TRACE(missing.suite);
     if (missing.imagesPending) SendImages();
-    rig.host.Withhold(missing.suite, missing.version);
+    rig.host.HideSuite(missing.suite, missing.version);
     const RenderResult result = RenderBadly();
     EXPECT_EQ(result.command.code, PF_Err_BAD_CALLBACK_PARAM);
     EXPECT_EQ(result.command.message, "");

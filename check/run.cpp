@@ -6,7 +6,7 @@
 
 #include <gtest/gtest.h>
 
-#include "check/support/promise.h"
+#include "check/support/requirement.h"
 
 namespace check {
 namespace {
@@ -47,7 +47,7 @@ Result ResultOf(const TestInfo& info) {
   constexpr double kMilliseconds = 1000;
   const testing::TestResult& outcome = *info.result();
   Result result{.name = FullName(info),
-                .promise = PromiseOf(FullName(info)),
+                .requirement = RequirementOf(FullName(info)),
                 .verdict = VerdictOf(outcome),
                 .seconds = static_cast<double>(outcome.elapsed_time()) / kMilliseconds,
                 .messages = {},
@@ -83,7 +83,7 @@ std::vector<Check> AllChecks() {
     const testing::TestSuite& suite = *all.GetTestSuite(s);
     for (int t = 0; t < suite.total_test_count(); ++t) {
       const std::string name = FullName(*suite.GetTestInfo(t));
-      checks.push_back({name, PromiseOf(name)});
+      checks.push_back({name, RequirementOf(name)});
     }
   }
   std::ranges::sort(checks, {}, &Check::name);

@@ -9,7 +9,7 @@
 
 #include "check/support/host_test.h"
 #include "check/support/parameters.h"
-#include "check/support/promise.h"
+#include "check/support/requirement.h"
 
 namespace check::sliders {
 namespace {
@@ -40,7 +40,7 @@ double ValueOf(const RendererInstance& renderer, int index) {
   return renderer.parameters[static_cast<std::size_t>(index)].Value();
 }
 
-CHECK_F(Sliders, FollowTheSwitchedOnCompanions,
+CHECK_F(Sliders, FollowTheActiveCompanions,
         "Each switched-on companion shows two sliders that bear its name, cut to 31 characters, "
         "with nothing to undo; what has not changed is not sent.") {
   Host& host = StartHost();
@@ -56,20 +56,20 @@ CHECK_F(Sliders, FollowTheSwitchedOnCompanions,
   EXPECT_EQ(Label(renderer, 2), "Arm end Z");
   EXPECT_EQ(Label(renderer, 3), std::string(31, 'x'));
   EXPECT_EQ(Label(renderer, 5), "Bone 3 start Z");
-  EXPECT_EQ(host.gate.Calls("PF_UpdateParamUI"), 4U);
+  EXPECT_EQ(host.injector.Calls("PF_UpdateParamUI"), 4U);
   EXPECT_EQ(renderer.parameters[1].sentUiFlags, PF_PUI_INVISIBLE);
 
   // Nothing has changed: nothing is sent and nothing set.
-  const auto flagsSet = host.gate.Calls("AEGP_SetDynamicStreamFlag");
+  const auto flagsSet = host.injector.Calls("AEGP_SetDynamicStreamFlag");
   EXPECT_EQ(flagsSet, 47U);
   ASSERT_TRUE(host.UpdateParamsUi(renderer).Ok());
-  EXPECT_EQ(host.gate.Calls("PF_UpdateParamUI"), 4U);
-  EXPECT_EQ(host.gate.Calls("AEGP_SetDynamicStreamFlag"), flagsSet);
+  EXPECT_EQ(host.injector.Calls("PF_UpdateParamUI"), 4U);
+  EXPECT_EQ(host.injector.Calls("AEGP_SetDynamicStreamFlag"), flagsSet);
 
   // One name changes; a companion goes, and its sliders keep their labels.
   arm.groupName = "Left arm";
   ASSERT_TRUE(host.UpdateParamsUi(renderer).Ok());
-  EXPECT_EQ(host.gate.Calls("PF_UpdateParamUI"), 6U);
+  EXPECT_EQ(host.injector.Calls("PF_UpdateParamUI"), 6U);
   host.Remove(arm);
   ASSERT_TRUE(host.UpdateParamsUi(renderer).Ok());
   EXPECT_EQ(ShownCount(renderer), 2);
@@ -84,7 +84,7 @@ CHECK_F(Sliders, AreHiddenWithoutCompanionsAndShownWithMany,
   auto& renderer = host.AddRenderer(TheLayer());
   ASSERT_TRUE(host.UpdateParamsUi(renderer).Ok());
   EXPECT_EQ(ShownCount(renderer), 0);
-  EXPECT_EQ(host.gate.Calls("PF_UpdateParamUI"), 0U);
+  EXPECT_EQ(host.injector.Calls("PF_UpdateParamUI"), 0U);
   for (int bone = 1; bone <= 27; ++bone) {
     host.AddCompanion(TheLayer(), "B" + std::to_string(bone));
   }
@@ -137,16 +137,16 @@ CHECK_F(Sliders, StopAtTheFirstFailure,
     host.AddCompanion(TheLayer(), "A");
     host.AddCompanion(TheLayer(), "B");
     auto& renderer = host.AddRenderer(TheLayer());
-    host.gate.FailOperation(operation, occurrence, {.code = 47});
+    host.injector.FailOperation(operation, occurrence, {.code = 47});
     EXPECT_EQ(host.UpdateParamsUi(renderer).code, 47);
-    EXPECT_EQ(host.gate.Injected(operation), 1U);
-    EXPECT_EQ(host.gate.Calls("AEGP_SetDynamicStreamFlag"), flagsSet);
-    EXPECT_EQ(host.gate.Calls("PF_UpdateParamUI"), labelsSent);
+    EXPECT_EQ(host.injector.Injected(operation), 1U);
+    EXPECT_EQ(host.injector.Calls("AEGP_SetDynamicStreamFlag"), flagsSet);
+    EXPECT_EQ(host.injector.Calls("PF_UpdateParamUI"), labelsSent);
     EndHost();
   }
 }
 
-CHECK_F(Nudges, ReachEachSwitchedOnCompanionOnce,
+CHECK_F(Nudges, ReachEachActiveCompanionOnce,
         "Each change of a slider raises parameter 89 of every switched-on companion by one.") {
   Host& host = StartHost();
   auto& first = host.AddCompanion(TheLayer(), "A");
@@ -174,7 +174,7 @@ CHECK_F(Nudges, StopAtACompanionThatCannotBeNudged,
     host.AddCompanion(TheLayer(), "A");
     auto& last = host.AddCompanion(TheLayer(), "B");
     auto& renderer = host.AddRenderer(TheLayer());
-    host.gate.FailOperation(operation, 1, {.code = 44});
+    host.injector.FailOperation(operation, 1, {.code = 44});
     EXPECT_EQ(host.SetParameter(renderer, kUpdater, 2).code, 44) << operation;
     EXPECT_EQ(last.NudgeCounter(), 0) << operation;
     EXPECT_EQ(ValueOf(renderer, kUpdater), 2) << operation;
@@ -183,7 +183,7 @@ CHECK_F(Nudges, StopAtACompanionThatCannotBeNudged,
 }
 
 /// Such a host is not asked for the parameters of no effect, either.
-CHECK_F(Nudges, GoOutWithoutAReferenceToTheEffect,
+CHECK_F(Nudges, AreSentWithoutAReferenceToTheEffect,
         "Where the host has no reference to the effect itself, the updater nudges the companions "
         "all the same.") {
   Host& host = StartHost();
@@ -218,7 +218,7 @@ CHECK_F(Nudges, CountInWholeNumbersModuloAThousand,
   }
 }
 
-CHECK_F(Idle, SwitchesHiddenOnInOneNamelessUndoGroup,
+CHECK_F(Idle, SetsHiddenInOneUnnamedUndoGroup,
         "The first idle call after a set-up switches \"Hidden\" on in every instance, as one undo "
         "step.") {
   Host& host = StartHost();
@@ -235,9 +235,9 @@ CHECK_F(Idle, SwitchesHiddenOnInOneNamelessUndoGroup,
   EXPECT_TRUE(host.Changes()[0].inUndoGroup && host.Changes()[1].inUndoGroup);
 
   // Quiet until the next set-up; then what is on already is not written again.
-  const auto calls = host.gate.Calls();
+  const auto calls = host.injector.Calls();
   ASSERT_EQ(host.Idle(), A_Err_NONE);
-  EXPECT_EQ(host.gate.Calls(), calls);
+  EXPECT_EQ(host.injector.Calls(), calls);
   auto& third = host.AddRenderer(TheLayer());
   ASSERT_EQ(host.Idle(), A_Err_NONE);
   EXPECT_EQ(ValueOf(third, kHidden), 1);
@@ -263,7 +263,7 @@ CHECK_F(Idle, WorkComesAgainAfterEverySetUp,
 }
 
 /// The idle hook gets no records: it has to remember where the host was last.
-CHECK_F(Idle, WorkReachesTheHostWhereTheLatestCommandDid,
+CHECK_F(Idle, WorkUsesTheSuitesOfTheLatestCommand,
         "Idle work uses the basic suite that the latest command brought, whichever that was.") {
   Host& host = StartHost();
   auto& renderer = host.AddRenderer(TheLayer());
@@ -274,9 +274,9 @@ CHECK_F(Idle, WorkReachesTheHostWhereTheLatestCommandDid,
   in.pica_basicP = &moved;
   PF_OutData out{};
   host.CallWith(kUnknownCommand, in, out, nullptr, nullptr, nullptr);
-  const auto calls = host.gate.Calls();
+  const auto calls = host.injector.Calls();
   EXPECT_EQ(host.Idle(), PF_Err_BAD_CALLBACK_PARAM);
-  EXPECT_EQ(host.gate.Calls(), calls);
+  EXPECT_EQ(host.injector.Calls(), calls);
   EXPECT_TRUE(host.Call(kUnknownCommand, nullptr).Ok());
 }
 
@@ -317,12 +317,12 @@ CHECK_F(Idle, ErrorsEndWithTheirQuietSection,
   for (const auto& [operation, occurrence, expected] : cases) {
     Host& host = StartHost();
     host.AddRenderer(TheLayer());
-    host.gate.FailOperation(operation, occurrence, {.code = 71});
+    host.injector.FailOperation(operation, occurrence, {.code = 71});
     EXPECT_EQ(host.Idle(), expected) << operation;
-    EXPECT_EQ(host.gate.Injected(operation), 1U) << operation;
-    const auto calls = host.gate.Calls();
+    EXPECT_EQ(host.injector.Injected(operation), 1U) << operation;
+    const auto calls = host.injector.Calls();
     EXPECT_EQ(host.Idle(), A_Err_NONE) << operation;
-    EXPECT_EQ(host.gate.Calls(), calls) << operation;
+    EXPECT_EQ(host.injector.Calls(), calls) << operation;
     EndHost();
   }
 }

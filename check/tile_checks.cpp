@@ -5,7 +5,7 @@
 
 #include "base/image/compare.h"
 #include "check/support/pieces.h"
-#include "check/support/promise.h"
+#include "check/support/requirement.h"
 #include "check/support/rig.h"
 
 namespace check::tiles {
@@ -37,17 +37,17 @@ void ExpectDrawnAsOne(Rig& rig, bool tall) {
     const Picture picture = rig.Render().picture;
     ASSERT_GT(tall ? picture.height : picture.width, 4096);
     const auto expected = rig.Expected(picture);
-    const auto comparison = tarvo::Compare(picture, expected.picture, 2, expected.decided);
+    const auto comparison = tarvo::Compare(picture, expected.picture, 2, expected.comparable);
     EXPECT_LE(comparison.beyond, exact ? comparison.compared / 20'000 : 0);
   }
 }
 
-CHECK_F(Tiles, OfABannerAreWhatTheModelDraws,
+CHECK_F(Tiles, OfAWideOutputMatchTheModel,
         "An output wider than any render target is drawn as if it were one.") {
   ExpectDrawnAsOne(rig, false);
 }
 
-CHECK_F(Tiles, OfATowerAreWhatTheModelDraws,
+CHECK_F(Tiles, OfATallOutputMatchTheModel,
         "An output taller than any render target is drawn as if it were one.") {
   ExpectDrawnAsOne(rig, true);
 }

@@ -6,7 +6,7 @@
 #include <string>
 
 #include "check/support/pieces.h"
-#include "check/support/promise.h"
+#include "check/support/requirement.h"
 #include "check/support/rig.h"
 #include "standin/loader/plugin_library.h"
 
@@ -37,7 +37,7 @@ tarvo::Picture Draw(Rig& rig, unsigned seed) {
   return rig.Render().picture;
 }
 
-CHECK(TwoLibraries, StartRenderAndStopWithoutMeeting,
+CHECK(TwoLibraries, StartRenderAndStopIndependently,
       "Two files of the plug-in in one process draw and end without meeting.") {
   if (PluginFile().empty()) GTEST_SKIP() << "the plug-in is linked in: there is one";
   const OtherFile file;

@@ -29,17 +29,17 @@ void Check(CheckOptions options, const Console& console) {
 void AddCheck(CLI::App& program, Work& chosen) {
   const auto options = std::make_shared<CheckOptions>();
   CLI::App* command = program.add_subcommand(
-      "check", "Find out whether a build of the plug-in is sound, promise by promise");
+      "check", "Find out whether a build of the plug-in is conformant, requirement by requirement");
   AddCheckOptions(*command, *options);
   command->footer(R"(Examples:
   tarvo check
   tarvo check build/linux/bin/Tarvo_overlaps_manager.so --jobs 4 --junit checks.xml
   tarvo check --only "Intake.*" --only "*Nudge*" --seed 7
-  tarvo check --only Commands.AboutTellsNameAndVersion --trace
+  tarvo check --only Commands.AboutShowsNameAndVersion --trace
 
 Each check runs in a process of its own, of the program tarvo-check-worker: a crash and a hang are
 results. Started by hand, that program takes the same options and runs all in its own process. The last
-line is "sound: ..." (exit code 0), "not sound: ..." (1) or "cannot be loaded: ..." (4). Where the report of
+line is "conformant: ..." (exit code 0), "not conformant: ..." (1) or "cannot be loaded: ..." (4). Where the report of
 --junit cannot be written at the end, the verdict is said all the same, and the exit code is 5.)");
   command->callback([options, &chosen] {
     chosen = [options](const Console& console) { Check(*options, console); };

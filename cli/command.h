@@ -32,7 +32,7 @@ void AddSheet(CLI::App& program, Work& chosen);
 /// `tarvo watch`: a picture that is made again whenever its scene is saved.
 void AddWatch(CLI::App& program, Work& chosen);
 
-/// `tarvo check`: whether a build of the plug-in is sound.
+/// `tarvo check`: whether a build of the plug-in is conformant.
 void AddCheck(CLI::App& program, Work& chosen);
 
 /// The program: reads the command line and does what it says; the exit code.

@@ -13,7 +13,7 @@
 #include "cli/options/hosted_plugin.h"
 #include "cli/options/scene_options.h"
 #include "tool/explain/explanation.h"
-#include "tool/player/performance.h"
+#include "tool/player/scene_player.h"
 #include "tool/rig/file/scene_file.h"
 
 namespace tarvo {

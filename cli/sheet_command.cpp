@@ -19,7 +19,7 @@
 #include "cli/options/hosted_plugin.h"
 #include "cli/options/output_guard.h"
 #include "cli/options/scene_options.h"
-#include "tool/player/performance.h"
+#include "tool/player/scene_player.h"
 #include "tool/rig/file/scene_file.h"
 
 namespace tarvo {

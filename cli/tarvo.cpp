@@ -24,7 +24,7 @@ The plug-in runs in a process of its own. What it prints is written to standard 
 behind the name of that process; a crash, or a command that takes longer than --time-limit, is said
 with the command, the frame and the last host call.
 
-Exit codes: 0 made; 1 two pictures differ, or the plug-in is not sound; 2 a file, a scene or an
+Exit codes: 0 made; 1 two pictures differ, or the plug-in is not conformant; 2 a file, a scene or an
 option is wrong; 3 the plug-in returned an error, broke a rule of its host, crashed or hung; 4 the
 plug-in cannot be loaded, or this machine cannot run it (no OpenGL, no memory, no processes or
 threads left, no ffmpeg for a movie), or standard output cannot be written; 5 frames or the report

@@ -32,8 +32,8 @@ double DistanceToSegment(Point at, Point from, Point to) {
   const Point along{to.x - from.x, to.y - from.y};
   const double length = along.x * along.x + along.y * along.y;
   const double reach = (at.x - from.x) * along.x + (at.y - from.y) * along.y;
-  const double share = length > 0.0 ? std::clamp(reach / length, 0.0, 1.0) : 0.0;
-  return std::hypot(at.x - from.x - share * along.x, at.y - from.y - share * along.y);
+  const double t = length > 0.0 ? std::clamp(reach / length, 0.0, 1.0) : 0.0;
+  return std::hypot(at.x - from.x - t * along.x, at.y - from.y - t * along.y);
 }
 
 /// How far the corners lie along a direction: least and greatest.

@@ -61,9 +61,9 @@ void DrawLine(Picture& picture, Point from, Point to, Rgba colour, int width) {
   const double length = std::max(std::abs(to.x - from.x), std::abs(to.y - from.y));
   const int steps = std::max(1, static_cast<int>(std::ceil(std::min(length, 1e5))));
   for (int step = 0; step <= steps; ++step) {
-    const double share = static_cast<double>(step) / steps;
-    const double x = std::clamp(std::lerp(from.x, to.x, share), -1e6, 1e6);
-    const double y = std::clamp(std::lerp(from.y, to.y, share), -1e6, 1e6);
+    const double t = static_cast<double>(step) / steps;
+    const double x = std::clamp(std::lerp(from.x, to.x, t), -1e6, 1e6);
+    const double y = std::clamp(std::lerp(from.y, to.y, t), -1e6, 1e6);
     FillBox(picture, static_cast<int>(std::floor(x)) - width / 2,
             static_cast<int>(std::floor(y)) - width / 2, width, width, colour);
   }

@@ -18,17 +18,17 @@ Colour Texel(const Picture& image, double column, double row) {
   return {texel.red / kSteps, texel.green / kSteps, texel.blue / kSteps, texel.alpha / kSteps};
 }
 
-Colour Mix(const Colour& from, const Colour& to, double share) {
+Colour Mix(const Colour& from, const Colour& to, double t) {
   Colour mixed{};
   std::ranges::transform(from, to, mixed.begin(),
-                         [share](double a, double b) { return a + (b - a) * share; });
+                         [t](double a, double b) { return a + (b - a) * t; });
   return mixed;
 }
 
 }  // namespace
 
-std::uint8_t Byte(double share) {
-  return static_cast<std::uint8_t>(std::lround(StoredChannel(share) * kSteps));
+std::uint8_t Byte(double t) {
+  return static_cast<std::uint8_t>(std::lround(StoredChannel(t) * kSteps));
 }
 
 Colour Stored(const Colour& colour) {

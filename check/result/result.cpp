@@ -28,14 +28,17 @@ bool IsBad(Verdict verdict) { return verdict != Verdict::kPassed && verdict != V
 nlohmann::ordered_json ToJson(const Result& result) {
   nlohmann::ordered_json figures = nlohmann::ordered_json::object();
   for (const auto& [key, value] : result.figures) figures[key] = value;
-  return {
-      {"name", result.name},       {"promise", result.promise},   {"result", Name(result.verdict)},
-      {"seconds", result.seconds}, {"messages", result.messages}, {"figures", figures}};
+  return {{"name", result.name},
+          {"requirement", result.requirement},
+          {"result", Name(result.verdict)},
+          {"seconds", result.seconds},
+          {"messages", result.messages},
+          {"figures", figures}};
 }
 
 Result ResultFrom(const nlohmann::ordered_json& json) {
   Result result{.name = json.at("name"),
-                .promise = json.at("promise"),
+                .requirement = json.at("requirement"),
                 .verdict = VerdictNamed(json.at("result")),
                 .seconds = json.at("seconds"),
                 .messages = json.at("messages"),

@@ -13,7 +13,7 @@ enum class Verdict { kPassed, kFailed, kSkipped, kCrashed, kTimedOut };
 
 struct Result {
   std::string name;
-  std::string promise;
+  std::string requirement;
   Verdict verdict = Verdict::kPassed;
   double seconds = 0;
   /// What was expected and what came, with the place in the sources; or why it was skipped, or how

@@ -48,10 +48,10 @@ std::vector<Check> Matching(std::vector<Check> checks, const std::vector<std::st
 }
 
 std::vector<Check> Shuffled(std::vector<Check> checks, unsigned seed) {
-  std::mt19937 lots(seed);
+  std::mt19937 random(seed);
   // Not std::shuffle, whose order differs from library to library.
   for (std::size_t left = checks.size(); left > 1; --left) {
-    std::swap(checks[left - 1], checks[lots() % left]);
+    std::swap(checks[left - 1], checks[random() % left]);
   }
   return checks;
 }
@@ -59,7 +59,7 @@ std::vector<Check> Shuffled(std::vector<Check> checks, unsigned seed) {
 nlohmann::ordered_json ToJson(const std::vector<Check>& checks) {
   auto json = nlohmann::ordered_json::array();
   for (const Check& check : checks) {
-    json.push_back({{"name", check.name}, {"promise", check.promise}});
+    json.push_back({{"name", check.name}, {"requirement", check.requirement}});
   }
   return json;
 }
@@ -67,7 +67,7 @@ nlohmann::ordered_json ToJson(const std::vector<Check>& checks) {
 std::vector<Check> ChecksFrom(const nlohmann::ordered_json& json) {
   std::vector<Check> checks;
   for (const auto& check : json) {
-    checks.push_back({check.at("name"), check.at("promise")});
+    checks.push_back({check.at("name"), check.at("requirement")});
   }
   return checks;
 }

@@ -11,7 +11,7 @@ namespace check {
 /// A check, as people choose it.
 struct Check {
   std::string name;
-  std::string promise;
+  std::string requirement;
 };
 
 /// What is left to chance follows this seed if no other is given.

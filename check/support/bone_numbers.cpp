@@ -22,7 +22,7 @@ tarvo::Rgba BoneNumbers::ColourOf(int companion) {
   return {.red = static_cast<std::uint8_t>(companion), .green = 128, .blue = 0, .alpha = 255};
 }
 
-void BoneNumbers::Dress(standin::Companion& companion, int number) {
+void BoneNumbers::SetUpBone(standin::Companion& companion, int number) {
   companion.imageA.Set(tarvo::Picture(kBoneSide, kBoneSide, ColourOf(number)));
   companion.pieces = {Piece({.left = 0, .top = 0, .width = kBoneSide, .height = kBoneSide},
                             {.left = 1, .top = 1, .width = kBoneSide - 2, .height = kBoneSide - 2},

@@ -13,7 +13,7 @@ class BoneNumbers {
   /// The colour that stands for a companion, by a number of 1 to 250 of the caller's choice.
   static tarvo::Rgba ColourOf(int companion);
   /// Gives the companion one piece and an image in its colour, all over a small square.
-  static void Dress(standin::Companion& companion, int number);
+  static void SetUpBone(standin::Companion& companion, int number);
   /// The numbers of the companions that are seen as bone 1, bone 2 …, as many as are asked for;
   /// 0 where nobody is. The sliders of those bones are 0 afterwards. REQUIRES: at most 25.
   static std::vector<int> Seen(standin::Host& host, standin::RendererInstance& renderer, int bones);

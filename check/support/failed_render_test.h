@@ -35,20 +35,20 @@ class FailedRenderTest : public RigTest {
   /// Renders as things are, and expects that nothing is left behind: worlds that this render was to
   /// upload may still wait for the next one, the host's context is its own again.
   standin::RenderResult RenderBadly() {
-    const std::size_t handles = rig.host.books.Count(standin::Kind::kHandle);
-    const std::size_t worlds = rig.host.books.Count(standin::Kind::kWorld);
+    const std::size_t handles = rig.host.tracker.Count(standin::Kind::kHandle);
+    const std::size_t worlds = rig.host.tracker.Count(standin::Kind::kWorld);
     standin::RenderResult result = rig.host.Render(rig.renderer);
     EXPECT_TRUE(rig.host.ContextIsCurrent());
-    EXPECT_EQ(rig.host.books.Count(standin::Kind::kHandle), handles);
-    EXPECT_LE(rig.host.books.Count(standin::Kind::kWorld), worlds);
+    EXPECT_EQ(rig.host.tracker.Count(standin::Kind::kHandle), handles);
+    EXPECT_LE(rig.host.tracker.Count(standin::Kind::kWorld), worlds);
     EXPECT_EQ(result.unwritten, 0U);
     return result;
   }
 
   /// With nothing failing any more and the images sent again, all is well.
   void ExpectRecovery() {
-    rig.host.gate.FailNothing();
-    rig.host.OfferAllSuites();
+    rig.host.injector.FailNothing();
+    rig.host.ShowAllSuites();
     SendImages();
     EXPECT_EQ(rig.Render().picture, good);
   }

@@ -12,9 +12,9 @@ namespace {
 using tarvo::Picture;
 
 /// Numbers that are the same on every system, which the standard distributions do not promise.
-class Dice {
+class RandomSource {
  public:
-  explicit Dice(std::uint32_t seed) : generator_(seed) {}
+  explicit RandomSource(std::uint32_t seed) : generator_(seed) {}
 
   double Between(double least, double greatest) {
     return least + (greatest - least) * (static_cast<double>(generator_()) / 4294967296.0);
@@ -34,24 +34,25 @@ void SetRectangle(void* points, const Box& box) {
 }
 
 /// A part of the image, one pixel off its border at least.
-Box RandomCut(Dice& dice, int imageWidth, int imageHeight) {
-  const double width = dice.Between(0.3, 0.8) * (imageWidth - 2);
-  const double height = dice.Between(0.3, 0.8) * (imageHeight - 2);
-  return {.left = dice.Between(1, imageWidth - 1 - width),
-          .top = dice.Between(1, imageHeight - 1 - height),
+Box RandomCut(RandomSource& random, int imageWidth, int imageHeight) {
+  const double width = random.Between(0.3, 0.8) * (imageWidth - 2);
+  const double height = random.Between(0.3, 0.8) * (imageHeight - 2);
+  return {.left = random.Between(1, imageWidth - 1 - width),
+          .top = random.Between(1, imageHeight - 1 - height),
           .width = width,
           .height = height};
 }
 
-PieceQuad WarpedPiece(Dice& dice, const Box& area, const Box& cut, std::uint32_t imageSelect) {
+PieceQuad WarpedPiece(RandomSource& random, const Box& area, const Box& cut,
+                      std::uint32_t imageSelect) {
   // Corners on a circle, each within its own eighth turn to either side: always convex.
-  PieceQuad piece = Piece(area, cut, dice.Between(0, 1), imageSelect);
-  const double radius = dice.Between(0.15, 0.35) * std::min(area.width, area.height);
-  const double x = dice.Between(area.left + radius, area.left + area.width - radius);
-  const double y = dice.Between(area.top + radius, area.top + area.height - radius);
-  const double turn = dice.Between(0, 6.28);
+  PieceQuad piece = Piece(area, cut, random.Between(0, 1), imageSelect);
+  const double radius = random.Between(0.15, 0.35) * std::min(area.width, area.height);
+  const double x = random.Between(area.left + radius, area.left + area.width - radius);
+  const double y = random.Between(area.top + radius, area.top + area.height - radius);
+  const double turn = random.Between(0, 6.28);
   for (int c = 0; c < 4; ++c) {
-    const double angle = turn + 1.5708 * c + dice.Between(-0.35, 0.35);
+    const double angle = turn + 1.5708 * c + random.Between(-0.35, 0.35);
     piece.corners[c][0] = x + radius * std::cos(angle);
     piece.corners[c][1] = y + radius * std::sin(angle);
   }
@@ -75,11 +76,11 @@ PieceQuad Piece(const Box& place, const Box& cut, double boneT, std::uint32_t im
 
 std::vector<PieceQuad> WarpedPieces(std::uint32_t seed, int count, const Box& area, int imageWidth,
                                     int imageHeight, std::uint32_t imageSelect) {
-  Dice dice(seed);
+  RandomSource random(seed);
   std::vector<PieceQuad> pieces;
   for (int i = 0; i < count; ++i) {
-    const Box cut = RandomCut(dice, imageWidth, imageHeight);
-    pieces.push_back(WarpedPiece(dice, area, cut, imageSelect));
+    const Box cut = RandomCut(random, imageWidth, imageHeight);
+    pieces.push_back(WarpedPiece(random, area, cut, imageSelect));
   }
   return pieces;
 }
@@ -93,10 +94,10 @@ CompanionSlot RecordOf(const std::vector<PieceQuad>& pieces, std::int32_t place)
 }
 
 Picture Pattern(int width, int height, std::uint32_t seed, std::uint8_t alpha) {
-  Dice dice(seed);
-  const double red = dice.Between(0, 6);
-  const double green = dice.Between(0, 6);
-  const double blue = dice.Between(0, 6);
+  RandomSource random(seed);
+  const double red = random.Between(0, 6);
+  const double green = random.Between(0, 6);
+  const double blue = random.Between(0, 6);
   Picture picture(width, height);
   for (int y = 0; y < height; ++y) {
     for (int x = 0; x < width; ++x) {

@@ -23,15 +23,16 @@ std::string Lines(const std::vector<std::string>& texts) {
 }  // namespace
 
 void EndHostInOrder(standin::Host& host,
-                    const std::function<bool(const std::string& misuse)>& isExcused) {
-  host.gate.FailNothing();
-  host.OfferAllSuites();
+                    const std::function<bool(const std::string& violation)>& isExcused) {
+  host.injector.FailNothing();
+  host.ShowAllSuites();
   host.Close();
-  for (const std::string& misuse : host.books.Misuses()) EXPECT_TRUE(isExcused(misuse)) << misuse;
+  for (const std::string& violation : host.tracker.Violations())
+    EXPECT_TRUE(isExcused(violation)) << violation;
   for (const Kind kind : {Kind::kHandle, Kind::kWorld, Kind::kSuite, Kind::kLock}) {
-    EXPECT_EQ(host.books.Count(kind), 0U) << Lines(host.books.Outstanding(kind));
+    EXPECT_EQ(host.tracker.Count(kind), 0U) << Lines(host.tracker.Outstanding(kind));
   }
-  EXPECT_TRUE(host.books.Balanced()) << Lines(host.books.OutstandingAfterCall());
+  EXPECT_TRUE(host.tracker.Balanced()) << Lines(host.tracker.OutstandingAfterCall());
 }
 
 Rig::Rig(PF_EntryPoint entryPoint, standin::HostOptions options)

@@ -14,9 +14,9 @@
 namespace check {
 
 /// Ends the host's business with nothing failing any more, and expects that it was in order:
-/// nothing leaked, and no misuse noted but what `isExcused` accepts.
+/// nothing leaked, and no violation noted but what `isExcused` accepts.
 void EndHostInOrder(
-    standin::Host& host, const std::function<bool(const std::string& misuse)>& isExcused =
+    standin::Host& host, const std::function<bool(const std::string& violation)>& isExcused =
                              [](const auto&) { return false; });
 
 /// A host with the plug-in applied to one layer, at the top of its stack; a small language for
@@ -62,7 +62,7 @@ class Rig {
   standin::Layer& SetTheScene();
 };
 
-/// A test with one rig whose books are held against reality at its end, whatever it did.
+/// A test with one rig whose tracker are held against reality at its end, whatever it did.
 class RigTest : public ::testing::Test {
  protected:
   explicit RigTest(PF_EntryPoint entryPoint = PluginUnderCheck()) : rig(entryPoint) {}

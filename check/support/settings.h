@@ -15,7 +15,7 @@ struct Settings {
   std::uint32_t seed = kUsualSeed;
   /// Long lives are lived in full length, which takes minutes.
   bool isLong = false;
-  /// Lives with failures are lived for every host call, not for some.
+  /// FaultInjection with failures are lived for every host call, not for some.
   bool failsEveryCall = false;
   /// Called in the middle of lives, once the plug-in is set up. Where the plug-in is linked in, it
   /// may be given a small render target: thousands of large ones take minutes to clear.

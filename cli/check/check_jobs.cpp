@@ -122,7 +122,7 @@ std::string BadEnd(const WorkerEnd& end) {
 check::Result ResultOf(const CheckOptions& options, const check::Check& check,
                        const JobOutcome& outcome) {
   check::Result result{.name = check.name,
-                       .promise = check.promise,
+                       .requirement = check.requirement,
                        .verdict = check::Verdict::kCrashed,
                        .seconds = outcome.seconds,
                        .messages = {},

@@ -36,7 +36,7 @@ void AddCheckOptions(CLI::App& command, CheckOptions& options) {
       ->check(CLI::Range(0U, kHighestSeed));
   command.add_flag("--long", options.isLong,
                    "Long lives in full length, and a life for every host call that may fail");
-  command.add_flag("--list", options.list, "Names and promises of the checks; nothing is run");
+  command.add_flag("--list", options.list, "Names and requirements of the checks; nothing is run");
   command.add_flag("--trace", options.trace,
                    "Write every command and host operation to standard error");
   command.add_flag("--json", options.json, "As JSON; docs/checking.md describes its form");

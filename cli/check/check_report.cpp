@@ -37,7 +37,7 @@ std::string TextOf(const Result& result) {
   text << std::left << std::setw(10) << Name(result.verdict) << std::right << std::fixed
        << std::setprecision(2) << std::setw(7) << result.seconds << " s  " << result.name << '\n';
   if (check::IsBad(result.verdict)) {
-    text << Indented("promised: " + result.promise);
+    text << Indented("promised: " + result.requirement);
   }
   for (const std::string& message : result.messages) {
     text << Indented(message);
@@ -103,7 +103,7 @@ std::size_t CheckReport::Count(check::Verdict verdict) const {
   return static_cast<std::size_t>(std::ranges::count(results_, verdict, &Result::verdict));
 }
 
-bool CheckReport::IsSound() const {
+bool CheckReport::IsConformant() const {
   return Count(check::Verdict::kPassed) != 0 &&
          std::ranges::none_of(results_, check::IsBad, &Result::verdict);
 }
@@ -113,17 +113,18 @@ std::string CheckReport::Verdict() const {
     return notLoaded_;
   }
   if (Count(check::Verdict::kSkipped) == results_.size()) {
-    return "not sound: nothing was checked, " + std::to_string(results_.size()) + " skipped";
+    return "not conformant: nothing was checked, " + std::to_string(results_.size()) + " skipped";
   }
-  if (IsSound()) {
+  if (IsConformant()) {
     const std::size_t passed = Count(check::Verdict::kPassed);
-    return "sound: " + std::to_string(passed) + (passed == 1 ? " check" : " checks") + " passed, " +
-           std::to_string(Count(check::Verdict::kSkipped)) + " skipped";
+    return "conformant: " + std::to_string(passed) + (passed == 1 ? " check" : " checks") +
+           " passed, " + std::to_string(Count(check::Verdict::kSkipped)) + " skipped";
   }
   std::string text;
   for (const check::Verdict verdict : kVerdicts) {
     if (const std::size_t count = Count(verdict); count != 0) {
-      text += (text.empty() ? "not sound: " : ", ") + std::to_string(count) + " " + Name(verdict);
+      text +=
+          (text.empty() ? "not conformant: " : ", ") + std::to_string(count) + " " + Name(verdict);
     }
   }
   return text;
@@ -132,7 +133,7 @@ std::string CheckReport::Verdict() const {
 std::string CheckReport::Json() const {
   nlohmann::ordered_json json{{"plugin", plugin_},
                               {"seed", seed_},
-                              {"sound", IsSound()},
+                              {"conformant", IsConformant()},
                               {"verdict", Verdict()},
                               {"checks", nlohmann::ordered_json::array()}};
   for (const Result& result : results_) {
@@ -154,7 +155,7 @@ int CheckReport::End() const {
   if (!isLoaded) {
     return kCannotRun;
   }
-  return IsSound() ? kMade : kNotSound;
+  return IsConformant() ? kMade : kNotConformant;
 }
 
 std::string CheckReport::JUnit() const {

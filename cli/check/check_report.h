@@ -22,15 +22,15 @@ class CheckReport {
   /// The build cannot be loaded: there are no results, but a verdict.
   void TakeNotLoaded(const std::string& why) { notLoaded_ = "cannot be loaded: " + why; }
 
-  /// Says what it comes to: "sound: 97 checks passed, 2 skipped"; the exit code that agrees. A run
-  /// in which nothing passed does not call a build sound.
+  /// Says what it comes to: "conformant: 97 checks passed, 2 skipped"; the exit code that agrees. A
+  /// run in which nothing passed does not call a build conformant.
   [[nodiscard]] int End() const;
   /// The results in JUnit's form.
   [[nodiscard]] std::string JUnit() const;
 
  private:
   [[nodiscard]] std::size_t Count(check::Verdict verdict) const;
-  [[nodiscard]] bool IsSound() const;
+  [[nodiscard]] bool IsConformant() const;
   [[nodiscard]] std::string Verdict() const;
   [[nodiscard]] std::string Json() const;
 

@@ -24,7 +24,7 @@ std::vector<check::Check> Chosen(const CheckOptions& options, std::vector<check:
 
 void List(const std::vector<check::Check>& checks, std::ostream& out) {
   for (const check::Check& check : checks) {
-    out << check.name << "\n    " << check.promise << '\n';
+    out << check.name << "\n    " << check.requirement << '\n';
   }
 }
 

@@ -21,7 +21,7 @@
 #include "cli/process/messages.h"
 #include "cli/process/worker.h"
 #include "cli/program/program.h"
-#include "standin/core/gate.h"
+#include "standin/core/fault_injector.h"
 #include "standin/host/host.h"
 
 namespace tarvo {
@@ -32,7 +32,7 @@ void TakeOverSettings(const CheckOrder& order, const Console& console) {
   check::TheSettings().failsEveryCall = order.isLong;
   check::TheSettings().seed = order.seed;
   if (order.trace) {
-    standin::Gate::TraceAll(
+    standin::FaultInjector::TraceAll(
         [&err = console.err](std::string_view line) { err << ForTerminal(line) << '\n'; });
   }
 }

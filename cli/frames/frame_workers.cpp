@@ -234,7 +234,7 @@ void SendFrames(const RenderSettings& settings, const Console& console) {
   const PictureComposer composer(settings, animation.scene.width, animation.scene.height);
   RunStatistics statistics;
   HostedPlugin plugin(settings.scene, console);
-  const Traffic traffic = PlayFrames(
+  const MessageStatistics traffic = PlayFrames(
       plugin.TheHost(), animation, order.frames, settings.play,
       [&](int number, PlayedFrame played) {
         statistics.pluginMilliseconds += played.milliseconds;

@@ -3,7 +3,7 @@
 #include <utility>
 
 #include "cli/frames/finish.h"
-#include "tool/explain/show.h"
+#include "tool/explain/visualization.h"
 #include "tool/player/overlap_bones.h"
 
 namespace tarvo {

@@ -3,7 +3,7 @@
 #include <CLI/CLI.hpp>
 
 #include "cli/frames/finish.h"
-#include "tool/explain/show.h"
+#include "tool/explain/visualization.h"
 
 namespace tarvo {
 namespace {
@@ -23,9 +23,9 @@ void AddLookOptions(CLI::App& command, RenderOptions& options) {
   NotEmpty(command.add_option("--background", options.background,
                               std::string("Paint over a background: ") + kBackgroundWords))
       ->type_name("COLOUR");
-  NotEmpty(command.add_option(
-               "--show", options.show,
-               std::string("Show the overlap over the frame or in its place: ") + kSightWords))
+  NotEmpty(command.add_option("--show", options.show,
+                              std::string("Show the overlap over the frame or in its place: ") +
+                                  kVisualizationNames))
       ->type_name("WHAT");
   command.add_flag("--quiet", options.quiet, "Do not say what is made and how far it is");
   AddSyncOption(command, options.sync);

@@ -46,12 +46,12 @@ std::optional<Background> ReadBackgroundOption(const RenderOptions& options, Out
   return background;
 }
 
-std::optional<Sight> ReadShow(const std::string& text, OptionFaults& faults) {
-  const std::optional<Sight> sight = ReadSight(text);
-  if (!sight && !text.empty()) {
-    faults.Expected("--show", kSightWords, text);
+std::optional<Visualization> ReadShow(const std::string& text, OptionFaults& faults) {
+  const std::optional<Visualization> visualization = ReadVisualization(text);
+  if (!visualization && !text.empty()) {
+    faults.Expected("--show", kVisualizationNames, text);
   }
-  return sight;
+  return visualization;
 }
 
 void CheckOutput(const RenderOptions& options, OutputKind kind, OptionFaults& faults) {

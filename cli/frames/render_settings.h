@@ -10,8 +10,8 @@
 #include "cli/frames/progress.h"
 #include "cli/frames/render_options.h"
 #include "cli/process/console.h"
-#include "tool/explain/show.h"
-#include "tool/player/performance.h"
+#include "tool/explain/visualization.h"
+#include "tool/player/scene_player.h"
 
 namespace tarvo {
 
@@ -27,7 +27,7 @@ struct RenderSettings {
   bool raw = false;
   bool layer = false;
   std::optional<Background> background;
-  std::optional<Sight> show;
+  std::optional<Visualization> show;
   ProgressForm progress = ProgressForm::kNone;
   bool quiet = false;
   Sync sync = Sync::kYes;

@@ -18,9 +18,9 @@ standin::HostOptions OptionsFor(const standin::PluginLibrary& library) {
 
 HostedPlugin::HostedPlugin(const SceneOptions& options, const Console& console)
     : library_(PluginOf(options)), host_(library_.EntryPoint(), OptionsFor(library_)) {
-  host_.gate.KeepLog(false);
+  host_.injector.KeepLog(false);
   if (options.trace) {
-    host_.gate.TraceTo(
+    host_.injector.TraceTo(
         [&err = console.err](std::string_view line) { err << ForTerminal(line) << '\n'; });
   }
 }

@@ -9,7 +9,7 @@
 
 #include "base/files/whole_file.h"
 #include "cli/process/time_limit.h"
-#include "tool/player/performance.h"
+#include "tool/player/scene_player.h"
 
 namespace CLI {
 class App;

@@ -13,13 +13,13 @@ class MessageWriter;
 /// What the program ends with.
 enum ExitCode : int {
   kMade = 0,
-  kDifferent = 1,    ///< two pictures are not the same
-  kNotSound = 1,     ///< a build of the plug-in broke a promise
-  kWrongInput = 2,   ///< a file, a scene or an option is wrong
-  kPluginFault = 3,  ///< the plug-in returned an error, broke a rule, crashed or hung
-  kCannotRun = 4,    ///< the library cannot be loaded, or this machine cannot run it
-  kOutputLost = 4,   ///< standard output cannot be written
-  kIncomplete = 5,   ///< a part of what was asked for is missing at the end
+  kDifferent = 1,      ///< two pictures are not the same
+  kNotConformant = 1,  ///< a build of the plug-in failed a check
+  kWrongInput = 2,     ///< a file, a scene or an option is wrong
+  kPluginFault = 3,    ///< the plug-in returned an error, broke a rule, crashed or hung
+  kCannotRun = 4,      ///< the library cannot be loaded, or this machine cannot run it
+  kOutputLost = 4,     ///< standard output cannot be written
+  kIncomplete = 5,     ///< a part of what was asked for is missing at the end
   kInterrupted = 130,
 };
 

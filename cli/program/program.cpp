@@ -21,7 +21,7 @@
 #include "cli/process/parent_link.h"
 #include "cli/process/system.h"
 #include "standin/core/crash_record.h"
-#include "tool/player/performance.h"
+#include "tool/player/scene_player.h"
 
 namespace tarvo {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <array>
 
-#include "plugin/host/effect_walk.h"
+#include "plugin/host/effect_iteration.h"
 #include "plugin/host/host_reference.h"
 #include "plugin/host/match_name.h"
 #include "plugin/host/parameters.h"
@@ -16,21 +16,21 @@ class QuietErrors {
  public:
   explicit QuietErrors(HostCalls& host) : host_(host) {}
   ~QuietErrors() {
-    if (open_) host_.GiveBack(&AEGP_UtilitySuite5::AEGP_EndQuietErrors, A_Boolean{0}, &state_);
+    if (open_) host_.RunCleanup(&AEGP_UtilitySuite5::AEGP_EndQuietErrors, A_Boolean{0}, &state_);
   }
   QuietErrors(const QuietErrors&) = delete;
   QuietErrors& operator=(const QuietErrors&) = delete;
 
   /// Runs whatever the code and replaces it.
   void Start() {
-    host_.Chain().Become(host_.Call(&AEGP_UtilitySuite5::AEGP_StartQuietErrors, &state_));
+    host_.Chain().Replace(host_.Call(&AEGP_UtilitySuite5::AEGP_StartQuietErrors, &state_));
     open_ = true;
   }
 
   /// Runs whatever the code and replaces it: errors within the stretch end with it.
   void End() {
     open_ = false;
-    host_.Chain().Become(
+    host_.Chain().Replace(
         host_.Call(&AEGP_UtilitySuite5::AEGP_EndQuietErrors, A_Boolean{0}, &state_));
   }
 
@@ -46,7 +46,7 @@ class UndoGroup {
  public:
   explicit UndoGroup(HostCalls& host) : host_(host) {}
   ~UndoGroup() {
-    if (open_) host_.GiveBack(&AEGP_UtilitySuite6::AEGP_EndUndoGroup);
+    if (open_) host_.RunCleanup(&AEGP_UtilitySuite6::AEGP_EndUndoGroup);
   }
   UndoGroup(const UndoGroup&) = delete;
   UndoGroup& operator=(const UndoGroup&) = delete;
@@ -83,7 +83,7 @@ AEGP_CompH ActiveComposition(HostCalls& host) {
   QuietErrors quiet(host);
   quiet.Start();
   AEGP_ItemH item = nullptr;
-  host.Chain().Become(host.Call(&AEGP_ItemSuite6::AEGP_GetActiveItem, &item));
+  host.Chain().Replace(host.Call(&AEGP_ItemSuite6::AEGP_GetActiveItem, &item));
   AEGP_CompH composition = CompositionOf(host, item);
   quiet.End();
   return composition;

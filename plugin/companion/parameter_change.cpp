@@ -4,7 +4,7 @@
 #include <cmath>
 #include <limits>
 
-#include "plugin/host/effect_walk.h"
+#include "plugin/host/effect_iteration.h"
 #include "plugin/host/parameters.h"
 
 namespace plugin {

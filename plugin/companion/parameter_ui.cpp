@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "plugin/host/effect_walk.h"
+#include "plugin/host/effect_iteration.h"
 #include "plugin/host/parameters.h"
 #include "plugin/host/text_field.h"
 

@@ -105,10 +105,10 @@ PF_Err GlobalSetup(PF_InData& in, PF_OutData& out) {
   ReleaseEarlierSetup(in, out, host.Suites());
   host.Run(&AEGP_UtilitySuite5::AEGP_RegisterWithAEGP, nullptr, kOwnMatchName, &gPluginId);
   if (in.version.major < kFirstMajorThatSharesOpenGl) {
-    host.Chain().Become(CodeOf([&] { return SwitchHostOpenGlOff(host); }));
+    host.Chain().Replace(CodeOf([&] { return SwitchHostOpenGlOff(host); }));
   }
   if (const PF_Err failed = CodeOf([&] { return StartFramework(in, out); }); failed != 0) {
-    host.Chain().Become(failed);
+    host.Chain().Replace(failed);
   }
   if (const PF_Err failed = MakeGlobalData(host.Suites(), out); failed != 0) return failed;
   gState.targetWidth = kNoTargetYet;

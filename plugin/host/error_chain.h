@@ -25,7 +25,7 @@ class ErrorChain {
   }
 
   /// Replaces whatever was there.
-  void Become(PF_Err result) { code_ = result; }
+  void Replace(PF_Err result) { code_ = result; }
 
  private:
   PF_Err code_ = PF_Err_NONE;

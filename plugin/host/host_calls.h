@@ -50,7 +50,7 @@ class HostCalls {
 
   /// As Attempt; the result counts only if the code was still 0.
   template <class Operation, class... Arguments>
-  void GiveBack(Operation operation, Arguments&&... arguments) noexcept {
+  void RunCleanup(Operation operation, Arguments&&... arguments) noexcept {
     chain_.Note(Attempt(operation, std::forward<Arguments>(arguments)...));
   }
 

@@ -18,7 +18,7 @@ class HostReference {
  public:
   explicit HostReference(HostCalls& host) : host_(host) {}
   ~HostReference() {
-    if (reference_ != nullptr) host_.GiveBack(Dispose, reference_);
+    if (reference_ != nullptr) host_.RunCleanup(Dispose, reference_);
   }
   HostReference(const HostReference&) = delete;
   HostReference& operator=(const HostReference&) = delete;
@@ -51,7 +51,7 @@ class StreamValue {
     value_.streamH = stream;
   }
   ~StreamValue() {
-    if (read_) host_.GiveBack(&AEGP_StreamSuite4::AEGP_DisposeStreamValue, &value_);
+    if (read_) host_.RunCleanup(&AEGP_StreamSuite4::AEGP_DisposeStreamValue, &value_);
   }
   StreamValue(const StreamValue&) = delete;
   StreamValue& operator=(const StreamValue&) = delete;

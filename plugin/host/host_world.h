@@ -27,7 +27,7 @@ class HostWorld {
   /// Gives the world back, if there is one; an error counts only if there was none.
   void Dispose() {
     if (std::exchange(made_, false)) {
-      host_.GiveBack(&PF_WorldSuite1::dispose_world, effectRef_, &world_);
+      host_.RunCleanup(&PF_WorldSuite1::dispose_world, effectRef_, &world_);
     }
   }
 

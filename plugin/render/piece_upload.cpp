@@ -53,11 +53,11 @@ void Finish(Frame& frame, SlotImage& image) {
 
 /// Disposes of what the failed render would leave behind: the scratch world and the slot's images.
 /// REQUIRES: the suite that disposes has been acquired.
-void GiveUp(Frame& frame, Slot& slot) {
+void DiscardImages(Frame& frame, Slot& slot) {
   frame.scratchWorld.Dispose();
   for (SlotImage& image : slot.images) {
     if (image.taken) {
-      frame.host.GiveBack(&PF_WorldSuite1::dispose_world, frame.in.effect_ref, &*image.taken);
+      frame.host.RunCleanup(&PF_WorldSuite1::dispose_world, frame.in.effect_ref, &*image.taken);
     }
     image.taken.reset();
     image.pending = false;
@@ -75,7 +75,7 @@ void UploadPieceImages(Frame& frame) {
       frame.host.Need(&PF_WorldSuite1::dispose_world);
       const PF_Err stopped = image.taken ? Upload(frame, image) : PF_Err_NONE;
       if (stopped != 0) {
-        GiveUp(frame, slot);
+        DiscardImages(frame, slot);
         throw PF_Err{stopped};
       }
       Finish(frame, image);

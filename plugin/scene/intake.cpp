@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "plugin/host/effect_walk.h"
+#include "plugin/host/effect_iteration.h"
 #include "plugin/host/host_calls.h"
 #include "plugin/host/host_world.h"
 #include "plugin/scene/companion_record.h"
@@ -78,7 +78,7 @@ void NumberBones(HostCalls& host, PF_ProgPtr effectRef, std::vector<A_long>& bon
   });
 }
 
-void EmptyDeadSlots(Scene& scene) {
+void ClearUnusedSlots(Scene& scene) {
   for (std::size_t place = 0; place < scene.slots.size(); ++place) {
     const bool alive = place < scene.boneOrdinal.size() && scene.boneOrdinal[place] != kNoBone;
     if (!alive) scene.slots[place].quads.clear();
@@ -109,7 +109,7 @@ PF_Err CompletelyGeneral(PF_InData& in, void* extra) {
     TakeImage(host, in, extra, family, sent, slot.images[family]);
   }
   NumberBones(host, in.effect_ref, scene->boneOrdinal);
-  EmptyDeadSlots(*scene);
+  ClearUnusedSlots(*scene);
   // Last: a disposal that the host refuses must not keep the new image out.
   host.Chain().Note(disposals.Code());
   return host.Code();

@@ -28,7 +28,7 @@ Core::Core(PF_EntryPoint plugin, HostOptions hostOptions)
   if (options.ownContext) {
     context = std::make_unique<GlContext>();
   }
-  pluginRef = AsHandle<PF_ProgPtr>(books.Issue(Kind::kProgramRef, "the plug-in", nullptr));
+  pluginRef = AsHandle<PF_ProgPtr>(tracker.Issue(Kind::kProgramRef, "the plug-in", nullptr));
 }
 
 Effect* Core::Instance(PF_ProgPtr reference, std::string_view who) {
@@ -36,7 +36,7 @@ Effect* Core::Instance(PF_ProgPtr reference, std::string_view who) {
     Refuse(who, "the effect_ref of no instance");
     return nullptr;
   }
-  return books.Find<Effect>(Kind::kProgramRef, reference, who);
+  return tracker.Find<Effect>(Kind::kProgramRef, reference, who);
 }
 
 std::vector<RendererInstance*> Core::Instances() {
@@ -54,14 +54,14 @@ std::vector<RendererInstance*> Core::Instances() {
 }
 
 Effect* Core::EffectOf(AEGP_EffectRefH reference, std::string_view who) {
-  return books.Find<Effect>(Kind::kEffectRef, reference, who);
+  return tracker.Find<Effect>(Kind::kEffectRef, reference, who);
 }
 
 AEGP_EffectRefH Core::NewEffectRef(Effect& effect) {
   if (effect.withoutReference) {
     return nullptr;
   }
-  return AsHandle<AEGP_EffectRefH>(books.Issue(Kind::kEffectRef, effect.matchName, &effect));
+  return AsHandle<AEGP_EffectRefH>(tracker.Issue(Kind::kEffectRef, effect.matchName, &effect));
 }
 
 bool Core::IsPluginId(AEGP_PluginID id, std::string_view who) {
@@ -101,22 +101,22 @@ void Core::NoteChange(std::string what) {
 }
 
 void Core::WriteOff(const std::string& command, std::uint64_t since) {
-  books.CloseCall(command, since);
+  tracker.ReportLeaksOfCall(command, since);
   memory.ForgetLocks();
   for (auto& [suite, held] : heldSuites) {
-    std::erase_if(held, [&](const void* name) { return !books.Alive(Kind::kSuite, name); });
+    std::erase_if(held, [&](const void* name) { return !tracker.IsLive(Kind::kSuite, name); });
   }
   std::erase_if(streams,
-                [&](const auto& stream) { return !books.Alive(Kind::kStream, stream.first); });
+                [&](const auto& stream) { return !tracker.IsLive(Kind::kStream, stream.first); });
   std::erase_if(quietSections,
-                [&](const void* name) { return !books.Alive(Kind::kQuietSection, name); });
+                [&](const void* name) { return !tracker.IsLive(Kind::kQuietSection, name); });
   std::erase_if(openUndoGroups, [&](const OpenUndoGroup& group) {
-    return !books.Alive(Kind::kUndoGroup, group.token);
+    return !tracker.IsLive(Kind::kUndoGroup, group.token);
   });
 }
 
 PF_Err Core::Refuse(std::string_view who, const std::string& what) {
-  books.Misuse(std::string(who) + " was given " + what);
+  tracker.ReportViolation(std::string(who) + " was given " + what);
   return PF_Err_BAD_CALLBACK_PARAM;
 }
 

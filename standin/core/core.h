@@ -15,13 +15,13 @@
 
 #include "sdk/aegp.h"
 #include "sdk/effect.h"
-#include "standin/core/books.h"
-#include "standin/core/gate.h"
+#include "standin/core/fault_injector.h"
 #include "standin/core/gl_context.h"
 #include "standin/core/host_memory.h"
 #include "standin/core/host_records.h"
+#include "standin/core/object_tracker.h"
 #include "standin/core/project.h"
-#include "standin/core/suites.h"
+#include "standin/core/suite_registry.h"
 #include "standin/core/worlds.h"
 
 namespace standin {
@@ -48,14 +48,14 @@ struct OpenUndoGroup {
 struct Core {
   Core(PF_EntryPoint plugin, HostOptions hostOptions);
 
-  /// The effect instance behind a program reference; null, with the misuse noted, for any other.
+  /// The effect instance behind a program reference; null, with the violation noted, for any other.
   Effect* Instance(PF_ProgPtr reference, std::string_view who);
   /// All instances of the plug-in in the project.
   std::vector<RendererInstance*> Instances();
-  /// The effect behind an effect reference; null, with the misuse noted, for any other.
+  /// The effect behind an effect reference; null, with the violation noted, for any other.
   Effect* EffectOf(AEGP_EffectRefH reference, std::string_view who);
   AEGP_EffectRefH NewEffectRef(Effect& effect);
-  /// True iff this is a number that a plug-in was given; otherwise notes the misuse.
+  /// True iff this is a number that a plug-in was given; otherwise notes the violation.
   bool IsPluginId(AEGP_PluginID id, std::string_view who);
   /// The number under which an effect of this match name is installed.
   AEGP_InstalledEffectKey InstalledKey(const std::string& matchName);
@@ -69,16 +69,16 @@ struct Core {
   }
   /// Notes a change of the project.
   void NoteChange(std::string what);
-  /// Ends a call: what was handed out since (an entry number of the books), is still out and should
-  /// not be is noted as a misuse, once, and forgotten.
+  /// Ends a call: what was handed out since (an entry number of the tracker), is still out and
+  /// should not be is noted as a violation, once, and forgotten.
   void WriteOff(const std::string& command, std::uint64_t since);
-  /// Notes a misuse; PF_Err_BAD_CALLBACK_PARAM.
+  /// Notes a violation; PF_Err_BAD_CALLBACK_PARAM.
   PF_Err Refuse(std::string_view who, const std::string& what);
   /// Stores the object's name, issued when it is first asked for.
   template <typename Handle>
   Handle HandleFor(const void*& slot, Kind kind, const std::string& label, void* subject) {
     if (slot == nullptr) {
-      slot = books.Issue(kind, label, subject);
+      slot = tracker.Issue(kind, label, subject);
     }
     return AsHandle<Handle>(slot);
   }
@@ -90,17 +90,17 @@ struct Core {
   PF_EntryPoint entryPoint;
   HostOptions options;
   std::unique_ptr<GlContext> context;  ///< null when the host has none of its own
-  Gate gate;
-  Books books;
+  FaultInjector injector;
+  ObjectTracker tracker;
   Project project;
-  HostMemory memory{books};
-  Worlds worlds{books};
-  SuiteShelf suites{books};
+  HostMemory memory{tracker};
+  Worlds worlds{tracker};
+  SuiteRegistry suites{tracker};
   SPBasicSuite basicSuite{};
   PF_UtilCallbacks utilities{};
   PF_InteractCallbacks interact{};
 
-  LifeCycle state = LifeCycle::kLoaded;
+  PluginState state = PluginState::kLoaded;
   std::vector<Parameter> declared;  ///< from index 0, the input layer
   PF_ProgPtr pluginRef = nullptr;   ///< effect_ref of commands to the plug-in as a whole
   PF_Handle globalData = nullptr;
@@ -108,7 +108,7 @@ struct Core {
   PF_OutFlags outFlags = 0;
   PF_OutFlags2 outFlags2 = 0;
 
-  std::string underWay;                      ///< the command, for messages
+  std::string currentCommand;                ///< the command, for messages
   const PF_OutData* currentOut = nullptr;    ///< its output record
   bool addingParameters = false;             ///< it is the one that declares parameters
   std::list<std::string> declaredTexts;      ///< of popups and checkboxes, kept alive

@@ -13,7 +13,7 @@ namespace {
 constexpr std::uint8_t kFresh = 0xA7;
 
 // Handles that are gone keep their place for a while, so that no new one takes over their name.
-constexpr std::size_t kGraveyard = 4096;
+constexpr std::size_t kQuarantine = 4096;
 
 std::uint64_t Hash(const std::uint8_t* bytes, std::size_t count) {
   std::uint64_t hash = 14695981039346656037U;  // FNV-1a
@@ -29,7 +29,7 @@ struct HostMemory::Block {
   void* master = nullptr;  // what the handle points to
   std::unique_ptr<std::uint8_t[]> memory;
   std::size_t size = 0;
-  std::vector<const void*> locks;  // the plug-in's, by their names in the books
+  std::vector<const void*> locks;  // the plug-in's, by their names in the tracker
   int hostLocks = 0;
   bool mayBeUnlocked = false;  // although it is not locked
   bool watched = false;
@@ -38,7 +38,7 @@ struct HostMemory::Block {
   [[nodiscard]] std::size_t WatchedBytes() const { return std::min(size, kWatchedBytes); }
 };
 
-HostMemory::HostMemory(Books& books) : books_(books) {}
+HostMemory::HostMemory(ObjectTracker& tracker) : tracker_(tracker) {}
 
 HostMemory::~HostMemory() = default;
 
@@ -47,7 +47,7 @@ PF_Handle HostMemory::New(A_HandleSize bytes) {
   block->size = static_cast<std::size_t>(bytes);
   block->memory.reset(new (std::nothrow) std::uint8_t[std::max<std::size_t>(block->size, 1)]);
   if (!block->memory) {
-    books_.NoteOutOfMemory();
+    tracker_.NoteOutOfMemory();
     return nullptr;
   }
   if (inspects_) {
@@ -55,9 +55,9 @@ PF_Handle HostMemory::New(A_HandleSize bytes) {
   }
   block->master = block->memory.get();
   PF_Handle handle = &block->master;
-  books_.Enter(Kind::kHandle, handle, std::to_string(bytes) + " bytes", block.get());
+  tracker_.Enter(Kind::kHandle, handle, std::to_string(bytes) + " bytes", block.get());
   Watch(*block);
-  books_.Hold(block->size);
+  tracker_.AddBytes(block->size);
   blocks_[handle] = std::move(block);
   return handle;
 }
@@ -78,7 +78,7 @@ void* HostMemory::Lock(PF_Handle handle, std::string_view who) {
   }
   CheckWatched(*block, who);
   block->locks.push_back(
-      books_.Issue(Kind::kLock, "of " + books_.Describe(static_cast<void*>(handle)), block));
+      tracker_.Issue(Kind::kLock, "of " + tracker_.Describe(static_cast<void*>(handle)), block));
   return block->master;
 }
 
@@ -91,11 +91,12 @@ void HostMemory::Unlock(PF_Handle handle, std::string_view who) {
     if (std::exchange(block->mayBeUnlocked, false)) {
       return;
     }
-    books_.Misuse(std::string(who) + " was given " + books_.Describe(static_cast<void*>(handle)) +
-                  ", which is not locked; a locked one was expected");
+    tracker_.ReportViolation(std::string(who) + " was given " +
+                             tracker_.Describe(static_cast<void*>(handle)) +
+                             ", which is not locked; a locked one was expected");
     return;
   }
-  books_.Remove(Kind::kLock, block->locks.back(), who);
+  tracker_.Remove(Kind::kLock, block->locks.back(), who);
   block->locks.pop_back();
   if (block->locks.empty() && block->hostLocks == 0) {
     Watch(*block);
@@ -109,22 +110,23 @@ void HostMemory::Dispose(PF_Handle handle, std::string_view who) {
   }
   CheckWatched(*block, who);
   if (!block->locks.empty()) {
-    books_.Misuse(std::string(who) + " was given " + books_.Describe(static_cast<void*>(handle)) +
-                  " with " + std::to_string(block->locks.size()) +
-                  " lock(s) on it; an unlocked one was expected");
+    tracker_.ReportViolation(std::string(who) + " was given " +
+                             tracker_.Describe(static_cast<void*>(handle)) + " with " +
+                             std::to_string(block->locks.size()) +
+                             " lock(s) on it; an unlocked one was expected");
     for (const void* lock : block->locks) {
-      books_.Remove(Kind::kLock, lock, who);
+      tracker_.Remove(Kind::kLock, lock, who);
     }
   }
-  books_.Remove(Kind::kHandle, handle, who);
-  books_.LetGo(block->size);
+  tracker_.Remove(Kind::kHandle, handle, who);
+  tracker_.SubtractBytes(block->size);
   block->memory.reset();
   block->master = nullptr;
   if (auto node = blocks_.extract(handle)) {
-    graveyard_.push_back(std::move(node.mapped()));
+    quarantine_.push_back(std::move(node.mapped()));
   }
-  if (graveyard_.size() > kGraveyard) {
-    graveyard_.pop_front();
+  if (quarantine_.size() > kQuarantine) {
+    quarantine_.pop_front();
   }
 }
 
@@ -142,15 +144,15 @@ PF_Err HostMemory::Resize(A_HandleSize bytes, PF_Handle handle, std::string_view
   std::unique_ptr<std::uint8_t[]> memory(new (std::nothrow)
                                              std::uint8_t[std::max<std::size_t>(size, 1)]);
   if (!memory) {
-    books_.NoteOutOfMemory();
+    tracker_.NoteOutOfMemory();
     return PF_Err_OUT_OF_MEMORY;
   }
   std::memset(memory.get(), kFresh, size);
   std::memcpy(memory.get(), block->memory.get(), std::min(size, block->size));
   block->memory = std::move(memory);
   block->master = block->memory.get();
-  books_.LetGo(block->size);
-  books_.Hold(size);
+  tracker_.SubtractBytes(block->size);
+  tracker_.AddBytes(size);
   block->size = size;
   Watch(*block);
   return PF_Err_NONE;
@@ -182,7 +184,7 @@ void HostMemory::Purge(PF_Handle handle) {
   if (Block* block = Living(handle)) {
     block->memory.reset();
     block->master = nullptr;
-    books_.LetGo(block->size);
+    tracker_.SubtractBytes(block->size);
     block->size = 0;
     block->watched = false;
   }
@@ -202,7 +204,7 @@ void HostMemory::ForgetLocks() {
 }
 
 HostMemory::Block* HostMemory::Find(PF_Handle handle, std::string_view who) {
-  return books_.Find<Block>(Kind::kHandle, handle, who);
+  return tracker_.Find<Block>(Kind::kHandle, handle, who);
 }
 
 HostMemory::Block* HostMemory::Living(PF_Handle handle) const {
@@ -220,8 +222,9 @@ void HostMemory::Watch(Block& block) const {
 
 void HostMemory::CheckWatched(Block& block, std::string_view who) {
   if (block.watched && block.hash != Hash(block.memory.get(), block.WatchedBytes())) {
-    books_.Misuse(books_.Describe(static_cast<void*>(&block.master)) +
-                  " was written while it was not locked (found by " + std::string(who) + ")");
+    tracker_.ReportViolation(tracker_.Describe(static_cast<void*>(&block.master)) +
+                             " was written while it was not locked (found by " + std::string(who) +
+                             ")");
   }
   block.watched = false;
 }

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "sdk/effect.h"
-#include "standin/core/books.h"
+#include "standin/core/object_tracker.h"
 
 namespace standin {
 
@@ -17,7 +17,7 @@ namespace standin {
 /// use while the handle is locked, by the plug-in or, during a command, by the host.
 class HostMemory {
  public:
-  explicit HostMemory(Books& books);
+  explicit HostMemory(ObjectTracker& tracker);
   HostMemory(const HostMemory&) = delete;
   HostMemory& operator=(const HostMemory&) = delete;
   ~HostMemory();
@@ -45,9 +45,11 @@ class HostMemory {
   [[nodiscard]] std::vector<std::uint8_t> Bytes(PF_Handle handle) const;
   /// Gives the memory behind a handle up: its master pointer is null from now on.
   void Purge(PF_Handle handle);
-  /// The plug-in's locks were written off in the books.
+  /// The plug-in's locks were written off in the tracker.
   void ForgetLocks();
-  [[nodiscard]] bool Alive(PF_Handle handle) const { return books_.Alive(Kind::kHandle, handle); }
+  [[nodiscard]] bool IsLive(PF_Handle handle) const {
+    return tracker_.IsLive(Kind::kHandle, handle);
+  }
   /// One unlock of a handle whose lock was made to fail is no violation from now on.
   void AllowUnlockOf(PF_Handle handle);
 
@@ -62,9 +64,9 @@ class HostMemory {
   void Watch(Block& block) const;
   void CheckWatched(Block& block, std::string_view who);
 
-  Books& books_;
+  ObjectTracker& tracker_;
   std::unordered_map<const void*, std::unique_ptr<Block>> blocks_;
-  std::deque<std::unique_ptr<Block>> graveyard_;
+  std::deque<std::unique_ptr<Block>> quarantine_;
   bool inspects_ = true;
 };
 

@@ -34,12 +34,12 @@ struct HostOptions {
 };
 
 /// Where the plug-in stands with the host.
-enum class LifeCycle { kLoaded, kSetUp, kReady, kSetUpFailed, kSetDown };
+enum class PluginState { kLoaded, kSetUp, kReady, kSetUpFailed, kSetDown };
 /// Where an instance of the renderer stands.
 enum class InstanceState { kNew, kSetUp, kSetDown };
 
 /// A command came at the wrong time; the text gives the actual and the wanted state.
-class LifeCycleError : public std::logic_error {
+class PluginStateError : public std::logic_error {
  public:
   using std::logic_error::logic_error;
 };

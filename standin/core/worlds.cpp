@@ -53,7 +53,7 @@ struct Worlds::World {
   PF_EffectWorld record{};
 };
 
-Worlds::Worlds(Books& books) : books_(books) {}
+Worlds::Worlds(ObjectTracker& tracker) : tracker_(tracker) {}
 
 Worlds::~Worlds() = default;
 
@@ -69,7 +69,7 @@ PF_Err Worlds::New(A_long width, A_long height, PF_NewWorldFlags flags, const st
     world->memory.reset(new (std::nothrow) std::uint8_t[bytes]);
   }
   if (!world->memory) {
-    books_.NoteOutOfMemory();
+    tracker_.NoteOutOfMemory();
     return PF_Err_OUT_OF_MEMORY;
   }
   world->record.world_flags = PF_WorldFlag_WRITEABLE;
@@ -80,7 +80,7 @@ PF_Err Worlds::New(A_long width, A_long height, PF_NewWorldFlags flags, const st
   world->record.pix_aspect_ratio = {.num = 1, .den = 1};
   world->record.data = reinterpret_cast<PF_Pixel*>(world->Row(0));
   const std::string described = label + " " + std::to_string(width) + "x" + std::to_string(height);
-  const void* name = books_.Issue(Kind::kWorld, described, world.get());
+  const void* name = tracker_.Issue(Kind::kWorld, described, world.get());
   world->record.reserved0 = const_cast<void*>(name);
   if ((flags & PF_NewWorldFlag_CLEAR_PIXELS) != 0) {
     FillPixels(world->record, nullptr, {});
@@ -89,7 +89,7 @@ PF_Err Worlds::New(A_long width, A_long height, PF_NewWorldFlags flags, const st
   }
   world->SetGuards();
   *record = world->record;
-  books_.Hold(world->PixelBytes() * world->Rows());
+  tracker_.AddBytes(world->PixelBytes() * world->Rows());
   worlds_[name] = std::move(world);
   return PF_Err_NONE;
 }
@@ -100,8 +100,8 @@ PF_Err Worlds::Dispose(const PF_EffectWorld* record, std::string_view who) {
     return PF_Err_BAD_CALLBACK_PARAM;
   }
   CheckGuards(*found->second, who);
-  books_.Remove(Kind::kWorld, record->reserved0, who);
-  books_.LetGo(found->second->PixelBytes() * found->second->Rows());
+  tracker_.Remove(Kind::kWorld, record->reserved0, who);
+  tracker_.SubtractBytes(found->second->PixelBytes() * found->second->Rows());
   worlds_.erase(found);
   return PF_Err_NONE;
 }
@@ -134,19 +134,20 @@ tarvo::Picture Worlds::ToPicture(const PF_EffectWorld& record) {
 
 bool Worlds::Check(const PF_EffectWorld* record, std::string_view who) {
   if (record == nullptr) {
-    books_.Misuse(std::string(who) + " was given no world");
+    tracker_.ReportViolation(std::string(who) + " was given no world");
     return false;
   }
-  const auto* world = books_.Find<World>(Kind::kWorld, record->reserved0, who);
+  const auto* world = tracker_.Find<World>(Kind::kWorld, record->reserved0, who);
   if (world == nullptr) {
     return false;
   }
   const PF_EffectWorld& made = world->record;
   if (record->data != made.data || record->rowbytes != made.rowbytes ||
       record->width != made.width || record->height != made.height) {
-    books_.Misuse(std::string(who) + " was given a changed record of " +
-                  books_.Describe(record->reserved0) +
-                  "; its pixels, rowbytes, width and height were expected as they were made");
+    tracker_.ReportViolation(
+        std::string(who) + " was given a changed record of " +
+        tracker_.Describe(record->reserved0) +
+        "; its pixels, rowbytes, width and height were expected as they were made");
     return false;
   }
   return true;
@@ -160,10 +161,10 @@ void Worlds::CheckGuards(std::string_view command) {
 
 void Worlds::CheckGuards(World& world, std::string_view who) {
   const auto report = [&](const std::string& place) {
-    books_.Misuse(std::string(who) + ": " + books_.Describe(world.record.reserved0) +
-                  " was written " + place);
+    tracker_.ReportViolation(std::string(who) + ": " + tracker_.Describe(world.record.reserved0) +
+                             " was written " + place);
   };
-  const std::size_t misuses = books_.Misuses().size();
+  const std::size_t violations = tracker_.Violations().size();
   if (!AllGuard(world.memory.get(), world.RowBytes())) {
     report("above its first row");
   }
@@ -175,7 +176,7 @@ void Worlds::CheckGuards(World& world, std::string_view who) {
       report("past the end of row " + std::to_string(row));
     }
   }
-  if (books_.Misuses().size() != misuses) {
+  if (tracker_.Violations().size() != violations) {
     world.SetGuards();
   }
 }

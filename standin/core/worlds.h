@@ -9,7 +9,7 @@
 
 #include "base/image/picture.h"
 #include "sdk/effect.h"
-#include "standin/core/books.h"
+#include "standin/core/object_tracker.h"
 
 namespace standin {
 
@@ -18,7 +18,7 @@ namespace standin {
 /// with a pattern too, so that "never written" can be told from "written as black".
 class Worlds {
  public:
-  explicit Worlds(Books& books);
+  explicit Worlds(ObjectTracker& tracker);
   Worlds(const Worlds&) = delete;
   Worlds& operator=(const Worlds&) = delete;
   ~Worlds();
@@ -38,12 +38,12 @@ class Worlds {
   [[nodiscard]] static tarvo::Picture ToPicture(const PF_EffectWorld& record);
 
   /// True iff the record names a living world and describes it as it was made; otherwise notes the
-  /// misuse.
+  /// violation.
   bool Check(const PF_EffectWorld* record, std::string_view who);
-  [[nodiscard]] bool Alive(const PF_EffectWorld& record) const {
-    return books_.Alive(Kind::kWorld, record.reserved0);
+  [[nodiscard]] bool IsLive(const PF_EffectWorld& record) const {
+    return tracker_.IsLive(Kind::kWorld, record.reserved0);
   }
-  /// Notes a misuse for every living world whose padding or guard rows have changed, and mends
+  /// Notes a violation for every living world whose padding or guard rows have changed, and mends
   /// them.
   void CheckGuards(std::string_view command);
   /// Pixels of a living world that still hold the pattern they were made with.
@@ -56,7 +56,7 @@ class Worlds {
 
   void CheckGuards(World& world, std::string_view who);
 
-  Books& books_;
+  ObjectTracker& tracker_;
   bool fillsNew_ = true;
   std::unordered_map<const void*, std::unique_ptr<World>> worlds_;
 };

@@ -3,8 +3,8 @@
 #include <utility>
 
 #include "standin/core/core.h"
-#include "standin/host/conversation.h"
-#include "standin/host/life_cycle.h"
+#include "standin/host/plugin_state.h"
+#include "standin/host/send_command.h"
 #include "standin/suites/families.h"
 
 namespace standin {
@@ -19,7 +19,7 @@ Core& MakeActive(std::unique_ptr<Core>& core, PF_EntryPoint entryPoint, HostOpti
   core->sendGeneralCommand = [&core = *core](RendererInstance& renderer, void* extra) {
     Records records = MakeRecords(core, &renderer);
     records.extra = extra;
-    return Converse(core, PF_Cmd_COMPLETELY_GENERAL, records).code;
+    return SendCommand(core, PF_Cmd_COMPLETELY_GENERAL, records).code;
   };
   SetActiveCore(core.get());
   return *core;
@@ -48,7 +48,7 @@ void ForgetPlugin(Core& core) {
 /// The plug-in is gone, so what it kept for an instance is the host's to free.
 void FreeSequenceData(Core& core) {
   for (RendererInstance* instance : core.Instances()) {
-    if (core.memory.Alive(instance->sequenceData)) {
+    if (core.memory.IsLive(instance->sequenceData)) {
       core.memory.Dispose(instance->sequenceData, "the host");
     }
     instance->sequenceData = nullptr;
@@ -66,8 +66,8 @@ void FreeInputLayer(Core& core) {
 }  // namespace
 
 Host::Host(PF_EntryPoint entryPoint, HostOptions options)
-    : gate(MakeActive(core_, entryPoint, std::move(options)).gate),
-      books(core_->books),
+    : injector(MakeActive(core_, entryPoint, std::move(options)).injector),
+      tracker(core_->tracker),
       project(core_->project),
       memory(core_->memory),
       worlds(core_->worlds) {}
@@ -76,7 +76,7 @@ Host::~Host() {
   try {
     Close();
   } catch (...) {
-    core_->books.Misuse("the host could not be closed");
+    core_->tracker.ReportViolation("the host could not be closed");
   }
   if (ActiveCore() == core_.get()) {
     SetActiveCore(nullptr);
@@ -84,57 +84,59 @@ Host::~Host() {
 }
 
 CommandResult Host::GlobalSetup() {
-  Expect(*core_, "GlobalSetup", {LifeCycle::kLoaded, LifeCycle::kSetDown});
+  Expect(*core_, "GlobalSetup", {PluginState::kLoaded, PluginState::kSetDown});
   ForgetPlugin(*core_);
   Records records = MakeRecords(*core_, nullptr);
-  CommandResult result = Converse(*core_, PF_Cmd_GLOBAL_SETUP, records);
+  CommandResult result = SendCommand(*core_, PF_Cmd_GLOBAL_SETUP, records);
   TakeOver(*core_, records.out);
-  core_->state = result.Ok() ? LifeCycle::kSetUp : LifeCycle::kSetUpFailed;
+  core_->state = result.Ok() ? PluginState::kSetUp : PluginState::kSetUpFailed;
   return result;
 }
 
 CommandResult Host::ParamsSetup() {
-  Expect(*core_, "ParamsSetup", {LifeCycle::kSetUp});
+  Expect(*core_, "ParamsSetup", {PluginState::kSetUp});
   core_->declared = {InputLayerParameter()};
   Records records = MakeRecords(*core_, nullptr);
   core_->addingParameters = true;
-  CommandResult result = Converse(*core_, PF_Cmd_PARAMS_SETUP, records);
+  CommandResult result = SendCommand(*core_, PF_Cmd_PARAMS_SETUP, records);
   core_->addingParameters = false;
   if (!result.Ok()) {
     if (records.out.num_params != 0) {
-      core_->books.Misuse("PF_Cmd_PARAMS_SETUP: num_params is " +
-                          std::to_string(records.out.num_params) +
-                          " after a failure; it is set when all parameters are declared");
+      core_->tracker.ReportViolation(
+          "PF_Cmd_PARAMS_SETUP: num_params is " + std::to_string(records.out.num_params) +
+          " after a failure; it is set when all parameters are declared");
     }
     return result;
   }
   if (static_cast<std::size_t>(records.out.num_params) != core_->declared.size()) {
-    core_->books.Misuse("PF_Cmd_PARAMS_SETUP: num_params is " +
-                        std::to_string(records.out.num_params) + "; with the input layer " +
-                        std::to_string(core_->declared.size()) + " parameters were declared");
+    core_->tracker.ReportViolation(
+        "PF_Cmd_PARAMS_SETUP: num_params is " + std::to_string(records.out.num_params) +
+        "; with the input layer " + std::to_string(core_->declared.size()) +
+        " parameters were declared");
   }
-  core_->state = LifeCycle::kReady;
+  core_->state = PluginState::kReady;
   return result;
 }
 
 CommandResult Host::GlobalSetdown() {
-  Expect(*core_, "GlobalSetdown", {LifeCycle::kSetUp, LifeCycle::kReady, LifeCycle::kSetUpFailed});
+  Expect(*core_, "GlobalSetdown",
+         {PluginState::kSetUp, PluginState::kReady, PluginState::kSetUpFailed});
   Records records = MakeRecords(*core_, nullptr);
-  CommandResult result = Converse(*core_, PF_Cmd_GLOBAL_SETDOWN, records);
+  CommandResult result = SendCommand(*core_, PF_Cmd_GLOBAL_SETDOWN, records);
   ExpectForgotten(*core_, result, "global data", records.in.global_data, records.out.global_data);
   core_->globalData = nullptr;
-  core_->state = LifeCycle::kSetDown;
+  core_->state = PluginState::kSetDown;
   FreeSequenceData(*core_);
   FreeInputLayer(*core_);
-  core_->books.CloseLife("PF_Cmd_GLOBAL_SETDOWN");
+  core_->tracker.ReportLeaksOfPlugin("PF_Cmd_GLOBAL_SETDOWN");
   ForgetPlugin(*core_);
   return result;
 }
 
 CommandResult Host::About() {
-  Expect(*core_, "About", {LifeCycle::kSetUp, LifeCycle::kReady});
+  Expect(*core_, "About", {PluginState::kSetUp, PluginState::kReady});
   Records records = MakeRecords(*core_, nullptr);
-  return Converse(*core_, PF_Cmd_ABOUT, records);
+  return SendCommand(*core_, PF_Cmd_ABOUT, records);
 }
 
 CommandResult Host::StartUp() {
@@ -143,18 +145,18 @@ CommandResult Host::StartUp() {
 }
 
 void Host::Close() {
-  if (core_->state == LifeCycle::kLoaded || core_->state == LifeCycle::kSetDown) {
+  if (core_->state == PluginState::kLoaded || core_->state == PluginState::kSetDown) {
     return;
   }
   for (RendererInstance* instance : core_->Instances()) {
-    if (core_->state == LifeCycle::kReady && instance->state == InstanceState::kSetUp) {
+    if (core_->state == PluginState::kReady && instance->state == InstanceState::kSetUp) {
       SetDown(*core_, *instance);
     }
   }
   GlobalSetdown();
 }
 
-LifeCycle Host::State() const { return core_->state; }
+PluginState Host::State() const { return core_->state; }
 
 const std::vector<Parameter>& Host::DeclaredParameters() const { return core_->declared; }
 
@@ -166,13 +168,13 @@ PF_OutFlags2 Host::OutFlags2() const { return core_->outFlags2; }
 
 PF_Handle Host::GlobalData() const { return core_->globalData; }
 
-void Host::Withhold(const std::string& suite, std::int32_t version) {
-  core_->suites.Withhold(suite, version);
+void Host::HideSuite(const std::string& suite, std::int32_t version) {
+  core_->suites.Hide(suite, version);
 }
 
-void Host::OfferAllSuites() { core_->suites.OfferAll(); }
+void Host::ShowAllSuites() { core_->suites.ShowAll(); }
 
-std::vector<OfferedSuite> Host::Suites() const { return core_->suites.List(); }
+std::vector<SuiteDescription> Host::Suites() const { return core_->suites.List(); }
 
 const std::vector<std::string>& Host::Reports() const { return core_->reports; }
 

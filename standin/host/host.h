@@ -10,13 +10,13 @@
 
 #include "base/image/picture.h"
 #include "sdk/effect.h"
-#include "standin/core/books.h"
 #include "standin/core/companion.h"
-#include "standin/core/gate.h"
+#include "standin/core/fault_injector.h"
 #include "standin/core/host_memory.h"
 #include "standin/core/host_records.h"
+#include "standin/core/object_tracker.h"
 #include "standin/core/project.h"
-#include "standin/core/suites.h"
+#include "standin/core/suite_registry.h"
 #include "standin/core/worlds.h"
 
 namespace standin {
@@ -33,8 +33,9 @@ struct Core;
 /// Commands may be sent from any thread, one at a time; the host has its OpenGL context on the
 /// thread that made it, and none on others. After every call it checks that the context is current
 /// again, that nothing temporary is left outstanding, that no picture was written outside its rows
-/// and that its records are unchanged; what it finds stands in `books.Misuses()`. Commands never
-/// throw for what the plug-in does. A command that comes at the wrong time throws LifeCycleError.
+/// and that its records are unchanged; what it finds stands in `tracker.Violations()`. Commands
+/// never throw for what the plug-in does. A command that comes at the wrong time throws
+/// PluginStateError.
 class Host {
  public:
   /// Throws std::runtime_error when no OpenGL context can be made.
@@ -48,8 +49,8 @@ class Host {
   std::unique_ptr<Core> core_;
 
  public:
-  Gate& gate;
-  Books& books;
+  FaultInjector& injector;
+  ObjectTracker& tracker;
   Project& project;
   HostMemory& memory;
   Worlds& worlds;
@@ -59,14 +60,14 @@ class Host {
   CommandResult GlobalSetup();
   /// Also checks that the plug-in declared as many parameters as it says.
   CommandResult ParamsSetup();
-  /// Allowed after a failed set-up too. Handles and worlds still out then are misuses.
+  /// Allowed after a failed set-up too. Handles and worlds still out then are violations.
   CommandResult GlobalSetdown();
   CommandResult About();
   /// GlobalSetup and, if that went well, ParamsSetup; the result of the last of them.
   CommandResult StartUp();
   /// Removes all instances and sets the plug-in down, from whatever state it is in. Idempotent.
   void Close();
-  [[nodiscard]] LifeCycle State() const;
+  [[nodiscard]] PluginState State() const;
   /// The first parameter is the input layer; as the plug-in declared them.
   [[nodiscard]] const std::vector<Parameter>& DeclaredParameters() const;
   /// What it said of itself at global setup.
@@ -125,11 +126,11 @@ class Host {
   // What is left of it all.
 
   /// A suite that this host does not have, from now on.
-  void Withhold(const std::string& suite, std::int32_t version);
+  void HideSuite(const std::string& suite, std::int32_t version);
   /// It has all of them again.
-  void OfferAllSuites();
-  /// All suites, withheld ones too.
-  [[nodiscard]] std::vector<OfferedSuite> Suites() const;
+  void ShowAllSuites();
+  /// All suites, hidden ones too.
+  [[nodiscard]] std::vector<SuiteDescription> Suites() const;
   /// What the plug-in told the user with AEGP_ReportInfo.
   [[nodiscard]] const std::vector<std::string>& Reports() const;
   /// Changes of the project that the plug-in made, oldest first.

@@ -4,9 +4,9 @@
 
 #include "standin/core/core.h"
 #include "standin/core/pixels.h"
-#include "standin/host/conversation.h"
 #include "standin/host/host.h"
-#include "standin/host/life_cycle.h"
+#include "standin/host/plugin_state.h"
+#include "standin/host/send_command.h"
 #include "tarvo/companion.h"
 
 namespace standin {
@@ -43,8 +43,8 @@ void CheckInputPixels(Core& core, PF_EffectWorld& input) {
   for (A_long y = 0; y < input.height; ++y) {
     const PF_Pixel* row = RowOf(input, y);
     if (!std::all_of(row, row + input.width, IsInputColour)) {
-      core.books.Misuse("PF_Cmd_RENDER: row " + std::to_string(y) +
-                        " of the input layer was written; it is the host's");
+      core.tracker.ReportViolation("PF_Cmd_RENDER: row " + std::to_string(y) +
+                                   " of the input layer was written; it is the host's");
       FillPixels(input, nullptr, kInputColour);
       return;
     }
@@ -79,13 +79,13 @@ CommandResult Host::SetParameter(RendererInstance& renderer, int index, double v
   PF_UserChangedParamExtra extra{index};
   Records records = MakeRecords(*core_, &renderer);
   records.extra = &extra;
-  return Converse(*core_, PF_Cmd_USER_CHANGED_PARAM, records);
+  return SendCommand(*core_, PF_Cmd_USER_CHANGED_PARAM, records);
 }
 
 CommandResult Host::UpdateParamsUi(RendererInstance& renderer) {
   ExpectInstance(*core_, "UpdateParamsUi", renderer);
   Records records = MakeRecords(*core_, &renderer);
-  return Converse(*core_, PF_Cmd_UPDATE_PARAMS_UI, records);
+  return SendCommand(*core_, PF_Cmd_UPDATE_PARAMS_UI, records);
 }
 
 FrameExtent Host::FrameSetup(RendererInstance& renderer, const FrameRequest& request) {
@@ -94,7 +94,7 @@ FrameExtent Host::FrameSetup(RendererInstance& renderer, const FrameRequest& req
   records.out.width = records.in.extent_hint.right;
   records.out.height = records.in.extent_hint.bottom;
   FrameExtent extent;
-  extent.command = Converse(*core_, PF_Cmd_FRAME_SETUP, records);
+  extent.command = SendCommand(*core_, PF_Cmd_FRAME_SETUP, records);
   extent.width = records.out.width;
   extent.height = records.out.height;
   extent.originX = records.out.origin.h;
@@ -109,7 +109,7 @@ RenderResult Host::Render(RendererInstance& renderer, const FrameRequest& reques
   }
   RenderResult result = RenderInto(renderer, extent, request);
   Records records = FrameRecords(*core_, renderer, request);
-  Converse(*core_, PF_Cmd_FRAME_SETDOWN, records);
+  SendCommand(*core_, PF_Cmd_FRAME_SETDOWN, records);
   return result;
 }
 
@@ -117,9 +117,10 @@ RenderResult Host::RenderInto(RendererInstance& renderer, const FrameExtent& ext
                               const FrameRequest& request) {
   ExpectInstance(*core_, "Render", renderer);
   if (!IsPossible(extent)) {
-    books.Misuse("PF_Cmd_FRAME_SETUP: an output of " + std::to_string(extent.width) + " x " +
-                 std::to_string(extent.height) + " was asked for; the host makes none beyond " +
-                 std::to_string(kLongestSide) + " a side");
+    tracker.ReportViolation("PF_Cmd_FRAME_SETUP: an output of " + std::to_string(extent.width) +
+                            " x " + std::to_string(extent.height) +
+                            " was asked for; the host makes none beyond " +
+                            std::to_string(kLongestSide) + " a side");
     return {{PF_Err_OUT_OF_MEMORY, "", false, false}, {}, 0};
   }
   Records records = FrameRecords(*core_, renderer, request);
@@ -138,7 +139,7 @@ RenderResult Host::RenderInto(RendererInstance& renderer, const FrameExtent& ext
   records.output = &passed;
 
   RenderResult result;
-  result.command = Converse(*core_, PF_Cmd_RENDER, records);
+  result.command = SendCommand(*core_, PF_Cmd_RENDER, records);
   result.picture = Worlds::ToPicture(output);
   result.picture.originX = extent.originX;
   result.picture.originY = extent.originY;
@@ -153,7 +154,7 @@ RenderResult Host::RenderInto(RendererInstance& renderer, const FrameExtent& ext
 CommandResult Host::Call(A_long command, RendererInstance* renderer, void* extra) {
   Records records = MakeRecords(*core_, renderer);
   records.extra = extra;
-  CommandResult result = Converse(*core_, command, records);
+  CommandResult result = SendCommand(*core_, command, records);
   core_->globalData = records.out.global_data;
   if (renderer != nullptr) {
     TakeOverData(*core_, *renderer, command, records.out);
@@ -163,7 +164,7 @@ CommandResult Host::Call(A_long command, RendererInstance* renderer, void* extra
 
 CommandResult Host::CallWith(A_long command, PF_InData& in, PF_OutData& out, PF_ParamDef** params,
                              PF_LayerDef* output, void* extra) {
-  return Converse(*core_, command, in, out, params, output, extra);
+  return SendCommand(*core_, command, in, out, params, output, extra);
 }
 
 PF_InData Host::InputRecord(const RendererInstance* renderer) const {
@@ -174,7 +175,7 @@ A_Err Host::Idle() {
   A_Err first = A_Err_NONE;
   const std::vector<IdleHookEntry> hooks = core_->idleHooks;
   for (const IdleHookEntry& hook : hooks) {
-    const A_Err code = ConverseIdle(*core_, hook);
+    const A_Err code = CallIdleHook(*core_, hook);
     first = first != A_Err_NONE ? first : code;
   }
   return first;

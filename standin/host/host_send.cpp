@@ -6,9 +6,9 @@
 
 #include "standin/core/core.h"
 #include "standin/core/snapshot.h"
-#include "standin/host/conversation.h"
 #include "standin/host/host.h"
-#include "standin/host/life_cycle.h"
+#include "standin/host/plugin_state.h"
+#include "standin/host/send_command.h"
 
 namespace standin {
 namespace {
@@ -35,7 +35,7 @@ class HandOver {
       Expect(flag == 0, "the flag was set although no image was sent");
       return false;
     }
-    const bool alive = core_.worlds.Alive(*world_);
+    const bool alive = core_.worlds.IsLive(*world_);
     if (flag != 0) {
       Expect(alive, "the flag still says that the world is the sender's, but it was disposed of");
     } else if (alive && result.Ok()) {
@@ -53,7 +53,7 @@ class HandOver {
  private:
   void Expect(bool holds, const std::string& otherwise) {
     if (!holds) {
-      core_.books.Misuse("PF_Cmd_COMPLETELY_GENERAL: " + label_ + ": " + otherwise);
+      core_.tracker.ReportViolation("PF_Cmd_COMPLETELY_GENERAL: " + label_ + ": " + otherwise);
     }
   }
 
@@ -91,11 +91,11 @@ SendResult Host::Send(Companion& companion, RendererInstance& renderer) {
   SendResult result;
   result.command = SendRecord(renderer, &record);
   if (const auto offset = before.FirstChange(&record, {{offsetof(CompanionSlot, newImageA), 2}})) {
-    books.Misuse("PF_Cmd_COMPLETELY_GENERAL: the sender's record was changed at byte " +
-                 std::to_string(*offset) + "; only its two flags may be");
+    tracker.ReportViolation("PF_Cmd_COMPLETELY_GENERAL: the sender's record was changed at byte " +
+                            std::to_string(*offset) + "; only its two flags may be");
   }
   if (pieces.FirstChange(companion.pieces.data())) {
-    books.Misuse("PF_Cmd_COMPLETELY_GENERAL: the sender's pieces were changed");
+    tracker.ReportViolation("PF_Cmd_COMPLETELY_GENERAL: the sender's pieces were changed");
   }
   result.tookA = imageA.Settle(record.newImageA, result.command);
   result.tookB = imageB.Settle(record.newImageB, result.command);
@@ -106,7 +106,7 @@ CommandResult Host::SendRecord(RendererInstance& renderer, void* record) {
   ExpectInstance(*core_, "SendRecord", renderer);
   Records records = MakeRecords(*core_, &renderer);
   records.extra = record;
-  return Converse(*core_, PF_Cmd_COMPLETELY_GENERAL, records);
+  return SendCommand(*core_, PF_Cmd_COMPLETELY_GENERAL, records);
 }
 
 }  // namespace standin

@@ -3,7 +3,7 @@
 
 #include "standin/core/core.h"
 #include "standin/host/host.h"
-#include "standin/host/life_cycle.h"
+#include "standin/host/plugin_state.h"
 
 namespace standin {
 namespace {
@@ -12,7 +12,7 @@ constexpr int kPlainParameters = 4;
 
 PF_ProgPtr NewReference(Core& core, Effect& effect) {
   return Core::AsHandle<PF_ProgPtr>(
-      core.books.Issue(Kind::kProgramRef, effect.OnLayer().name, &effect));
+      core.tracker.Issue(Kind::kProgramRef, effect.OnLayer().name, &effect));
 }
 
 RendererInstance& Insert(Core& core, Layer& layer, int position) {
@@ -27,7 +27,7 @@ RendererInstance& Insert(Core& core, Layer& layer, int position) {
 }  // namespace
 
 RendererInstance& Host::AddRenderer(Layer& layer, int position) {
-  Expect(*core_, "AddRenderer", {LifeCycle::kReady});
+  Expect(*core_, "AddRenderer", {PluginState::kReady});
   RendererInstance& instance = Insert(*core_, layer, position);
   SetUp(*core_, PF_Cmd_SEQUENCE_SETUP, instance);
   return instance;
@@ -58,7 +58,7 @@ CommandResult Host::Remove(Effect& effect) {
     }
   }
   if (effect.programRef != nullptr) {
-    core_->books.Remove(Kind::kProgramRef, effect.programRef, "the host");
+    core_->tracker.Remove(Kind::kProgramRef, effect.programRef, "the host");
   }
   effect.OnLayer().Take(effect);
   return result;
@@ -78,14 +78,14 @@ RendererInstance& Host::Duplicate(RendererInstance& original) {
 }
 
 void Host::SaveAndReopen() {
-  Expect(*core_, "SaveAndReopen", {LifeCycle::kReady});
+  Expect(*core_, "SaveAndReopen", {PluginState::kReady});
   std::vector<std::pair<RendererInstance*, std::vector<std::uint8_t>>> saved;
   for (RendererInstance* instance : core_->Instances()) {
     saved.emplace_back(instance, memory.Bytes(instance->sequenceData));
   }
   for (auto& [instance, bytes] : saved) {
     SetDown(*core_, *instance);
-    books.Remove(Kind::kProgramRef, instance->programRef, "the host");
+    tracker.Remove(Kind::kProgramRef, instance->programRef, "the host");
   }
   for (auto& [instance, bytes] : saved) {
     instance->programRef = NewReference(*core_, *instance);

@@ -1,4 +1,4 @@
-#include "standin/core/callback.h"
+#include "standin/core/operation.h"
 #include "standin/suites/families.h"
 
 namespace standin {
@@ -18,7 +18,7 @@ SPErr AcquireSuite(Core& core, const char* name, std::int32_t version, const voi
   }
   *suite = table;
   core.heldSuites[{name, version}].push_back(
-      core.books.Issue(Kind::kSuite, std::string(name) + " " + std::to_string(version), nullptr));
+      core.tracker.Issue(Kind::kSuite, std::string(name) + " " + std::to_string(version), nullptr));
   return PF_Err_NONE;
 }
 
@@ -29,7 +29,7 @@ SPErr ReleaseSuite(Core& core, const char* name, std::int32_t version) {
                                            "\" version " + std::to_string(version) +
                                            ", which is not held; an acquired suite was expected");
   }
-  core.books.Remove(Kind::kSuite, held->second.back(), "ReleaseSuite");
+  core.tracker.Remove(Kind::kSuite, held->second.back(), "ReleaseSuite");
   held->second.pop_back();
   return PF_Err_NONE;
 }
@@ -39,7 +39,8 @@ SPErr ReleaseSuite(Core& core, const char* name, std::int32_t version) {
 void AddBasicSuite(Core& core) {
   core.suites.FillUnused(core.basicSuite, DescribeBasicSuiteSlots());
   core.basicSuite.AcquireSuite = Operation<"AcquireSuite", AcquireSuite>::Call;
-  core.basicSuite.ReleaseSuite = Operation<"ReleaseSuite", ReleaseSuite, Failing::kAfterwork>::Call;
+  core.basicSuite.ReleaseSuite =
+      Operation<"ReleaseSuite", ReleaseSuite, FailurePoint::kAfterEffect>::Call;
 }
 
 }  // namespace standin

@@ -1,5 +1,5 @@
 #include "sdk/aegp_suites.h"
-#include "standin/core/callback.h"
+#include "standin/core/operation.h"
 #include "standin/suites/families.h"
 
 namespace standin {
@@ -14,7 +14,7 @@ void PutName(const std::string& name, std::size_t room, A_char* text) {
 }
 
 Layer* LayerOf(Core& core, AEGP_LayerH layer, std::string_view who) {
-  return core.books.Find<Layer>(Kind::kLayer, layer, who);
+  return core.tracker.Find<Layer>(Kind::kLayer, layer, who);
 }
 
 A_Err GetEffectLayer(Core& core, PF_ProgPtr effect, AEGP_LayerH* layer) {
@@ -100,7 +100,7 @@ A_Err EffectCallGeneric2(Core& core, AEGP_PluginID id, AEGP_EffectRefH effect, c
 }
 
 A_Err DisposeEffect(Core& core, AEGP_EffectRefH effect) {
-  return core.books.Remove(Kind::kEffectRef, effect, "AEGP_DisposeEffect")
+  return core.tracker.Remove(Kind::kEffectRef, effect, "AEGP_DisposeEffect")
              ? A_Err_NONE
              : PF_Err_BAD_CALLBACK_PARAM;
 }
@@ -124,7 +124,7 @@ void FillSuite(AEGP_EffectSuite<Call>& suite) {
       Operation<"AEGP_GetInstalledKeyFromLayerEffect", GetInstalledKey>::Call;
   suite.AEGP_GetEffectFlags = Operation<"AEGP_GetEffectFlags", GetEffectFlags>::Call;
   suite.AEGP_DisposeEffect =
-      Operation<"AEGP_DisposeEffect", DisposeEffect, Failing::kAfterwork>::Call;
+      Operation<"AEGP_DisposeEffect", DisposeEffect, FailurePoint::kAfterEffect>::Call;
   suite.AEGP_GetEffectMatchName = Operation<"AEGP_GetEffectMatchName", GetEffectMatchName>::Call;
 }
 

@@ -1,5 +1,5 @@
 #include "sdk/effect_suites.h"
-#include "standin/core/callback.h"
+#include "standin/core/operation.h"
 #include "standin/suites/families.h"
 
 namespace standin {
@@ -14,7 +14,7 @@ void* LockHandle(PF_Handle handle) {
   void* const bytes = Operation<"host_lock_handle", Lock>::Call(handle);
   Core* const core = ActiveCore();
   if (bytes == nullptr && core != nullptr &&
-      core->underWay == CommandName(PF_Cmd_SEQUENCE_RESETUP)) {
+      core->currentCommand == CommandName(PF_Cmd_SEQUENCE_RESETUP)) {
     core->memory.AllowUnlockOf(handle);
   }
   return bytes;
@@ -44,9 +44,9 @@ void AddHandleSuite(Core& core) {
   suite.host_new_handle = Operation<"host_new_handle", NewHandle>::Call;
   suite.host_lock_handle = LockHandle;
   suite.host_unlock_handle =
-      Operation<"host_unlock_handle", UnlockHandle, Failing::kThrowsOnly>::Call;
+      Operation<"host_unlock_handle", UnlockHandle, FailurePoint::kThrowOnly>::Call;
   suite.host_dispose_handle =
-      Operation<"host_dispose_handle", DisposeHandle, Failing::kThrowsOnly>::Call;
+      Operation<"host_dispose_handle", DisposeHandle, FailurePoint::kThrowOnly>::Call;
   suite.host_get_handle_size = Operation<"host_get_handle_size", HandleSize>::Call;
   suite.host_resize_handle = Operation<"host_resize_handle", ResizeHandle>::Call;
 }

@@ -3,7 +3,7 @@
 #include <cstring>
 
 #include "sdk/effect_suites.h"
-#include "standin/core/callback.h"
+#include "standin/core/operation.h"
 #include "standin/core/snapshot.h"
 #include "standin/suites/families.h"
 

@@ -1,5 +1,5 @@
 #include "sdk/aegp_suites.h"
-#include "standin/core/callback.h"
+#include "standin/core/operation.h"
 #include "standin/suites/families.h"
 
 namespace standin {
@@ -7,7 +7,7 @@ namespace {
 
 // Issued with a subject, so that a look-up of the handle can tell it from none.
 Core* PreferencesOf(Core& core, AEGP_PersistentBlobH blob, std::string_view who) {
-  return core.books.Find<Core>(Kind::kPreferences, blob, who);
+  return core.tracker.Find<Core>(Kind::kPreferences, blob, who);
 }
 
 A_Err GetApplicationBlob(Core& core, AEGP_PersistentBlobH* blob) {

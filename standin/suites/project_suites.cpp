@@ -2,7 +2,7 @@
 #include <iterator>
 
 #include "sdk/aegp_suites.h"
-#include "standin/core/callback.h"
+#include "standin/core/operation.h"
 #include "standin/suites/families.h"
 
 namespace standin {
@@ -38,7 +38,7 @@ bool IsFootage(const Core& core, AEGP_ItemH item) {
 A_Err GetItemType(Core& core, AEGP_ItemH item, AEGP_ItemType* type) {
   const bool footage = IsFootage(core, item);
   if (type == nullptr ||
-      (!footage && core.books.Find(Kind::kItem, item, "AEGP_GetItemType") == nullptr)) {
+      (!footage && core.tracker.Find(Kind::kItem, item, "AEGP_GetItemType") == nullptr)) {
     return PF_Err_BAD_CALLBACK_PARAM;
   }
   *type = footage ? AEGP_ItemType_FOOTAGE : AEGP_ItemType_COMP;
@@ -49,7 +49,7 @@ A_Err GetCompFromItem(Core& core, AEGP_ItemH item, AEGP_CompH* comp) {
   if (comp == nullptr || IsFootage(core, item)) {
     return core.Refuse("AEGP_GetCompFromItem", "an item that is no composition");
   }
-  auto* composition = core.books.Find<Composition>(Kind::kItem, item, "AEGP_GetCompFromItem");
+  auto* composition = core.tracker.Find<Composition>(Kind::kItem, item, "AEGP_GetCompFromItem");
   if (composition == nullptr) {
     return PF_Err_BAD_CALLBACK_PARAM;
   }
@@ -60,7 +60,7 @@ A_Err GetCompFromItem(Core& core, AEGP_ItemH item, AEGP_CompH* comp) {
 
 A_Err GetCompNumLayers(Core& core, AEGP_CompH comp, A_long* count) {
   const auto* composition =
-      core.books.Find<Composition>(Kind::kComposition, comp, "AEGP_GetCompNumLayers");
+      core.tracker.Find<Composition>(Kind::kComposition, comp, "AEGP_GetCompNumLayers");
   if (composition == nullptr || count == nullptr) {
     return PF_Err_BAD_CALLBACK_PARAM;
   }
@@ -70,7 +70,7 @@ A_Err GetCompNumLayers(Core& core, AEGP_CompH comp, A_long* count) {
 
 A_Err GetCompLayerByIndex(Core& core, AEGP_CompH comp, A_long index, AEGP_LayerH* layer) {
   auto* composition =
-      core.books.Find<Composition>(Kind::kComposition, comp, "AEGP_GetCompLayerByIndex");
+      core.tracker.Find<Composition>(Kind::kComposition, comp, "AEGP_GetCompLayerByIndex");
   if (composition == nullptr || layer == nullptr) {
     return PF_Err_BAD_CALLBACK_PARAM;
   }

@@ -1,5 +1,5 @@
 #include "sdk/aegp_suites.h"
-#include "standin/core/callback.h"
+#include "standin/core/operation.h"
 #include "standin/suites/families.h"
 
 namespace standin {
@@ -10,10 +10,10 @@ namespace {
 constexpr std::size_t kLongestWrittenName = 32;
 
 const StreamSubject* StreamOf(Core& core, AEGP_StreamRefH stream, std::string_view who) {
-  return core.books.Find<StreamSubject>(Kind::kStream, stream, who);
+  return core.tracker.Find<StreamSubject>(Kind::kStream, stream, who);
 }
 
-/// The parameter behind a stream; null, with the misuse noted, for a group or no stream at all.
+/// The parameter behind a stream; null, with the violation noted, for a group or no stream at all.
 Parameter* ParameterOf(Core& core, AEGP_StreamRefH stream, std::string_view who) {
   const StreamSubject* subject = StreamOf(core, stream, who);
   if (subject != nullptr && !subject->parameter) {
@@ -27,7 +27,7 @@ AEGP_StreamRefH NewStream(Core& core, const StreamSubject& subject) {
       subject.effect->matchName +
       (subject.parameter ? " parameter " + std::to_string(*subject.parameter) : " group");
   auto owned = std::make_unique<StreamSubject>(subject);
-  const void* name = core.books.Issue(Kind::kStream, label, owned.get());
+  const void* name = core.tracker.Issue(Kind::kStream, label, owned.get());
   core.streams[name] = std::move(owned);
   return Core::AsHandle<AEGP_StreamRefH>(name);
 }
@@ -58,7 +58,7 @@ A_Err GetNewParentStreamRef(Core& core, AEGP_PluginID id, AEGP_StreamRefH stream
 }
 
 A_Err DisposeStream(Core& core, AEGP_StreamRefH stream) {
-  if (!core.books.Remove(Kind::kStream, stream, "AEGP_DisposeStream")) {
+  if (!core.tracker.Remove(Kind::kStream, stream, "AEGP_DisposeStream")) {
     return PF_Err_BAD_CALLBACK_PARAM;
   }
   core.streams.erase(stream);
@@ -87,12 +87,12 @@ A_Err GetNewStreamValue(Core& core, AEGP_PluginID id, AEGP_StreamRefH stream, AE
   *value = {};
   value->streamH = stream;
   value->val.one_d = parameter->Value();
-  core.books.Enter(Kind::kStreamValue, value, "of " + core.books.Describe(stream), nullptr);
+  core.tracker.Enter(Kind::kStreamValue, value, "of " + core.tracker.Describe(stream), nullptr);
   return A_Err_NONE;
 }
 
 A_Err DisposeStreamValue(Core& core, AEGP_StreamValue2* value) {
-  return core.books.Remove(Kind::kStreamValue, value, "AEGP_DisposeStreamValue")
+  return core.tracker.Remove(Kind::kStreamValue, value, "AEGP_DisposeStreamValue")
              ? A_Err_NONE
              : PF_Err_BAD_CALLBACK_PARAM;
 }
@@ -104,19 +104,20 @@ A_Err SetStreamValue(Core& core, AEGP_PluginID id, AEGP_StreamRefH stream,
     return PF_Err_BAD_CALLBACK_PARAM;
   }
   if (value->streamH != nullptr && value->streamH != stream) {
-    return core.Refuse("AEGP_SetStreamValue", "a value of " + core.books.Describe(value->streamH) +
-                                                  " for " + core.books.Describe(stream));
+    return core.Refuse("AEGP_SetStreamValue", "a value of " +
+                                                  core.tracker.Describe(value->streamH) + " for " +
+                                                  core.tracker.Describe(stream));
   }
   if (!parameter->Takes(value->val.one_d)) {
     return core.Refuse("AEGP_SetStreamValue", std::to_string(value->val.one_d) +
                                                   ", which is out of range for " +
-                                                  core.books.Describe(stream));
+                                                  core.tracker.Describe(stream));
   }
   parameter->SetValue(value->val.one_d);
   const StreamSubject& subject = *core.streams[stream];
   core.NoteChange(subject.effect->matchName + " parameter " +
                   std::to_string(subject.parameter.value_or(-1)) + " = " +
-                  Words(core.books, true)(value->val.one_d));
+                  ArgumentFormatter(core.tracker, true)(value->val.one_d));
   return A_Err_NONE;
 }
 
@@ -138,7 +139,7 @@ A_Err SetDynamicStreamFlag(Core& core, AEGP_StreamRefH stream, AEGP_DynStreamFla
   parameter->streamFlags =
       set != 0 ? parameter->streamFlags | flag : parameter->streamFlags & ~flag;
   if (undoable != 0) {
-    core.NoteChange(core.books.Describe(stream) + (set != 0 ? " hidden" : " shown"));
+    core.NoteChange(core.tracker.Describe(stream) + (set != 0 ? " hidden" : " shown"));
   }
   return A_Err_NONE;
 }
@@ -150,10 +151,10 @@ void AddStreamSuites(Core& core) {
   stream.AEGP_GetNewEffectStreamByIndex =
       Operation<"AEGP_GetNewEffectStreamByIndex", GetNewEffectStreamByIndex>::Call;
   stream.AEGP_DisposeStream =
-      Operation<"AEGP_DisposeStream", DisposeStream, Failing::kAfterwork>::Call;
+      Operation<"AEGP_DisposeStream", DisposeStream, FailurePoint::kAfterEffect>::Call;
   stream.AEGP_GetNewStreamValue = Operation<"AEGP_GetNewStreamValue", GetNewStreamValue>::Call;
   stream.AEGP_DisposeStreamValue =
-      Operation<"AEGP_DisposeStreamValue", DisposeStreamValue, Failing::kAfterwork>::Call;
+      Operation<"AEGP_DisposeStreamValue", DisposeStreamValue, FailurePoint::kAfterEffect>::Call;
   stream.AEGP_SetStreamValue = Operation<"AEGP_SetStreamValue", SetStreamValue>::Call;
 
   auto& named = core.suites.Add<AEGP_StreamSuite1>("AEGP Stream Suite", 4);

@@ -5,7 +5,7 @@
 
 #include "base/files/file_path.h"
 #include "sdk/effect_suites.h"
-#include "standin/core/callback.h"
+#include "standin/core/operation.h"
 #include "standin/suites/families.h"
 
 namespace standin {
@@ -44,8 +44,8 @@ int PutText(Core& core, A_char* buffer, const A_char* text, std::string_view who
 int Sprintf(A_char* buffer, const A_char* format, ...) {
   std::va_list arguments;
   va_start(arguments, format);
-  const int written = PassGate<int>(
-      "sprintf", Failing::kThrowsOnly,
+  const int written = CallOperation<int>(
+      "sprintf", FailurePoint::kThrowOnly,
       [&](Core& core) {
         if (buffer == nullptr || format == nullptr) {
           core.Refuse("sprintf", "null");
@@ -56,7 +56,7 @@ int Sprintf(A_char* buffer, const A_char* format, ...) {
         std::vsnprintf(text.data(), text.size(), format, arguments);
         return PutText(core, buffer, text.data(), "sprintf");
       },
-      [&](const Words& words) { return words(format); });
+      [&](const ArgumentFormatter& words) { return words(format); });
   va_end(arguments);
   return written;
 }
@@ -101,7 +101,7 @@ PF_Err GetPlatformData(Core& core, PF_ProgPtr effect, PF_PlatDataID which, void*
 }  // namespace
 
 void AddUtilityCallbacks(Core& core) {
-  using CopyText = Operation<"strcpy", Strcpy, Failing::kThrowsOnly>;
+  using CopyText = Operation<"strcpy", Strcpy, FailurePoint::kThrowOnly>;
   core.utilities.ansi.sprintf = Sprintf;
   core.utilities.ansi.strcpy = CopyText::Call;
   core.utilities.get_platform_data = Operation<"get_platform_data", GetPlatformData>::Call;

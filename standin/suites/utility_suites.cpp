@@ -1,7 +1,7 @@
 #include <cstring>
 
 #include "sdk/aegp_suites.h"
-#include "standin/core/callback.h"
+#include "standin/core/operation.h"
 #include "standin/suites/families.h"
 
 namespace standin {
@@ -33,7 +33,7 @@ A_Err StartQuietErrors(Core& core, AEGP_ErrReportState* state) {
   if (state == nullptr) {
     return core.Refuse("AEGP_StartQuietErrors", "null");
   }
-  const void* section = core.books.Issue(Kind::kQuietSection, "", nullptr);
+  const void* section = core.tracker.Issue(Kind::kQuietSection, "", nullptr);
   core.quietSections.push_back(section);
   std::memset(state, 0x3C, sizeof *state);
   std::memcpy(state->opaque, &section, sizeof section);
@@ -46,11 +46,12 @@ A_Err EndQuietErrors(Core& core, A_Boolean /*report*/, AEGP_ErrReportState* stat
   }
   const void* section = nullptr;
   std::memcpy(&section, state->opaque, sizeof section);
-  if (!core.books.Remove(Kind::kQuietSection, section, "AEGP_EndQuietErrors")) {
+  if (!core.tracker.Remove(Kind::kQuietSection, section, "AEGP_EndQuietErrors")) {
     return PF_Err_BAD_CALLBACK_PARAM;
   }
   if (core.quietSections.back() != section) {
-    core.books.Misuse("AEGP_EndQuietErrors ended an outer quiet section before the inner one");
+    core.tracker.ReportViolation(
+        "AEGP_EndQuietErrors ended an outer quiet section before the inner one");
   }
   std::erase(core.quietSections, section);
   return A_Err_NONE;
@@ -60,16 +61,16 @@ A_Err StartUndoGroup(Core& core, const A_char* name) {
   if (name == nullptr) {
     return core.Refuse("AEGP_StartUndoGroup", "null");
   }
-  core.openUndoGroups.push_back({core.books.Issue(Kind::kUndoGroup, name, nullptr), name});
+  core.openUndoGroups.push_back({core.tracker.Issue(Kind::kUndoGroup, name, nullptr), name});
   return A_Err_NONE;
 }
 
 A_Err EndUndoGroup(Core& core) {
   if (core.openUndoGroups.empty()) {
-    core.books.Misuse("AEGP_EndUndoGroup was called with no undo group open");
+    core.tracker.ReportViolation("AEGP_EndUndoGroup was called with no undo group open");
     return PF_Err_BAD_CALLBACK_PARAM;
   }
-  core.books.Remove(Kind::kUndoGroup, core.openUndoGroups.back().token, "AEGP_EndUndoGroup");
+  core.tracker.Remove(Kind::kUndoGroup, core.openUndoGroups.back().token, "AEGP_EndUndoGroup");
   core.undoGroups.push_back(core.openUndoGroups.back().name);
   core.openUndoGroups.pop_back();
   return A_Err_NONE;
@@ -92,12 +93,13 @@ void AddUtilitySuites(Core& core) {
   auto& utility = core.suites.Add<AEGP_UtilitySuite5>("AEGP Utility Suite", 11);
   utility.AEGP_StartQuietErrors = Operation<"AEGP_StartQuietErrors", StartQuietErrors>::Call;
   utility.AEGP_EndQuietErrors =
-      Operation<"AEGP_EndQuietErrors", EndQuietErrors, Failing::kAfterwork>::Call;
+      Operation<"AEGP_EndQuietErrors", EndQuietErrors, FailurePoint::kAfterEffect>::Call;
   utility.AEGP_RegisterWithAEGP = Operation<"AEGP_RegisterWithAEGP", RegisterWithAegp>::Call;
 
   auto& undo = core.suites.Add<AEGP_UtilitySuite6>("AEGP Utility Suite", 13);
   undo.AEGP_StartUndoGroup = Operation<"AEGP_StartUndoGroup", StartUndoGroup>::Call;
-  undo.AEGP_EndUndoGroup = Operation<"AEGP_EndUndoGroup", EndUndoGroup, Failing::kAfterwork>::Call;
+  undo.AEGP_EndUndoGroup =
+      Operation<"AEGP_EndUndoGroup", EndUndoGroup, FailurePoint::kAfterEffect>::Call;
 
   auto& registering = core.suites.Add<AEGP_RegisterSuite5>("AEGP Register Suite", 6);
   registering.AEGP_RegisterIdleHook = Operation<"AEGP_RegisterIdleHook", RegisterIdleHook>::Call;

@@ -1,5 +1,5 @@
 #include "sdk/effect_suites.h"
-#include "standin/core/callback.h"
+#include "standin/core/operation.h"
 #include "standin/core/pixels.h"
 #include "standin/suites/families.h"
 
@@ -51,7 +51,8 @@ PF_Err Copy(Core& core, PF_ProgPtr effect, PF_EffectWorld* source, PF_EffectWorl
     return PF_Err_BAD_CALLBACK_PARAM;
   }
   if (!SameSize(*source, from, *destination, to)) {
-    core.books.Misuse("copy was given areas of different sizes; this host does not scale");
+    core.tracker.ReportViolation(
+        "copy was given areas of different sizes; this host does not scale");
   }
   CopyPixels(*source, from, *destination, to);
   return PF_Err_NONE;
@@ -79,7 +80,7 @@ PF_Err GetPixelData8(Core& core, PF_EffectWorld* world, PF_Pixel* pixels, PF_Pix
 void AddWorldSuites(Core& core) {
   auto& world = core.suites.Add<PF_WorldSuite1>("PF World Suite", 1);
   world.new_world = Operation<"new_world", NewWorld>::Call;
-  world.dispose_world = Operation<"dispose_world", DisposeWorld, Failing::kAfterwork>::Call;
+  world.dispose_world = Operation<"dispose_world", DisposeWorld, FailurePoint::kAfterEffect>::Call;
 
   auto& matte = core.suites.Add<PF_FillMatteSuite2>("PF Fill Matte Suite", 2);
   matte.premultiply = Operation<"premultiply", Premultiply>::Call;

@@ -137,7 +137,7 @@ class AnyRecord {
   /// What was not taken is the sender's.
   ~AnyRecord() {
     for (const PF_EffectWorld& world : worlds_) {
-      if (host_.worlds.Alive(world)) host_.worlds.Dispose(&world, "the companion");
+      if (host_.worlds.IsLive(world)) host_.worlds.Dispose(&world, "the companion");
     }
   }
 
@@ -243,7 +243,7 @@ class AnyRecord {
   void ExpectHandedOver(const std::uint8_t* field, bool taken) const {
     PF_EffectWorld world{};
     std::memcpy(&world, field, sizeof world);
-    if (taken && host_.worlds.Alive(world)) Finding("an image was taken, and its world kept");
+    if (taken && host_.worlds.IsLive(world)) Finding("an image was taken, and its world kept");
   }
 
   standin::Host& host_;
@@ -259,7 +259,7 @@ class AnyRecord {
 class Stage {
  public:
   Stage()
-      : host(EntryPointFunc), layer_(SetTheScene()), handles_(host.books.Count(Kind::kHandle)) {}
+      : host(EntryPointFunc), layer_(SetTheScene()), handles_(host.tracker.Count(Kind::kHandle)) {}
 
   /// Plays one input on a new instance and expects it to leave nothing behind.
   void Play(FuzzedDataProvider& bytes) {
@@ -267,7 +267,7 @@ class Stage {
     ExpectOk(renderer_->setup, "sequence setup");
     for (int action = 0; action < kMostActions && bytes.remaining_bytes() > 0; ++action) {
       ActWithFailures(bytes);
-      ExpectNoMisuse();
+      ExpectNoViolation();
     }
     Clear();
   }
@@ -275,7 +275,7 @@ class Stage {
   /// Ends the plug-in's life.
   void Close() {
     host.Close();
-    ExpectNoMisuse();
+    ExpectNoViolation();
     ExpectCount(Kind::kHandle, 0);
     ExpectCount(Kind::kWorld, 0);
   }
@@ -284,7 +284,7 @@ class Stage {
 
  private:
   standin::Layer& SetTheScene() {
-    host.gate.KeepLog(false);
+    host.injector.KeepLog(false);
     ExpectOk(host.StartUp(), "start");
     check::ResizeRenderTarget(kTargetSide, kTargetSide);
     standin::Composition& composition = host.project.AddComposition("Stage");
@@ -298,12 +298,12 @@ class Stage {
     const auto call = bytes.ConsumeIntegralInRange<std::uint64_t>(0, 4 * kOftenest);
     const int action = bytes.ConsumeIntegralInRange(0, 12);
     if (call > 0 && call < kOftenest && action < 7) {
-      host.gate.FailNth(call, {.code = 55, .throws = bytes.ConsumeBool()});
+      host.injector.FailNth(call, {.code = 55, .throws = bytes.ConsumeBool()});
     }
-    const std::uint64_t before = host.gate.Injected();
-    const auto failed = [&] { return host.gate.Injected() != before; };
+    const std::uint64_t before = host.injector.Injected();
+    const auto failed = [&] { return host.injector.Injected() != before; };
     Act(action, bytes, failed);
-    host.gate.FailNothing();
+    host.injector.FailNothing();
   }
 
   template <typename Failed>
@@ -414,12 +414,12 @@ class Stage {
 
   /// Takes note of no world that was refused to the plug-in: the sender gave it.
   void ForgiveTheSender() {
-    for (const std::string& misuse : host.books.Misuses()) {
-      const bool sendersFault =
-          misuse.starts_with("copy was given") || misuse.starts_with("dispose_world was given");
-      if (!sendersFault) Finding(misuse);
+    for (const std::string& violation : host.tracker.Violations()) {
+      const bool sendersFault = violation.starts_with("copy was given") ||
+                                violation.starts_with("dispose_world was given");
+      if (!sendersFault) Finding(violation);
     }
-    host.books.ClearMisuses();
+    host.tracker.ClearViolations();
   }
 
   static standin::FrameRequest AnyRequest(FuzzedDataProvider& bytes) {
@@ -464,22 +464,22 @@ class Stage {
     if (!result.Ok()) Finding(what + ": " + std::to_string(result.code) + " " + result.message);
   }
 
-  void ExpectNoMisuse() const {
-    if (!host.books.Misuses().empty()) Finding(host.books.FirstMisuse());
+  void ExpectNoViolation() const {
+    if (!host.tracker.Violations().empty()) Finding(host.tracker.FirstViolation());
   }
 
   void ExpectCount(Kind kind, std::size_t most) const {
-    if (host.books.Count(kind) > most)
-      Finding("left behind: " + host.books.Outstanding(kind).back());
+    if (host.tracker.Count(kind) > most)
+      Finding("left behind: " + host.tracker.Outstanding(kind).back());
   }
 
   /// Takes everything off the layer; what then is left of the plug-in's is a leak.
   void Clear() {
     while (!layer_.effects.empty()) ExpectOk(host.Remove(*layer_.effects.back()), "remove");
     host.ClearChanges();
-    ExpectNoMisuse();
-    if (!host.books.Balanced())
-      Finding("left behind: " + host.books.OutstandingAfterCall().front());
+    ExpectNoViolation();
+    if (!host.tracker.Balanced())
+      Finding("left behind: " + host.tracker.OutstandingAfterCall().front());
     ExpectCount(Kind::kHandle, handles_);
     ExpectCount(Kind::kWorld, 1);  // the host's own input layer, after the first frame
     if (!host.ContextIsCurrent()) Finding("the host's context is not current");

@@ -94,9 +94,9 @@ void Draw(const tarvo::Scene& scene) {
 
 // ---- Changes that keep most files readable
 
-using Dice = std::minstd_rand;
+using RandomSource = std::minstd_rand;
 
-std::size_t Roll(Dice& dice, std::size_t sides) { return dice() % sides; }
+std::size_t Roll(RandomSource& random, std::size_t sides) { return random() % sides; }
 
 constexpr std::array kWords{
     "size",      "images",  "fast",  "set",    "effects", "renderer", "bones",    "frames",
@@ -106,7 +106,7 @@ constexpr std::array kWords{
     "matchName", "at",      "A",     "B",      "tile",    "tile.png", "QEZ_Tarvo"};
 
 /// A value at one of the edges of what a field takes, or of another kind.
-Json EdgeValue(Dice& dice) {
+Json EdgeValue(RandomSource& random) {
   const std::array<Json, 22> values{0,
                                     1,
                                     -1,
@@ -128,59 +128,60 @@ Json EdgeValue(Dice& dice) {
                                     true,
                                     Json::array(),
                                     Json::object(),
-                                    kWords[Roll(dice, kWords.size())]};
-  return values[Roll(dice, values.size())];
+                                    kWords[Roll(random, kWords.size())]};
+  return values[Roll(random, values.size())];
 }
 
 /// Some value in the file, the outer ones as likely as the inner ones.
-Json& AnyNode(Json& root, Dice& dice) {
+Json& AnyNode(Json& root, RandomSource& random) {
   Json* node = &root;
-  while (node->is_structured() && !node->empty() && Roll(dice, 5) != 0) {
+  while (node->is_structured() && !node->empty() && Roll(random, 5) != 0) {
     auto child = node->begin();
-    std::advance(child, static_cast<std::ptrdiff_t>(Roll(dice, node->size())));
+    std::advance(child, static_cast<std::ptrdiff_t>(Roll(random, node->size())));
     node = &*child;
   }
   return *node;
 }
 
-void EraseChild(Json& node, Dice& dice) {
+void EraseChild(Json& node, RandomSource& random) {
   auto child = node.begin();
-  std::advance(child, static_cast<std::ptrdiff_t>(Roll(dice, node.size())));
+  std::advance(child, static_cast<std::ptrdiff_t>(Roll(random, node.size())));
   node.erase(child);
 }
 
-void AddChild(Json& node, Json child, Dice& dice) {
+void AddChild(Json& node, Json child, RandomSource& random) {
   if (node.is_array()) {
-    node.insert(node.begin() + static_cast<std::ptrdiff_t>(Roll(dice, node.size() + 1)),
+    node.insert(node.begin() + static_cast<std::ptrdiff_t>(Roll(random, node.size() + 1)),
                 std::move(child));
   } else if (node.is_object()) {
-    node[kWords[Roll(dice, kWords.size())]] = std::move(child);
+    node[kWords[Roll(random, kWords.size())]] = std::move(child);
   } else {
     node = std::move(child);
   }
 }
 
-void Change(Json& root, Dice& dice) {
-  Json other = AnyNode(root, dice);
-  Json& node = AnyNode(root, dice);
-  switch (Roll(dice, 6)) {
+void Change(Json& root, RandomSource& random) {
+  Json other = AnyNode(root, random);
+  Json& node = AnyNode(root, random);
+  switch (Roll(random, 6)) {
     case 0:
       node = std::move(other);
       break;
     case 1:
-      if (node.is_structured() && !node.empty()) EraseChild(node, dice);
+      if (node.is_structured() && !node.empty()) EraseChild(node, random);
       break;
     case 2:
-      AddChild(node, std::move(other), dice);
+      AddChild(node, std::move(other), random);
       break;
     case 3:
-      AddChild(node, EdgeValue(dice), dice);
+      AddChild(node, EdgeValue(random), random);
       break;
     case 4:
-      if (node.is_number()) node = node.get<double>() * (static_cast<double>(Roll(dice, 9)) - 4.0);
+      if (node.is_number())
+        node = node.get<double>() * (static_cast<double>(Roll(random, 9)) - 4.0);
       break;
     default:
-      node = EdgeValue(dice);
+      node = EdgeValue(random);
   }
 }
 
@@ -195,11 +196,11 @@ bool IsShallow(const std::uint8_t* data, std::size_t size) {
 
 extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t size,
                                                std::size_t most, unsigned int seed) {
-  Dice dice(seed);
-  if (Roll(dice, 4) == 0 || !IsShallow(data, size)) return LLVMFuzzerMutate(data, size, most);
+  RandomSource random(seed);
+  if (Roll(random, 4) == 0 || !IsShallow(data, size)) return LLVMFuzzerMutate(data, size, most);
   Json root = Json::parse(data, data + size, nullptr, /*allow_exceptions=*/false);
   if (root.is_discarded()) return LLVMFuzzerMutate(data, size, most);
-  for (std::size_t changes = 1 + Roll(dice, 3); changes > 0; --changes) Change(root, dice);
+  for (std::size_t changes = 1 + Roll(random, 3); changes > 0; --changes) Change(root, random);
   const std::string text = root.dump();
   if (text.size() > most) return LLVMFuzzerMutate(data, size, most);
   std::memcpy(data, text.data(), text.size());

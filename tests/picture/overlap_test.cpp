@@ -110,11 +110,11 @@ TEST(Overlap, PlacesByScaleAndOriginAndDoubtsOnlyEdges) {
   EXPECT_EQ(drawn.picture.At(14, 13), green);
   EXPECT_EQ(drawn.picture.At(6, 4), Rgba{});
   EXPECT_EQ(drawn.picture.At(15, 13), Rgba{});
-  // Within one pixel of an edge lie the pixels on either side of it; the rest is decided.
-  EXPECT_FALSE(drawn.decided.at(4 * 20 + 9));
-  EXPECT_FALSE(drawn.decided.at(3 * 20 + 9));
-  EXPECT_TRUE(drawn.decided.at(5 * 20 + 9));
-  EXPECT_TRUE(drawn.decided.at(2 * 20 + 9));
+  // Within one pixel of an edge lie the pixels on either side of it; the rest is comparable.
+  EXPECT_FALSE(drawn.comparable.at(4 * 20 + 9));
+  EXPECT_FALSE(drawn.comparable.at(3 * 20 + 9));
+  EXPECT_TRUE(drawn.comparable.at(5 * 20 + 9));
+  EXPECT_TRUE(drawn.comparable.at(2 * 20 + 9));
 }
 
 TEST(Comparison, CountsAndFindsTheLargestDifferenceWhereItLooks) {

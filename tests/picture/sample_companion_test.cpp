@@ -35,12 +35,12 @@ class SampleCompanionTest : public check::RigTest {
     in.pica_basicP = basic_;
     in.effect_ref = effect_.programRef;
     in.time_scale = 25;
-    const std::size_t worlds = rig.host.books.Count(Kind::kWorld);
+    const std::size_t worlds = rig.host.tracker.Count(Kind::kWorld);
     const A_Err err = sample_.Send(in, place, left, top);
     // Whether it was taken or not, the sender's world is gone; the plug-in's own one waits.
-    EXPECT_EQ(rig.host.books.Count(Kind::kWorld),
+    EXPECT_EQ(rig.host.tracker.Count(Kind::kWorld),
               worlds + (sample_.ImageIsNew() ? lost_ : waiting_));
-    EXPECT_TRUE(rig.host.books.Balanced());
+    EXPECT_TRUE(rig.host.tracker.Balanced());
     return err;
   }
   Rgba PixelAt(int x, int y) {
@@ -71,9 +71,9 @@ TEST_F(SampleCompanionTest, HandsItsImageOverOnceAndMoves) {
 
 TEST_F(SampleCompanionTest, KeepsWhatWasNotTakenForTheNextTime) {
   const auto failing = [&](const char* operation) {
-    rig.host.gate.FailOperation(operation);
+    rig.host.injector.FailOperation(operation);
     const A_Err err = Send(20, 30);
-    rig.host.gate.FailNothing();
+    rig.host.injector.FailNothing();
     EXPECT_TRUE(sample_.ImageIsNew()) << operation;
     return err;
   };
@@ -93,19 +93,19 @@ TEST_F(SampleCompanionTest, KeepsWhatWasNotTakenForTheNextTime) {
 
 /// The renderer clears the flag though it could not copy the image, whose world is then nobody's.
 TEST_F(SampleCompanionTest, SendsAnImageAgainThatWasLostOnItsWay) {
-  rig.host.gate.FailOperation("copy");
+  rig.host.injector.FailOperation("copy");
   lost_ = 1;
   EXPECT_EQ(Send(20, 30), standin::kInjectedFailure);
-  rig.host.gate.FailNothing();
+  rig.host.injector.FailNothing();
   lost_ = 0;
   EXPECT_TRUE(sample_.ImageIsNew());
   EXPECT_EQ(Send(20, 30), PF_Err_NONE);
   EXPECT_EQ(PixelAt(36, 46), kShown);
 
-  check::EndHostInOrder(rig.host, [](const std::string& misuse) {
-    return misuse.find("left world") != std::string::npos;
+  check::EndHostInOrder(rig.host, [](const std::string& violation) {
+    return violation.find("left world") != std::string::npos;
   });
-  rig.host.books.ClearMisuses();
+  rig.host.tracker.ClearViolations();
 }
 
 /// The renderer keeps images by the place of their companions.

@@ -11,9 +11,9 @@
 namespace {
 
 using tarvo::Ease;
+using tarvo::EasedFraction;
 using tarvo::Point;
 using tarvo::Scene;
-using tarvo::ShareOfWay;
 
 /// Shares worked out by hand: the curve's point at a parameter s, its x given and its y expected.
 TEST(Animation, EasesAlongTheHandles) {
@@ -35,7 +35,7 @@ TEST(Animation, EasesAlongTheHandles) {
       {{Kind::kCurve, 0, 0, 0, 0}, 1e-9, 1e-9},  // s = 0.001; no slope at the start
   };
   for (const Case& test : cases) {
-    EXPECT_NEAR(ShareOfWay(test.ease, test.time), test.way, 1e-12)
+    EXPECT_NEAR(EasedFraction(test.ease, test.time), test.way, 1e-12)
         << test.ease.x1 << " " << test.ease.y1 << " at " << test.time;
   }
 }

@@ -56,8 +56,9 @@ void Paint(const PF_InData* in, PF_LayerDef* output) {
 /// of it is more than a pipe holds, in frame 5 more than several do.
 void Print(bool isBadFrame) {
   const std::string result =
-      "\ntarvo-check-loaded\ntarvo-check-result {\"name\": \"Commands.AboutTellsNameAndVersion\", "
-      "\"promise\": \"\", \"result\": \"passed\", \"seconds\": 0, \"messages\": [], \"figures\": "
+      "\ntarvo-check-loaded\ntarvo-check-result {\"name\": \"Commands.AboutShowsNameAndVersion\", "
+      "\"requirement\": \"\", \"result\": \"passed\", \"seconds\": 0, \"messages\": [], "
+      "\"figures\": "
       "{}}\ntarvo-check-result {oops\n";
   std::fwrite(result.data(), 1, result.size(), stdout);
   std::fflush(stdout);

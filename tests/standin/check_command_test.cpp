@@ -10,7 +10,7 @@
 
 namespace {
 
-constexpr const char* kOneCheck = " --only Commands.AboutTellsNameAndVersion";
+constexpr const char* kOneCheck = " --only Commands.AboutShowsNameAndVersion";
 
 class CheckCommand : public CommandTest {
  protected:
@@ -26,8 +26,8 @@ TEST_F(CheckCommand, EndsWithAVerdictThatAgreesWithTheExitCode) {
     int code;
     std::string lastLine;
   } cases[] = {
-      {Quoted(TARVO_PLUGIN) + kOneCheck, 0, "sound: 1 check passed, 0 skipped"},
-      {Quoted(TARVO_FAILING_PLUGIN) + kOneCheck, 1, "not sound: 1 failed"},
+      {Quoted(TARVO_PLUGIN) + kOneCheck, 0, "conformant: 1 check passed, 0 skipped"},
+      {Quoted(TARVO_FAILING_PLUGIN) + kOneCheck, 1, "not conformant: 1 failed"},
   };
   // Each in a process of its own, and all in the one that the user started.
   for (const std::string& program :
@@ -53,7 +53,7 @@ TEST_F(CheckCommand, EndsWithAVerdictThatAgreesWithTheExitCode) {
   EXPECT_EQ(LastLine(notLoaded.err), verdict);
   const std::string junit = TextOf(tarvo::ReadWholeFile(File("unloaded.xml")));
   EXPECT_NE(junit.find("tests=\"1\" failures=\"0\" errors=\"1\""), std::string::npos) << junit;
-  // On Windows all of these are skipped, which must not be called sound.
+  // On Windows all of these are skipped, which must not be called conformant.
   const Outcome memory = Run("check --only Memory.*");
   EXPECT_EQ(memory.code, memory.out.find("skipped  ") == std::string::npos ? 0 : 1) << memory.out;
   ExpectFailure("check --only NoSuchCheck", 2, "--list");
@@ -67,16 +67,16 @@ TEST_F(CheckCommand, TellsTheSameInJsonAndJUnit) {
                                 Quoted(File("checks.xml"));
   const Outcome outcome = Run(arguments);
   EXPECT_EQ(outcome.code, 1);
-  EXPECT_EQ(LastLine(outcome.err), "not sound: 2 failed");
+  EXPECT_EQ(LastLine(outcome.err), "not conformant: 2 failed");
   const auto json = nlohmann::json::parse(outcome.out);
-  EXPECT_EQ(json.at("sound"), false);
-  EXPECT_EQ(json.at("verdict"), "not sound: 2 failed");
+  EXPECT_EQ(json.at("conformant"), false);
+  EXPECT_EQ(json.at("verdict"), "not conformant: 2 failed");
   EXPECT_EQ(json.at("seed"), 7);
   const std::string junit = TextOf(tarvo::ReadWholeFile(File("checks.xml")));
   EXPECT_NE(junit.find("tests=\"2\" failures=\"2\" errors=\"0\""), std::string::npos) << junit;
   for (const auto& check : json.at("checks")) {
     EXPECT_EQ(check.at("result"), "failed");
-    EXPECT_FALSE(check.at("promise").get<std::string>().empty());
+    EXPECT_FALSE(check.at("requirement").get<std::string>().empty());
     const std::string name = check.at("name").get<std::string>().substr(11);
     EXPECT_NE(junit.find("name=\"" + name + "\""), std::string::npos) << name;
   }
@@ -85,10 +85,10 @@ TEST_F(CheckCommand, TellsTheSameInJsonAndJUnit) {
 TEST_F(CheckCommand, ListsNamesAndPromises) {
   const Outcome outcome = Run("check --list");
   EXPECT_EQ(outcome.code, 0);
-  EXPECT_NE(outcome.out.find("Commands.AboutTellsNameAndVersion\n    About tells"),
+  EXPECT_NE(outcome.out.find("Commands.AboutShowsNameAndVersion\n    About tells"),
             std::string::npos);
   const std::string one = Run("check --list --only \"*m*ands.**TellsName???V*n*\"").out;
-  EXPECT_TRUE(one.starts_with("Commands.AboutTellsNameAndVersion\n")) << one;
+  EXPECT_TRUE(one.starts_with("Commands.AboutShowsNameAndVersion\n")) << one;
   EXPECT_EQ(std::count(one.begin(), one.end(), '\n'), 2) << one;
   EXPECT_NE(Run(std::string("check --trace") + kOneCheck).err.find("> PF_Cmd_ABOUT"),
             std::string::npos);

@@ -100,11 +100,11 @@ TEST_F(Guarded, WhatThePluginPrintsGoesToStandardErrorBehindANameAndNowhereElse)
     EXPECT_TRUE(Holds(outcome.err, name + "!!!")) << jobs;
   }
   const Outcome check =
-      Run("check --only Commands.AboutTellsNameAndVersion " + Quoted(TARVO_PRINTING_PLUGIN));
+      Run("check --only Commands.AboutShowsNameAndVersion " + Quoted(TARVO_PRINTING_PLUGIN));
   EXPECT_EQ(check.code, 1);
-  EXPECT_TRUE(Holds(check.out, "not sound: 1 failed\n")) << check.out;
+  EXPECT_TRUE(Holds(check.out, "not conformant: 1 failed\n")) << check.out;
   EXPECT_FALSE(Holds(check.out, "tarvo-check-")) << check.out;
-  EXPECT_TRUE(Holds(check.err, "Commands.AboutTellsNameAndVersion: tarvo-check-result {oops\n"));
+  EXPECT_TRUE(Holds(check.err, "Commands.AboutShowsNameAndVersion: tarvo-check-result {oops\n"));
 }
 
 TEST_F(Guarded, ATimeLimitIsANumberOfSeconds) {

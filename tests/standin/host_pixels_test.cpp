@@ -5,7 +5,7 @@
 
 namespace {
 
-using standin::Books;
+using standin::ObjectTracker;
 using standin::Worlds;
 using tarvo::Picture;
 using tarvo::Rgba;
@@ -41,8 +41,8 @@ class WorldPixels : public testing::Test {
     return world;
   }
 
-  Books books;
-  Worlds worlds{books};
+  ObjectTracker tracker;
+  Worlds worlds{tracker};
 };
 
 TEST_F(WorldPixels, CopyPutsCornersOnEachOtherAndStaysInside) {
@@ -61,7 +61,7 @@ TEST_F(WorldPixels, CopyPutsCornersOnEachOtherAndStaysInside) {
   EXPECT_EQ(copied.At(1, 0), Rgba{});
   EXPECT_EQ(copied.At(2, 2), Rgba{});
   worlds.CheckGuards("copy");
-  EXPECT_EQ(books.FirstMisuse(), "");
+  EXPECT_EQ(tracker.FirstViolation(), "");
 }
 
 }  // namespace

@@ -118,14 +118,14 @@ probe::Answer Doing(Use use) {
   };
 }
 
-// Each misuse is one answer of the probe; the host must name it in these words.
-struct Misuse {
+// Each violation is one answer of the probe; the host must name it in these words.
+struct Violation {
   const char* name;
   probe::Answer answer;
   std::vector<const char*> words;
 };
 
-std::vector<Misuse> Misuses() {
+std::vector<Violation> Violations() {
   return {
       {"effect reference left",
        Doing([](const Command& c) { OwnReference(c); }),
@@ -276,20 +276,21 @@ std::vector<Misuse> Misuses() {
 
 TEST_F(HostTest, EveryMisuseIsNoticedAndNamed) {
   Host& host = Start();
-  for (const Misuse& misuse : Misuses()) {
-    SCOPED_TRACE(misuse.name);
-    host.books.ClearMisuses();
-    Do(misuse.answer);
-    ASSERT_EQ(host.books.Misuses().size(), 1U) << ::testing::PrintToString(host.books.Misuses());
-    for (const char* words : misuse.words) {
-      EXPECT_NE(host.books.FirstMisuse().find(words), std::string::npos)
-          << host.books.FirstMisuse();
+  for (const Violation& violation : Violations()) {
+    SCOPED_TRACE(violation.name);
+    host.tracker.ClearViolations();
+    Do(violation.answer);
+    ASSERT_EQ(host.tracker.Violations().size(), 1U)
+        << ::testing::PrintToString(host.tracker.Violations());
+    for (const char* words : violation.words) {
+      EXPECT_NE(host.tracker.FirstViolation().find(words), std::string::npos)
+          << host.tracker.FirstViolation();
     }
-    EXPECT_TRUE(host.books.Balanced());
+    EXPECT_TRUE(host.tracker.Balanced());
   }
-  host.books.ClearMisuses();
+  host.tracker.ClearViolations();
   Do([](const Command&) { return PF_Err_NONE; });
-  EXPECT_EQ(host.books.FirstMisuse(), "") << "a misuse was told twice";
+  EXPECT_EQ(host.tracker.FirstViolation(), "") << "a violation was told twice";
 }
 
 TEST_F(HostTest, WhatIsLeftAtTheEndIsNamed) {
@@ -299,11 +300,11 @@ TEST_F(HostTest, WhatIsLeftAtTheEndIsNamed) {
     NewWorld(c, 7, 3);
     return PF_Err_NONE;
   });
-  EXPECT_EQ(host.books.FirstMisuse(), "") << "handles and worlds may outlive a command";
+  EXPECT_EQ(host.tracker.FirstViolation(), "") << "handles and worlds may outlive a command";
   host.Close();
-  ASSERT_EQ(host.books.Misuses().size(), 2U);
-  EXPECT_NE(host.books.Misuses()[0].find("handle '123 bytes'"), std::string::npos);
-  EXPECT_NE(host.books.Misuses()[1].find("world 'made by new_world 7x3'"), std::string::npos);
+  ASSERT_EQ(host.tracker.Violations().size(), 2U);
+  EXPECT_NE(host.tracker.Violations()[0].find("handle '123 bytes'"), std::string::npos);
+  EXPECT_NE(host.tracker.Violations()[1].find("world 'made by new_world 7x3'"), std::string::npos);
 }
 
 // The probe's set-up of one instance: AcquireSuite, host_new_handle, host_lock_handle, ReleaseSuite
@@ -313,19 +314,19 @@ TEST_F(HostTest, NthCallFailsAndNothingElse) {
   for (std::uint64_t n = 1; n <= kFailable + 1; ++n) {
     SCOPED_TRACE(n);
     Host& host = Start();
-    const std::uint64_t failable = host.gate.FailableCalls();
-    const std::uint64_t calls = host.gate.Calls();
-    host.gate.FailNth(n);
+    const std::uint64_t failable = host.injector.FailableCalls();
+    const std::uint64_t calls = host.injector.Calls();
+    host.injector.FailNth(n);
     const RendererInstance& second = host.AddRenderer(Renderer().OnLayer());
-    EXPECT_EQ(host.gate.Injected(), n <= kFailable ? 1U : 0U);
+    EXPECT_EQ(host.injector.Injected(), n <= kFailable ? 1U : 0U);
     EXPECT_EQ(second.sequenceData != nullptr, n > 2);
     if (n > kFailable) {
-      EXPECT_EQ(host.gate.FailableCalls() - failable, 4U);
-      EXPECT_EQ(host.gate.Calls() - calls, 5U);
+      EXPECT_EQ(host.injector.FailableCalls() - failable, 4U);
+      EXPECT_EQ(host.injector.Calls() - calls, 5U);
     }
-    host.gate.FailNothing();
+    host.injector.FailNothing();
     host.Close();
-    EXPECT_EQ(host.books.Misuses(), std::vector<std::string>())
+    EXPECT_EQ(host.tracker.Violations(), std::vector<std::string>())
         << "a failed release or lock must not count against the plug-in";
     TearDownHost();
   }
@@ -346,38 +347,38 @@ TEST_F(HostTest, ChosenOperationsFailAsTold) {
     }
     return PF_Err_NONE;
   };
-  host.gate.FailOperation("fill", 2, {.code = 41});
+  host.injector.FailOperation("fill", 2, {.code = 41});
   Do(fillFourTimes);
   EXPECT_EQ(codes, (std::vector<PF_Err>{0, 41, 0, 0}));
-  host.gate.FailOperation("fill", 3, {.code = 42, .throws = true}, true);
+  host.injector.FailOperation("fill", 3, {.code = 42, .throws = true}, true);
   Do(fillFourTimes);
   EXPECT_EQ(codes, (std::vector<PF_Err>{0, 0, -42, -42}));
-  EXPECT_EQ(host.gate.Injected("fill"), 3U);
-  EXPECT_EQ(host.gate.Calls("fill"), 8U);
-  host.gate.FailNothing();
-  host.gate.FailFrom(3, {.code = 43});
+  EXPECT_EQ(host.injector.Injected("fill"), 3U);
+  EXPECT_EQ(host.injector.Calls("fill"), 8U);
+  host.injector.FailNothing();
+  host.injector.FailFrom(3, {.code = 43});
   Do(fillFourTimes);
   EXPECT_EQ(codes, (std::vector<PF_Err>{0, 0, 43, 43}));
-  host.gate.FailNothing();
+  host.injector.FailNothing();
   host.worlds.Dispose(&world, "the test");
 }
 
 TEST_F(HostTest, LogAndTraceTellWhatWasCalled) {
   Host& host = Start();
-  host.gate.ClearLog();
+  host.injector.ClearLog();
   std::string trace;
-  host.gate.TraceTo([&](std::string_view line) { trace += std::string(line) + "\n"; });
+  host.injector.TraceTo([&](std::string_view line) { trace += std::string(line) + "\n"; });
   Do([](const Command& c) {
     c.in.utils->ansi.sprintf(c.out.return_msg, "%d pieces", 7);
     PF_EffectWorld world = NewWorld(c, 3, 2);
     DisposeOf(c, world);
     return PF_Err_NONE;
   });
-  host.gate.TraceTo({});
-  ASSERT_EQ(host.gate.Log().size(), 7U);
-  EXPECT_EQ(host.gate.Log()[0].operation, "sprintf");
-  EXPECT_EQ(host.gate.Log()[1].arguments.find("\"PF World Suite\", 1"), 0U);
-  const standin::CallRecord& made = host.gate.Log()[2];
+  host.injector.TraceTo({});
+  ASSERT_EQ(host.injector.Log().size(), 7U);
+  EXPECT_EQ(host.injector.Log()[0].operation, "sprintf");
+  EXPECT_EQ(host.injector.Log()[1].arguments.find("\"PF World Suite\", 1"), 0U);
+  const standin::CallRecord& made = host.injector.Log()[2];
   EXPECT_EQ(made.operation, "new_world");
   EXPECT_NE(made.arguments.find("3, 2, 0, world 'made by new_world 3x2'"), std::string::npos)
       << made.arguments;
@@ -395,7 +396,7 @@ TEST_F(HostTest, HandOverOfImagesFollowsTheFlags) {
     bool clearsFlag;
     PF_Err result;
     bool taken;
-    const char* misuse;
+    const char* violation;
     std::size_t abandoned;
   };
   const Case cases[] = {
@@ -424,10 +425,10 @@ TEST_F(HostTest, HandOverOfImagesFollowsTheFlags) {
     EXPECT_EQ(host.Send(Arm(), Renderer()).tookA, row.taken);
     EXPECT_EQ(Arm().imageA.isNew, !row.taken);
     EXPECT_EQ(host.AbandonedWorlds(), row.abandoned);
-    EXPECT_EQ(host.books.Count(Kind::kWorld), 0U);
-    EXPECT_EQ(host.books.Misuses().size(), *row.misuse == '\0' ? 0U : 1U);
-    EXPECT_NE(host.books.FirstMisuse().find(row.misuse), std::string::npos)
-        << host.books.FirstMisuse();
+    EXPECT_EQ(host.tracker.Count(Kind::kWorld), 0U);
+    EXPECT_EQ(host.tracker.Violations().size(), *row.violation == '\0' ? 0U : 1U);
+    EXPECT_NE(host.tracker.FirstViolation().find(row.violation), std::string::npos)
+        << host.tracker.FirstViolation();
     TearDownHost();
   }
 }
@@ -460,7 +461,7 @@ TEST_F(HostTest, FrameIsWhatThePluginAsksForAndWrites) {
   EXPECT_EQ(result.picture.originY, 5);
   EXPECT_EQ(result.picture.At(1, 1), (Rgba{1, 2, 3, 255}));
   EXPECT_EQ(result.unwritten, 6U) << "column 0 and row 2";
-  EXPECT_EQ(host.books.FirstMisuse(), "");
+  EXPECT_EQ(host.tracker.FirstViolation(), "");
 }
 
 TEST_F(HostTest, IdleHooksAreCalledAndHeldToTheSameRules) {
@@ -480,11 +481,12 @@ TEST_F(HostTest, IdleHooksAreCalledAndHeldToTheSameRules) {
     c.Release("AEGP Register Suite", 6);
     return PF_Err_NONE;
   });
-  EXPECT_EQ(host.books.FirstMisuse(), "");
+  EXPECT_EQ(host.tracker.FirstViolation(), "");
   EXPECT_EQ(host.Idle(), 77);
   EXPECT_EQ(called, 1);
-  EXPECT_NE(host.books.FirstMisuse().find("idle: the host's OpenGL context is no longer current"),
-            std::string::npos);
+  EXPECT_NE(
+      host.tracker.FirstViolation().find("idle: the host's OpenGL context is no longer current"),
+      std::string::npos);
 }
 
 TEST_F(HostTest, CommandsAtTheWrongTimeAreRefusedByState) {
@@ -492,11 +494,11 @@ TEST_F(HostTest, CommandsAtTheWrongTimeAreRefusedByState) {
   try {
     host.ParamsSetup();
     FAIL() << "parameters cannot be set up twice";
-  } catch (const standin::LifeCycleError& error) {
+  } catch (const standin::PluginStateError& error) {
     EXPECT_STREQ(error.what(), "ParamsSetup: the plug-in is 'ready'; it must be 'set up'");
   }
   host.Close();
-  EXPECT_THROW(host.Render(Renderer()), standin::LifeCycleError);
+  EXPECT_THROW(host.Render(Renderer()), standin::PluginStateError);
   EXPECT_TRUE(host.StartUp().Ok()) << "a plug-in can be set up again";
 }
 

@@ -33,12 +33,12 @@ std::vector<Row> Rows() {
   const std::string one = render + "-o one.png";
   const std::string frame = render + "-o f%d.png --frames 5";
   const std::string hanging = frame + Plugin(TARVO_HANGING_PLUGIN);
-  const std::string check = "$tarvo check --only Commands.AboutTellsNameAndVersion ";
+  const std::string check = "$tarvo check --only Commands.AboutShowsNameAndVersion ";
   return {
-      {0, "all that was asked for was made; two pictures are the same; the plug-in is sound",
+      {0, "all that was asked for was made; two pictures are the same; the plug-in is conformant",
        one + " && $tarvo diff one.png one.png && " + check, ""},
       {1, "two pictures differ", "$tarvo diff a.png b.png", ""},
-      {1, "the plug-in is not sound: it broke a promise in a check",
+      {1, "the plug-in is not conformant: it broke a requirement in a check",
        check + Quoted(TARVO_FAILING_PLUGIN), ""},
       {2, "the command line is wrong", one + " --time-limit nan", "\"nan\" given"},
       {2, "a scene is wrong", "$tarvo render wrong.json -o one.png", "wrong.json: size: "},

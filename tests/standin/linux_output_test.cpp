@@ -15,7 +15,7 @@ namespace {
 using tarvo::ReadPng;
 using tarvo::ReadWholeFile;
 
-constexpr const char* kAboutCheck = " --only Commands.AboutTellsNameAndVersion";
+constexpr const char* kAboutCheck = " --only Commands.AboutShowsNameAndVersion";
 
 class LinuxOutputs : public Frames {
  protected:
@@ -63,7 +63,7 @@ TEST_F(LinuxOutputs, NeverTakeThePlaceOfTheProgramsThemselves) {
   std::filesystem::copy_file(TARVO_COMMAND, folder_ / "tarvo");
   std::filesystem::copy_file(TARVO_CHECK_WORKER, folder_ / "tarvo-check-worker");
   const std::string check =
-      " --only Commands.AboutTellsNameAndVersion " + Quoted(TARVO_PLUGIN) + " --junit ";
+      " --only Commands.AboutShowsNameAndVersion " + Quoted(TARVO_PLUGIN) + " --junit ";
   for (const std::string& command :
        {"./tarvo check" + check + "tarvo-check-worker", "./tarvo-check-worker" + check + "tarvo"}) {
     const Outcome outcome = Shell("cd " + Quoted(folder_.string()) + " && " + command);
@@ -149,8 +149,8 @@ TEST_F(LinuxOutputs, SayThatStandardOutputIsLost) {
       {"diff" + picture + picture, "the same"},
       {"diff" + picture + " " + Quoted(File("b.png")), "pixels"},
       {"check --list", ""},
-      {std::string("check") + kAboutCheck, "sound: 1 check passed"},
-      {std::string("check --json") + kAboutCheck, "sound: 1 check passed"},
+      {std::string("check") + kAboutCheck, "conformant: 1 check passed"},
+      {std::string("check --json") + kAboutCheck, "conformant: 1 check passed"},
   };
   for (const auto& [arguments, told] : cases) {
     for (const std::string output : {" >/dev/full", " >&-", " >&4"}) {
@@ -172,7 +172,8 @@ TEST_F(LinuxOutputs, AReportThatIsMissingIsNoSuccess) {
   for (const std::string& plugin : {std::string(), " --plugin " + Quoted(TARVO_FAILING_PLUGIN)}) {
     const Outcome outcome = Run(check + "/dev/full" + plugin);
     EXPECT_EQ(outcome.code, 5) << outcome.err;
-    EXPECT_NE(outcome.out.find(plugin.empty() ? "\nsound: " : "\nnot sound: "), std::string::npos)
+    EXPECT_NE(outcome.out.find(plugin.empty() ? "\nsound: " : "\nnot conformant: "),
+              std::string::npos)
         << outcome.out;
     EXPECT_NE(outcome.err.find("/dev/full: cannot be written: No space left on device; the report"),
               std::string::npos)

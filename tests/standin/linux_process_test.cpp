@@ -191,7 +191,7 @@ TEST_F(Processes, BytesThatThePluginWritesToTheChannelAreAFailure) {
 TEST_F(Processes, AreRefusedWithASentenceWhenThereAreNoMore) {
   const std::string commands[] = {"render scene.json -o f%d.png --quiet --plugin ",
                                   "render scene.json -o f%d.png --quiet --jobs 2 --plugin ",
-                                  "check --only Picturing.* --jobs 3 "};
+                                  "check --only Rendering.* --jobs 3 "};
   for (const std::string& command : commands) {
     for (const std::string kind : {"THREADS", "PROCESSES"}) {
       for (const int allowed : {0, 1}) {
@@ -217,7 +217,7 @@ TEST_F(Processes, AnInterruptRemovesTheTemporaryFileOfWhateverIsWritten) {
   const std::string commands[] = {
       "render scene.json -o one.png" + plugin, "sheet scene.json -o sheet.png" + plugin,
       "diff a.png a.png -o diff.png", "render scene.json -o m.gif" + plugin,
-      "check --only Commands.AboutTellsNameAndVersion --junit checks.xml " + Quoted(TARVO_PLUGIN)};
+      "check --only Commands.AboutShowsNameAndVersion --junit checks.xml " + Quoted(TARVO_PLUGIN)};
   for (const std::string& command : commands) {
     for (const std::string signal : {"TERM", "HUP"}) {
       // A movie's interrupt is noted while it is made; the second one ends it.

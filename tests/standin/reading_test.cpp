@@ -70,13 +70,13 @@ TEST_F(Reading, ToldPixelsAreThePluginsOwn) {
       SCOPED_TRACE(scene + mode + " at " + at);
       const json pixel = RunJson("explain " + Example(scene) + mode + " --at " + at)["pixel"];
       ASSERT_GE(pixel["pieces"].size(), 3U);
-      ASSERT_TRUE(pixel["decided"].get<bool>());
+      ASSERT_TRUE(pixel["comparable"].get<bool>());
       EXPECT_LE(pixel["difference"].get<int>(), 4);
       // What the pieces add comes to the colour, but for the rounding of each step.
       for (std::size_t channel = 0; channel < 4; ++channel) {
         double sum = 0;
         for (const json& piece : pixel["pieces"]) {
-          sum += piece["over"][channel].get<double>() + piece["ground"][channel].get<double>();
+          sum += piece["over"][channel].get<double>() + piece["maxPass"][channel].get<double>();
         }
         EXPECT_NEAR(sum, pixel["premultiplied"][channel].get<double>(), 4.0 / 255);
       }
@@ -104,8 +104,8 @@ TEST_F(Reading, ExplainsSlidersOrderAndTies) {
   const json& pixel = told["pixel"];
   EXPECT_EQ(pixel["plugin"], json({200, 0, 0, 255}));
   EXPECT_EQ(pixel["pieces"][0]["owner"], true);
-  EXPECT_EQ(pixel["pieces"][1]["laidOver"], false);
-  // Green at half opacity is behind: nothing of it is seen, nor of the ground.
+  EXPECT_EQ(pixel["pieces"][1]["composited"], false);
+  // Green at half opacity is behind: nothing of it is seen, nor of the maxPass.
   EXPECT_EQ(pixel["pieces"][2]["over"], json({0.0, 0.0, 0.0, 0.0}));
 
   const json level =

@@ -41,7 +41,7 @@ class SecondInterface : public ::testing::Test {
   ~SecondInterface() override {
     host.Close();
     EXPECT_EQ(second::Findings(), Lines());
-    EXPECT_EQ(host.books.Misuses(), Lines());
+    EXPECT_EQ(host.tracker.Violations(), Lines());
   }
 
   Host host{Enter, {.pluginPath = "D:\\second.aex", .preferences = {{{"section", "key"}, 5}}}};
@@ -50,15 +50,15 @@ class SecondInterface : public ::testing::Test {
  private:
   Lines TakeOperations() {
     Lines lines;
-    for (const standin::CallRecord& call : host.gate.Log()) {
+    for (const standin::CallRecord& call : host.injector.Log()) {
       lines.push_back(call.operation + "(" + call.arguments + ")");
     }
-    host.gate.ClearLog();
+    host.injector.ClearLog();
     return lines;
   }
   Lines TakeViolations() {
-    Lines lines = host.books.Misuses();
-    host.books.ClearMisuses();
+    Lines lines = host.tracker.Violations();
+    host.tracker.ClearViolations();
     return lines;
   }
 };

@@ -69,17 +69,17 @@ std::vector<Tie> TiesOf(const Overlap& overlap) {
 
 PixelReport Tell(const Overlap& overlap, const Picture& frame, int x, int y) {
   const Point centre{x + 0.5, y + 0.5};
-  PixelReport report{.x = x, .y = y, .story = TellPixel(overlap, overlap.At(centre))};
-  report.model = Straight(report.story.premultiplied);
+  PixelReport report{.x = x, .y = y, .breakdown = ExplainPixel(overlap, overlap.At(centre))};
+  report.model = Straight(report.breakdown.premultiplied);
   const int column = x + frame.originX;
   const int row = y + frame.originY;
   if (column >= 0 && column < frame.width && row >= 0 && row < frame.height) {
     report.plugin = frame.At(column, row);
   }
-  report.decided = (report.story.ownersDecided || !overlap.View().exact) &&
-                   std::ranges::none_of(overlap.Pieces(), [&](const PlacedPiece& piece) {
-                     return DistanceToSides(piece.corners, centre) < kEdgeMargin;
-                   });
+  report.comparable = (report.breakdown.ownersComparable || !overlap.View().exact) &&
+                      std::ranges::none_of(overlap.Pieces(), [&](const PlacedPiece& piece) {
+                        return DistanceToSides(piece.corners, centre) < kEdgeMargin;
+                      });
   return report;
 }
 
@@ -117,7 +117,7 @@ Explanation Explain(const standin::Host& host, const Scene& scene, const Picture
   return explanation;
 }
 
-const char* WordFor(Precedence precedence) {
+const char* NameOf(Precedence precedence) {
   switch (precedence) {
     case Precedence::kDepth:
       return "depth";

@@ -35,10 +35,10 @@ struct Tie {
 struct PixelReport {
   int x = 0;
   int y = 0;
-  PixelStory story;
-  Rgba model;            ///< straight
-  Rgba plugin;           ///< the plug-in's own pixel; transparent outside of its picture
-  bool decided = false;  ///< not at a piece's edge or an owner's threshold: the two must agree
+  PixelBreakdown breakdown;
+  Rgba model;               ///< straight
+  Rgba plugin;              ///< the plug-in's own pixel; transparent outside of its picture
+  bool comparable = false;  ///< not at a piece's edge or an owner's threshold: the two must agree
 };
 
 struct Explanation {
@@ -54,7 +54,7 @@ struct Explanation {
   [[nodiscard]] bool IsTied(std::size_t piece) const;
 };
 
-/// Explains the frame that a performance of `scene` has just rendered at full resolution on this
+/// Explains the frame that a player of `scene` has just rendered at full resolution on this
 /// host; `pixel`, if given, is the layer's pixel to be told.
 Explanation Explain(const standin::Host& host, const Scene& scene, const Picture& frame,
                     const std::optional<std::pair<int, int>>& pixel);
@@ -65,7 +65,7 @@ inline std::size_t OrderOf(const Overlap& overlap, std::size_t piece) {
 }
 
 /// "depth", "bone number" or "sort".
-const char* WordFor(Precedence precedence);
+const char* NameOf(Precedence precedence);
 
 /// As text, front to back.
 std::string ExplanationText(const Explanation& explanation);

@@ -37,30 +37,30 @@ Json PieceJson(const Explanation& explanation, std::size_t place) {
                {"bounds", {bounds.left, bounds.top, bounds.right, bounds.bottom}},
                {"tied", explanation.IsTied(place)}};
   if (place > 0) {
-    json["inFrontOfNextBy"] = WordFor(WhyInFront(piece, overlap.Pieces()[place - 1]));
+    json["inFrontOfNextBy"] = NameOf(WhyInFront(piece, overlap.Pieces()[place - 1]));
   }
   return json;
 }
 
 Json ToJson(const PixelReport& pixel, const Overlap& overlap) {
   Json pieces = Json::array();
-  const std::vector<PixelPart>& parts = pixel.story.parts;
+  const std::vector<PixelPart>& parts = pixel.breakdown.parts;
   std::for_each(parts.rbegin(), parts.rend(), [&](const PixelPart& part) {
     pieces.push_back({{"order", OrderOf(overlap, part.piece)},
                       {"sample", part.sample},
                       {"alpha", part.alpha},
                       {"owner", part.owner},
-                      {"laidOver", part.laidOver},
+                      {"composited", part.composited},
                       {"over", part.over},
-                      {"ground", part.ground}});
+                      {"maxPass", part.maxPass}});
   });
   return {{"at", {pixel.x, pixel.y}},
           {"pieces", pieces},
-          {"premultiplied", pixel.story.premultiplied},
+          {"premultiplied", pixel.breakdown.premultiplied},
           {"model", ToJson(pixel.model)},
           {"plugin", ToJson(pixel.plugin)},
           {"difference", Compare({1, 1, pixel.model}, {1, 1, pixel.plugin}, 0).largest},
-          {"decided", pixel.decided}};
+          {"comparable", pixel.comparable}};
 }
 
 }  // namespace

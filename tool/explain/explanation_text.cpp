@@ -107,22 +107,22 @@ class Writer {
   }
 
   void Pixel(const PixelReport& pixel) {
-    const auto& parts = pixel.story.parts;
+    const auto& parts = pixel.breakdown.parts;
     text_ += "\nLayer pixel (" + std::to_string(pixel.x) + ", " + std::to_string(pixel.y) + "), " +
              (overlap_.View().exact ? "exact" : "fast") + ": ";
     if (parts.empty()) {
       text_ += "no piece is there.\n";
     } else {
       text_ += Counted(parts.size(), "piece") + ", front first:\n" + Parts(pixel);
-      text_ += Roads(pixel);
+      text_ += Steps(pixel);
     }
     text_ += Result(pixel);
   }
 
   [[nodiscard]] std::string Parts(const PixelReport& pixel) const {
-    const auto& parts = pixel.story.parts;
+    const auto& parts = pixel.breakdown.parts;
     TextTable table("rlrrrllll");
-    table.Add({"", "bone", "piece", "Z", "alpha", "owner", "adds over", "adds to the ground",
+    table.Add({"", "bone", "piece", "Z", "alpha", "owner", "over pass", "max pass",
                "in front of the next by"});
     for (std::size_t i = parts.size(); i-- > 0;) {
       const PixelPart& part = parts[i];
@@ -130,20 +130,20 @@ class Writer {
       table.Add({std::to_string(OrderOf(overlap_, part.piece)), BoneText(piece.bone),
                  std::to_string(piece.index), Fixed(piece.ownDepth / kDepthPerZ, 6),
                  Fixed(part.alpha, 3), part.owner ? "owner" : "",
-                 part.laidOver ? Channels(part.over) : "left out", Channels(part.ground),
-                 i == 0 ? "" : WordFor(WhyInFront(piece, overlap_.Pieces()[parts[i - 1].piece]))});
+                 part.composited ? Channels(part.over) : "left out", Channels(part.maxPass),
+                 i == 0 ? "" : NameOf(WhyInFront(piece, overlap_.Pieces()[parts[i - 1].piece]))});
     }
     return table.Text("  ");
   }
 
   /// How to read the two columns of what a piece adds.
-  [[nodiscard]] std::string Roads(const PixelReport& pixel) const {
+  [[nodiscard]] std::string Steps(const PixelReport& pixel) const {
     std::string text =
-        "  Every piece is drawn twice: first each channel keeps the greatest value of all pieces,\n"
-        "  the ground, whatever their order; then the pieces are laid over it from back to front";
+        "  Every piece is drawn twice: the max pass keeps the greatest value of all pieces in each\n"
+        "  channel, whatever their order; the over pass composites the pieces on it, back to front";
     text += overlap_.View().exact ? ",\n  of each image only its owner where it has one.\n" : ".\n";
     return text + "  Together, red green blue alpha, multiplied by alpha: " +
-           Channels(pixel.story.premultiplied) + "\n";
+           Channels(pixel.breakdown.premultiplied) + "\n";
   }
 
   [[nodiscard]] static std::string Result(const PixelReport& pixel) {
@@ -151,7 +151,7 @@ class Writer {
     std::string text = "  Colour, worked out: " + Channels(pixel.model) +
                        "; the plug-in's own: " + Channels(pixel.plugin) + "; difference " +
                        std::to_string(comparison.largest) + "\n";
-    if (!pixel.decided) {
+    if (!pixel.comparable) {
       text +=
           "  (A piece's edge is nearer than a pixel, or an alpha is close to one half: the two "
           "may\n"

@@ -46,7 +46,7 @@ std::size_t SharedPixels(const Overlap& overlap, const PlacedPiece& one, const P
 /// A number of a keyed value at a frame.
 template <typename Value, typename Number>
 double NumberAt(const Segment<Value>& at, Number number) {
-  return std::lerp(number(at.from->value), number(at.to->value), at.share);
+  return std::lerp(number(at.from->value), number(at.to->value), at.fraction);
 }
 
 /// Adds a track with its keys around a frame, if the number changed since the frame before; one
@@ -89,7 +89,7 @@ FlipFinder::FlipFinder(const Animation& animation)
 
 void FlipFinder::Follow(int frame, const standin::Host& host) {
   MoveTo(scene_, animation_, frame);
-  Moment now = Look(scene_, host);
+  FrameState now = Capture(scene_, host);
   if (!last_.empty()) {
     Compare(last_.front(), now, frame);
     last_.clear();
@@ -97,13 +97,13 @@ void FlipFinder::Follow(int frame, const standin::Host& host) {
   last_.push_back(std::move(now));
 }
 
-FlipFinder::Moment FlipFinder::Look(const Scene& scene, const standin::Host& host) {
+FlipFinder::FrameState FlipFinder::Capture(const Scene& scene, const standin::Host& host) {
   const standin::RendererInstance& renderer = PlayedRenderer(host);
   const std::vector<std::size_t> bones = ActiveBones(scene);
-  Moment moment(Overlap(BonesOn(PlayedLayer(host), renderer), {}));
-  const auto& pieces = moment.overlap.Pieces();
+  FrameState state(Overlap(BonesOn(PlayedLayer(host), renderer), {}));
+  const auto& pieces = state.overlap.Pieces();
   for (std::size_t place = 0; place < pieces.size(); ++place) {
-    moment.places[{bones[pieces[place].bone], pieces[place].index}] = place;
+    state.places[{bones[pieces[place].bone], pieces[place].index}] = place;
   }
   for (std::size_t number = 0; number < bones.size(); ++number) {
     const auto start = static_cast<std::size_t>(StartSliderOf(number));
@@ -111,36 +111,36 @@ FlipFinder::Moment FlipFinder::Look(const Scene& scene, const standin::Host& hos
       return Slider{renderer.parameters.at(parameter).Name(),
                     renderer.parameters.at(parameter).Value()};
     };
-    moment.sliders[bones[number]] = {sliderAt(start), sliderAt(start + 1)};
+    state.sliders[bones[number]] = {sliderAt(start), sliderAt(start + 1)};
   }
-  FindTouching(bones, moment);
-  return moment;
+  FindTouching(bones, state);
+  return state;
 }
 
-void FlipFinder::FindTouching(const std::vector<std::size_t>& bones, Moment& moment) {
-  const auto& pieces = moment.overlap.Pieces();
+void FlipFinder::FindTouching(const std::vector<std::size_t>& bones, FrameState& state) {
+  const auto& pieces = state.overlap.Pieces();
   const OverlapPairs pairs(pieces.data(), pieces.data() + pieces.size());
   const bool areAll =
       pairs.ForEach(kMostComparisons, [&](const PlacedPiece& a, const PlacedPiece& b) {
         if (a.bone != b.bone && Overlaps(a.corners, b.corners)) {
           const PieceName one{bones[a.bone], a.index};
           const PieceName other{bones[b.bone], b.index};
-          moment.touching.emplace_back(std::min(one, other), std::max(one, other));
+          state.touching.emplace_back(std::min(one, other), std::max(one, other));
         }
-        return moment.touching.size() <= kMostTouching;
+        return state.touching.size() <= kMostTouching;
       });
-  if (!areAll || moment.touching.size() > kMostTouching) {
+  if (!areAll || state.touching.size() > kMostTouching) {
     throw InputError({"flips: too many pieces lie on one another: at most " +
                       std::to_string(kMostTouching) + " pairs of different bones expected, and " +
                       std::to_string(kMostComparisons) + " pairs in the same columns"});
   }
-  std::ranges::sort(moment.touching);
+  std::ranges::sort(state.touching);
 }
 
-void FlipFinder::Compare(const Moment& before, const Moment& now, int frame) {
-  const auto bonesOf = [](const Moment& moment) {
+void FlipFinder::Compare(const FrameState& before, const FrameState& now, int frame) {
+  const auto bonesOf = [](const FrameState& state) {
     std::set<std::pair<std::size_t, std::size_t>> bones;
-    for (const auto& [one, other] : moment.touching) {
+    for (const auto& [one, other] : state.touching) {
       bones.insert({one.first, other.first});
     }
     return bones;
@@ -177,15 +177,15 @@ void FlipFinder::Compare(const Moment& before, const Moment& now, int frame) {
   }
 }
 
-void FlipFinder::Explain(Flip& flip, const Moment& before, const Moment& now) const {
+void FlipFinder::Explain(Flip& flip, const FrameState& before, const FrameState& now) const {
   for (const std::size_t bone : {flip.front, flip.behind}) {
     const auto& was = before.sliders.at(bone);
     const auto& is = now.sliders.at(bone);
     if (was[0].value != is[0].value) {
-      AddMover(is[0].label, bone, &ZPair::start, flip);
+      AddMovingTrack(is[0].label, bone, &ZPair::start, flip);
     }
     if (was[1].value != is[1].value) {
-      AddMover(is[1].label, bone, &ZPair::end, flip);
+      AddMovingTrack(is[1].label, bone, &ZPair::end, flip);
     }
   }
   if (!flip.tracks.empty()) {
@@ -194,8 +194,8 @@ void FlipFinder::Explain(Flip& flip, const Moment& before, const Moment& now) co
   }
 }
 
-void FlipFinder::AddMover(const std::string& label, std::size_t bone, double ZPair::*end,
-                          Flip& flip) const {
+void FlipFinder::AddMovingTrack(const std::string& label, std::size_t bone, double ZPair::*end,
+                                Flip& flip) const {
   // A slider that is set by its label does not listen to its bone's z.
   const auto setting = settings_.find(label);
   if (setting != settings_.end()) {

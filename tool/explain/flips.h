@@ -48,7 +48,7 @@ class FlipFinder {
   /// REQUIRES: the animation outlives this object.
   explicit FlipFinder(const Animation& animation);
 
-  /// The next frame, which a performance has just rendered on this host. Throws InputError when
+  /// The next frame, which a player has just rendered on this host. Throws InputError when
   /// more pieces lie on one another than can be followed. REQUIRES: frames are followed in their
   /// order, none left out.
   void Follow(int frame, const standin::Host& host);
@@ -66,8 +66,8 @@ class FlipFinder {
   };
 
   /// What is to be remembered of a frame.
-  struct Moment {
-    explicit Moment(Overlap seen) : overlap(std::move(seen)) {}
+  struct FrameState {
+    explicit FrameState(Overlap seen) : overlap(std::move(seen)) {}
 
     Overlap overlap;                          ///< corners in layer pixels
     std::map<PieceName, std::size_t> places;  ///< in Overlap::Pieces()
@@ -75,18 +75,19 @@ class FlipFinder {
     std::map<std::size_t, std::array<Slider, 2>> sliders;  ///< of a bone: start Z, end Z
   };
 
-  static Moment Look(const Scene& scene, const standin::Host& host);
-  static void FindTouching(const std::vector<std::size_t>& bones, Moment& moment);
-  void Compare(const Moment& before, const Moment& now, int frame);
-  void Explain(Flip& flip, const Moment& before, const Moment& now) const;
+  static FrameState Capture(const Scene& scene, const standin::Host& host);
+  static void FindTouching(const std::vector<std::size_t>& bones, FrameState& state);
+  void Compare(const FrameState& before, const FrameState& now, int frame);
+  void Explain(Flip& flip, const FrameState& before, const FrameState& now) const;
   /// Adds the track that moves this slider, whose value changed.
-  void AddMover(const std::string& label, std::size_t bone, double ZPair::*end, Flip& flip) const;
+  void AddMovingTrack(const std::string& label, std::size_t bone, double ZPair::*end,
+                      Flip& flip) const;
 
   const Animation& animation_;
   Scene scene_;  ///< at the frame followed last, without its pictures
   std::unordered_map<std::string, const SettingKeys*> settings_;  ///< by label
   std::unordered_map<std::size_t, const BoneKeys*> bones_;        ///< by index into Scene::bones
-  std::vector<Moment> last_;                                      ///< at most one
+  std::vector<FrameState> last_;                                  ///< at most one
   std::vector<Flip> flips_;
 };
 

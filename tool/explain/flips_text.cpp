@@ -8,7 +8,7 @@
 namespace tarvo {
 namespace {
 
-const char* WordFor(Flip::Cause cause) {
+const char* NameOf(Flip::Cause cause) {
   switch (cause) {
     case Flip::Cause::kKey:
       return "key";
@@ -84,7 +84,7 @@ std::string FlipsJson(const Animation& animation, const std::vector<Flip>& flips
                     {"behind", bones[flip.behind].name},
                     {"pairs", flip.pairs},
                     {"pixels", flip.pixels},
-                    {"cause", WordFor(flip.cause)},
+                    {"cause", NameOf(flip.cause)},
                     {"tracks", tracks}});
   }
   const Json json = {{"frames", animation.count}, {"flips", list}};

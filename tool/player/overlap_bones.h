@@ -24,11 +24,11 @@ std::vector<OverlapBone> BonesOn(const standin::Layer& layer,
 OverlapView ViewOf(const Picture& picture, const standin::RendererInstance& renderer,
                    const standin::FrameRequest& request = {});
 
-/// How the pieces lie in the frame that a performance has just rendered on this host.
-/// REQUIRES: the host's layer holds one renderer, as a performance makes it.
+/// How the pieces lie in the frame that a player has just rendered on this host.
+/// REQUIRES: the host's layer holds one renderer, as a player makes it.
 Overlap OverlapNow(const standin::Host& host, const Picture& frame, int downsample = 1);
 
-/// The one layer of a performance, and the renderer on it.
+/// The one layer of a player, and the renderer on it.
 const standin::Layer& PlayedLayer(const standin::Host& host);
 const standin::RendererInstance& PlayedRenderer(const standin::Host& host);
 

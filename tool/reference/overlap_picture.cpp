@@ -25,7 +25,7 @@ std::vector<std::vector<std::size_t>> PiecesByRow(const Overlap& overlap) {
   return rows;
 }
 
-void DoubtEdges(const Overlap& overlap, std::vector<bool>& decided) {
+void ExcludeEdges(const Overlap& overlap, std::vector<bool>& comparable) {
   const OverlapView& view = overlap.View();
   for (const PlacedPiece& piece : overlap.Pieces()) {
     Bounds bounds = BoundsOf(piece.corners);
@@ -33,7 +33,7 @@ void DoubtEdges(const Overlap& overlap, std::vector<bool>& decided) {
               bounds.bottom + kEdgeMargin};
     ForEachPixelIn(bounds, view.width, view.height, [&](int x, int y) {
       if (DistanceToSides(piece.corners, CentreOfPixel(x, y)) < kEdgeMargin) {
-        decided[IndexOf(view, x, y)] = false;
+        comparable[IndexOf(view, x, y)] = false;
       }
     });
   }
@@ -66,13 +66,13 @@ void ForEachPixel(const Overlap& overlap,
 OverlapPicture DrawOverlap(const Overlap& overlap) {
   const OverlapView& view = overlap.View();
   OverlapPicture drawn{.picture = Picture(view.width, view.height)};
-  drawn.decided.resize(drawn.picture.pixels.size());
+  drawn.comparable.resize(drawn.picture.pixels.size());
   ForEachPixel(overlap, [&](int x, int y, const std::vector<Fragment>& fragments) {
-    const PixelStory story = TellPixel(overlap, fragments);
-    drawn.picture.At(x, y) = Straight(story.premultiplied);
-    drawn.decided[IndexOf(view, x, y)] = story.ownersDecided || !view.exact;
+    const PixelBreakdown breakdown = ExplainPixel(overlap, fragments);
+    drawn.picture.At(x, y) = Straight(breakdown.premultiplied);
+    drawn.comparable[IndexOf(view, x, y)] = breakdown.ownersComparable || !view.exact;
   });
-  DoubtEdges(overlap, drawn.decided);
+  ExcludeEdges(overlap, drawn.comparable);
   return drawn;
 }
 

@@ -20,8 +20,8 @@ void ForEachPixel(const Overlap& overlap,
 struct OverlapPicture {
   Picture picture;
   /// One entry a pixel, row by row. False where two correct renderers may disagree: closer than
-  /// kEdgeMargin to the edge of a piece, or where an owner is not decided.
-  std::vector<bool> decided;
+  /// kEdgeMargin to the edge of a piece, or where an owner is not comparable.
+  std::vector<bool> comparable;
 };
 
 /// What the frame should look like.

@@ -7,33 +7,35 @@
 namespace tarvo {
 namespace {
 
-constexpr double kOwningDoubt = 2.0 / 255.0;
+constexpr double kOwningMargin = 2.0 / 255.0;
 
 bool SameImage(const PlacedPiece& one, const PlacedPiece& other) {
   return one.bone == other.bone && one.from == other.from;
 }
 
 /// Walks through the steps of one pixel, keeping what each piece has to do with it.
-class Teller {
+class PixelExplainer {
  public:
-  Teller(const Overlap& overlap, const std::vector<Fragment>& fragments) : overlap_(overlap) {
+  PixelExplainer(const Overlap& overlap, const std::vector<Fragment>& fragments)
+      : overlap_(overlap) {
     for (const Fragment& fragment : fragments) {
       const double opacity = overlap.OpacityOf(overlap.Pieces()[fragment.piece]);
-      story_.parts.push_back({.piece = fragment.piece,
-                              .sample = fragment.sample,
-                              .alpha = fragment.sample[kAlpha] * opacity});
+      breakdown_.parts.push_back({.piece = fragment.piece,
+                                  .sample = fragment.sample,
+                                  .alpha = fragment.sample[kAlpha] * opacity});
       sources_.push_back(Premultiplied(fragment.sample, opacity));
-      story_.ownersDecided =
-          story_.ownersDecided && std::abs(fragment.sample[kAlpha] - kOwningAlpha) > kOwningDoubt;
+      breakdown_.ownersComparable =
+          breakdown_.ownersComparable &&
+          std::abs(fragment.sample[kAlpha] - kOwningAlpha) > kOwningMargin;
     }
   }
 
-  PixelStory Tell() {
+  PixelBreakdown Explain() {
     FindOwners();
-    KeepGreatest();
-    LayOver();
-    ShareOut();
-    return std::move(story_);
+    RunMaxPass();
+    Composite();
+    AttributeColour();
+    return std::move(breakdown_);
   }
 
  private:
@@ -43,33 +45,33 @@ class Teller {
 
   /// The owner of the image that a part shows; the end when nobody owns it here.
   auto OwnerFor(const PixelPart& part) {
-    auto& parts = story_.parts;
+    auto& parts = breakdown_.parts;
     return std::find_if(parts.rbegin(), parts.rend(), [&](const PixelPart& other) {
       return SameImage(PieceOf(other), PieceOf(part)) && other.sample[kAlpha] >= kOwningAlpha;
     });
   }
 
   void FindOwners() {
-    for (PixelPart& part : story_.parts) {
+    for (PixelPart& part : breakdown_.parts) {
       const auto owner = OwnerFor(part);
       const bool isExact = overlap_.View().exact;
-      part.owner = isExact && owner != story_.parts.rend() && &*owner == &part;
-      part.laidOver = !isExact || part.owner || owner == story_.parts.rend();
+      part.owner = isExact && owner != breakdown_.parts.rend() && &*owner == &part;
+      part.composited = !isExact || part.owner || owner == breakdown_.parts.rend();
     }
   }
 
-  void KeepGreatest() {
+  void RunMaxPass() {
     for (const Colour& source : sources_) {
       std::ranges::transform(source, greatest_, greatest_.begin(),
                              [](double a, double b) { return std::max(a, b); });
     }
   }
 
-  void LayOver() {
-    Colour& result = story_.premultiplied;
+  void Composite() {
+    Colour& result = breakdown_.premultiplied;
     result = greatest_;
     for (std::size_t i = 0; i < sources_.size(); ++i) {
-      if (!story_.parts[i].laidOver) {
+      if (!breakdown_.parts[i].composited) {
         continue;
       }
       const double seenThrough = 1.0 - sources_[i][kAlpha];
@@ -81,11 +83,11 @@ class Teller {
   }
 
   /// From the nearest to the deepest, what the pieces before have left to be seen.
-  void ShareOut() {
+  void AttributeColour() {
     double seen = 1.0;
     for (std::size_t i = sources_.size(); i-- > 0;) {
-      PixelPart& part = story_.parts[i];
-      if (!part.laidOver) {
+      PixelPart& part = breakdown_.parts[i];
+      if (!part.composited) {
         continue;
       }
       std::ranges::transform(sources_[i], part.over.begin(),
@@ -95,7 +97,7 @@ class Teller {
     for (std::size_t channel = 0; channel < greatest_.size(); ++channel) {
       for (std::size_t i = sources_.size(); i-- > 0;) {
         if (sources_[i].at(channel) == greatest_.at(channel)) {
-          story_.parts[i].ground.at(channel) = greatest_.at(channel) * seen;
+          breakdown_.parts[i].maxPass.at(channel) = greatest_.at(channel) * seen;
           break;
         }
       }
@@ -105,13 +107,13 @@ class Teller {
   const Overlap& overlap_;
   std::vector<Colour> sources_;  ///< premultiplied, one a part
   Colour greatest_{};
-  PixelStory story_;
+  PixelBreakdown breakdown_;
 };
 
 }  // namespace
 
-PixelStory TellPixel(const Overlap& overlap, const std::vector<Fragment>& fragments) {
-  return Teller(overlap, fragments).Tell();
+PixelBreakdown ExplainPixel(const Overlap& overlap, const std::vector<Fragment>& fragments) {
+  return PixelExplainer(overlap, fragments).Explain();
 }
 
 }  // namespace tarvo

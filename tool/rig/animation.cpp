@@ -46,25 +46,25 @@ double Solve(const Unit& curve, double target) {
   return s;
 }
 
-double Mix(double from, double to, double share) { return std::lerp(from, to, share); }
+double Mix(double from, double to, double fraction) { return std::lerp(from, to, fraction); }
 
-ZPair Mix(ZPair from, ZPair to, double share) {
-  return {Mix(from.start, to.start, share), Mix(from.end, to.end, share)};
+ZPair Mix(ZPair from, ZPair to, double fraction) {
+  return {Mix(from.start, to.start, fraction), Mix(from.end, to.end, fraction)};
 }
 
 std::array<Point, 4> Mix(const std::array<Point, 4>& from, const std::array<Point, 4>& to,
-                         double share) {
+                         double fraction) {
   std::array<Point, 4> mixed;
   for (std::size_t i = 0; i < mixed.size(); ++i) {
-    mixed[i] = Mix(from[i], to[i], share);
+    mixed[i] = Mix(from[i], to[i], fraction);
   }
   return mixed;
 }
 
-Corners Mix(const Corners& from, const Corners& to, double share) {
+Corners Mix(const Corners& from, const Corners& to, double fraction) {
   Corners mixed;
   for (std::size_t piece = 0; piece < from.size(); ++piece) {
-    mixed.push_back(Mix(from[piece], to[piece], share));
+    mixed.push_back(Mix(from[piece], to[piece], fraction));
   }
   return mixed;
 }
@@ -77,7 +77,7 @@ Value HeldAt(const Track<Value>& track, int frame) {
 template <typename Value>
 Value MixedAt(const Track<Value>& track, int frame) {
   const Segment<Value> at = SegmentAt(track, frame);
-  return at.share == 0.0 ? at.from->value : Mix(at.from->value, at.to->value, at.share);
+  return at.fraction == 0.0 ? at.from->value : Mix(at.from->value, at.to->value, at.fraction);
 }
 
 ZPair Clamped(ZPair pair, double least, double most) {
@@ -152,16 +152,16 @@ void MoveSettings(Scene& scene, const std::vector<SettingKeys>& keyed, int frame
 
 }  // namespace
 
-double ShareOfWay(const Ease& ease, double shareOfTime) {
+double EasedFraction(const Ease& ease, double timeFraction) {
   switch (ease.kind) {
     case Ease::Kind::kHeld:
       return 0.0;
     case Ease::Kind::kLinear:
-      return shareOfTime;
+      return timeFraction;
     case Ease::Kind::kCurve:
-      return Unit{ease.y1, ease.y2}.At(Solve({ease.x1, ease.x2}, shareOfTime));
+      return Unit{ease.y1, ease.y2}.At(Solve({ease.x1, ease.x2}, timeFraction));
   }
-  return shareOfTime;
+  return timeFraction;
 }
 
 void MoveTo(Scene& scene, const Animation& animation, int frame) {

@@ -20,15 +20,16 @@ struct Ease {
 
   Kind kind = Kind::kLinear;
   /// The handles of kCurve: a cubic Bézier curve from (0, 0) over (x1, y1) and (x2, y2) to (1, 1),
-  /// x being the share of the time and y the share of the way. x1 and x2 lie within 0 to 1.
+  /// x being the fraction of the time and y the fraction of the way. x1 and x2 lie within 0 to 1.
   double x1 = 0.0;
   double y1 = 0.0;
   double x2 = 1.0;
   double y2 = 1.0;
 };
 
-/// The share of the way at a share of the time (0 to 1); beyond 0 to 1 where handles overshoot.
-double ShareOfWay(const Ease& ease, double shareOfTime);
+/// The fraction of the way at a fraction of the time (0 to 1); beyond 0 to 1 where handles
+/// overshoot.
+double EasedFraction(const Ease& ease, double timeFraction);
 
 template <typename Value>
 struct Key {
@@ -46,7 +47,7 @@ template <typename Value>
 struct Segment {
   const Key<Value>* from = nullptr;
   const Key<Value>* to = nullptr;
-  double share = 0.0;  ///< of the way from one to the other
+  double fraction = 0.0;  ///< of the way from one to the other
 };
 
 /// Where a frame lies in a track. REQUIRES: the track has a key.
@@ -59,7 +60,7 @@ Segment<Value> SegmentAt(const Track<Value>& track, double frame) {
   }
   const Key<Value>& from = *(next - 1);
   const double time = (frame - from.frame) / (next->frame - from.frame);
-  return {&from, &*next, time == 0.0 ? 0.0 : ShareOfWay(from.ease, time)};
+  return {&from, &*next, time == 0.0 ? 0.0 : EasedFraction(from.ease, time)};
 }
 
 /// The corners of a bone's pieces, one after the other.

@@ -87,27 +87,27 @@ class ArcLength {
 };
 
 /// Where two neighbouring pieces meet.
-struct Station {
+struct CrossSection {
   Point left;
   Point right;
 };
 
-std::vector<Station> Stations(const Band& band, int pieces) {
+std::vector<CrossSection> CrossSections(const Band& band, int pieces) {
   const ArcLength length(band.middle);
-  std::vector<Station> stations;
+  std::vector<CrossSection> sections;
   for (int i = 0; i <= pieces; ++i) {
     const double fraction = static_cast<double>(i) / pieces;
     const double u = length.ParameterAt(fraction);
     const Point middle = At(band.middle, u);
     const Point left = LeftOf(band.middle, u);
     const double half = std::lerp(band.startWidth, band.endWidth, fraction) / 2.0;
-    stations.push_back({{middle.x + half * left.x, middle.y + half * left.y},
+    sections.push_back({{middle.x + half * left.x, middle.y + half * left.y},
                         {middle.x - half * left.x, middle.y - half * left.y}});
   }
-  return stations;
+  return sections;
 }
 
-std::array<Point, 4> Between(const Station& start, const Station& end) {
+std::array<Point, 4> Between(const CrossSection& start, const CrossSection& end) {
   return {start.left, end.left, end.right, start.right};
 }
 
@@ -120,8 +120,8 @@ Curve StraightCurve(Point start, Point end) {
 double CurveLength(const Curve& curve) { return ArcLength(curve).Total(); }
 
 std::vector<Piece> CutStrip(const Strip& strip) {
-  const std::vector<Station> rest = Stations(strip.rest, strip.pieces);
-  const std::vector<Station> pose = Stations(strip.pose, strip.pieces);
+  const std::vector<CrossSection> rest = CrossSections(strip.rest, strip.pieces);
+  const std::vector<CrossSection> pose = CrossSections(strip.pose, strip.pieces);
   std::vector<Piece> pieces;
   for (std::size_t i = 0; i + 1 < pose.size(); ++i) {
     pieces.push_back({.corners = Between(pose[i], pose[i + 1]),

@@ -82,8 +82,8 @@ class SceneReader {
       return;
     }
     if (const auto sides = size->Items(2, "[width, height]"); !sides.empty()) {
-      scene_.width = sides[0].Whole(1, kLongestLayerSide).value_or(1);
-      scene_.height = sides[1].Whole(1, kLongestLayerSide).value_or(1);
+      scene_.width = sides[0].Integer(1, kLongestLayerSide).value_or(1);
+      scene_.height = sides[1].Integer(1, kLongestLayerSide).value_or(1);
     }
   }
 

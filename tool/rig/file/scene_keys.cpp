@@ -49,36 +49,40 @@ double ReadKeyFrame(const SceneNode& key, std::optional<double> last) {
   return frame;
 }
 
-enum class Way { kMixed, kHeld };
+enum class Interpolation { kInterpolated, kHeld };
 
 /// The keys of one value. `what` names a value in the fault that it is missing.
 template <typename Read>
-auto ReadKeys(const SceneNode& node, Way way, std::string_view what, const Read& read) {
+auto ReadKeys(const SceneNode& node, Interpolation interpolation, std::string_view what,
+              const Read& read) {
   Track<decltype(read(node))> track;
   const std::vector<SceneNode> items = node.Items();
   if (node.IsList() && items.empty()) {
     node.Expected("list of at least one key");
   }
   for (const SceneNode& item : items) {
-    item.AllowKeys(way == Way::kMixed ? std::vector<std::string>{"frame", "value", "ease"}
-                                      : std::vector<std::string>{"frame", "value"});
+    item.AllowKeys(interpolation == Interpolation::kInterpolated
+                       ? std::vector<std::string>{"frame", "value", "ease"}
+                       : std::vector<std::string>{"frame", "value"});
     auto& key = track.emplace_back();
     key.frame = ReadKeyFrame(
         item, track.size() > 1 ? std::optional(track[track.size() - 2].frame) : std::nullopt);
     if (const auto value = item.Need("value", what)) {
       key.value = read(*value);
     }
-    key.ease = way == Way::kMixed ? ReadEase(item) : Ease{.kind = Ease::Kind::kHeld};
+    key.ease = interpolation == Interpolation::kInterpolated ? ReadEase(item)
+                                                             : Ease{.kind = Ease::Kind::kHeld};
   }
   return track;
 }
 
 /// The same of a member, which may be missing.
 template <typename Read>
-auto ReadTrack(const SceneNode& owner, const std::string& name, Way way, std::string_view what,
-               const Read& read) {
+auto ReadTrack(const SceneNode& owner, const std::string& name, Interpolation interpolation,
+               std::string_view what, const Read& read) {
   const auto node = owner.Find(name);
-  return node ? ReadKeys(*node, way, what, read) : decltype(ReadKeys(*node, way, what, read)){};
+  return node ? ReadKeys(*node, interpolation, what, read)
+              : decltype(ReadKeys(*node, interpolation, what, read)){};
 }
 
 bool ReadFlag(const SceneNode& node) { return node.Flag(); }
@@ -101,10 +105,13 @@ class BoneKeyReader {
     node_.AllowKeys(
         {"pose", "poseWidth", "corners", "z", "opacity", "opacityB", "active", "image", "imageB"});
     ReadImages();
-    keys_.active = ReadTrack(node_, "active", Way::kHeld, "true or false", ReadFlag);
-    keys_.opacity = ReadTrack(node_, "opacity", Way::kMixed, "number", ReadOpacity);
-    keys_.opacityB = ReadTrack(node_, "opacityB", Way::kMixed, "number", ReadOpacity);
-    keys_.z = ReadTrack(node_, "z", Way::kMixed, "number or [start, end]", ReadDepths);
+    keys_.active = ReadTrack(node_, "active", Interpolation::kHeld, "true or false", ReadFlag);
+    keys_.opacity =
+        ReadTrack(node_, "opacity", Interpolation::kInterpolated, "number", ReadOpacity);
+    keys_.opacityB =
+        ReadTrack(node_, "opacityB", Interpolation::kInterpolated, "number", ReadOpacity);
+    keys_.z =
+        ReadTrack(node_, "z", Interpolation::kInterpolated, "number or [start, end]", ReadDepths);
     ReadPlaces();
     return std::move(keys_);
   }
@@ -112,12 +119,12 @@ class BoneKeyReader {
  private:
   void ReadImages() {
     const auto readName = [this](const SceneNode& name) { return ReadImageName(name, images_); };
-    keys_.image = ReadTrack(node_, "image", Way::kHeld, "name of an image", readName);
+    keys_.image = ReadTrack(node_, "image", Interpolation::kHeld, "name of an image", readName);
     if (const auto second = node_.Find("imageB"); second && !bone_.imageB) {
       second->Fault("keys need an imageB of the bone");
       return;
     }
-    keys_.imageB = ReadTrack(node_, "imageB", Way::kHeld, "name of an image", readName);
+    keys_.imageB = ReadTrack(node_, "imageB", Interpolation::kHeld, "name of an image", readName);
   }
 
   void ReadPlaces() {
@@ -131,16 +138,17 @@ class BoneKeyReader {
       node->Fault("the bone has a strip; the keys of \"pose\" move it");
       return;
     }
-    keys_.pose = ReadTrack(node_, "pose", Way::kMixed, "2 or 4 points", ReadPose);
-    keys_.poseWidth =
-        ReadTrack(node_, "poseWidth", Way::kMixed, "number or [start, end]", ReadWidths);
+    keys_.pose = ReadTrack(node_, "pose", Interpolation::kInterpolated, "2 or 4 points", ReadPose);
+    keys_.poseWidth = ReadTrack(node_, "poseWidth", Interpolation::kInterpolated,
+                                "number or [start, end]", ReadWidths);
     const std::string corners =
         "list of 4 points for each piece (" + std::to_string(bone_.pieces.size()) + ")";
-    keys_.corners = ReadTrack(node_, "corners", Way::kMixed, corners, [&](const SceneNode& node) {
-      Corners read(bone_.pieces.size());
-      std::ranges::transform(node.Items(read.size(), corners), read.begin(), ReadPoints<4>);
-      return read;
-    });
+    keys_.corners = ReadTrack(
+        node_, "corners", Interpolation::kInterpolated, corners, [&](const SceneNode& node) {
+          Corners read(bone_.pieces.size());
+          std::ranges::transform(node.Items(read.size(), corners), read.begin(), ReadPoints<4>);
+          return read;
+        });
   }
 
   const SceneNode& node_;
@@ -188,7 +196,7 @@ void ReadFrames(const SceneNode& root, const NameIndex& images,
   }
   frames->AllowKeys({"count", "rate", "bones", "set", "fast"});
   if (const auto count = frames->Need("count", "number of frames")) {
-    animation.count = count->Whole(1, kMostFrames).value_or(1);
+    animation.count = count->Integer(1, kMostFrames).value_or(1);
   }
   if (const auto rate = frames->Find("rate")) {
     animation.rate = rate->Number(kRates);
@@ -198,12 +206,12 @@ void ReadFrames(const SceneNode& root, const NameIndex& images,
   }
   if (const auto settings = frames->Find("set")) {
     for (const SceneNode::Member& member : settings->Members()) {
-      animation.settings.push_back({member.key,
-                                    ReadKeys(member.value, Way::kMixed, "number", ReadNumber),
-                                    fileName + ": " + PathTo("frames.set", member.key)});
+      animation.settings.push_back(
+          {member.key, ReadKeys(member.value, Interpolation::kInterpolated, "number", ReadNumber),
+           fileName + ": " + PathTo("frames.set", member.key)});
     }
   }
-  animation.fast = ReadTrack(*frames, "fast", Way::kHeld, "true or false", ReadFlag);
+  animation.fast = ReadTrack(*frames, "fast", Interpolation::kHeld, "true or false", ReadFlag);
 }
 
 }  // namespace tarvo

@@ -74,7 +74,7 @@ double SceneNode::PositiveNumber() const {
   return number.value_or(1.0);
 }
 
-std::optional<int> SceneNode::Whole(int least, int most) const {
+std::optional<int> SceneNode::Integer(int least, int most) const {
   const Range range{static_cast<double>(least), static_cast<double>(most)};
   const auto number = NumberOf("whole number", range);
   if (number && *number != std::floor(*number)) {

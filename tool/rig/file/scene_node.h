@@ -43,7 +43,7 @@ class SceneNode {
   [[nodiscard]] double Number(Range range = {}) const;
   [[nodiscard]] double PositiveNumber() const;
   /// None when it is no whole number of this range.
-  [[nodiscard]] std::optional<int> Whole(int least, int most) const;
+  [[nodiscard]] std::optional<int> Integer(int least, int most) const;
   [[nodiscard]] bool Flag() const;
   /// At least one byte long, at most `longest`.
   [[nodiscard]] std::string Text(std::size_t longest = std::string::npos) const;

@@ -105,7 +105,7 @@ Strip ReadStrip(const SceneNode& node, bool hasImageB) {
     strip.pose.endWidth = ends.end;
   }
   const auto pieces = node.Find("pieces");
-  strip.pieces = pieces ? pieces->Whole(1, kMostStripPieces).value_or(1) : kUsualStripPieces;
+  strip.pieces = pieces ? pieces->Integer(1, kMostStripPieces).value_or(1) : kUsualStripPieces;
   strip.from = ReadFrom(node, hasImageB);
   return strip;
 }

@@ -16,7 +16,7 @@ class Places {
 
   /// Takes the place that a field names.
   void Take(const SceneNode& field, StackEntry entry) {
-    const auto place = field.Whole(0, static_cast<int>(places_.size()) - 1);
+    const auto place = field.Integer(0, static_cast<int>(places_.size()) - 1);
     if (!place) {
       return;
     }

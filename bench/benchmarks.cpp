@@ -1,0 +1,50 @@
+#include "bench/benchmarks.h"
+
+#include "bench/rigs.h"
+
+namespace bench {
+namespace {
+
+std::vector<Benchmark> MakeBenchmarks() {
+  const std::string limbs = InWords(kBones, kLimbPieces);
+  const std::string bareGl = "the same quads by bare OpenGL, host calls";
+  return {
+      {"fast_1080", "fast frame, " + limbs, bareGl, 1.10, 7, Fast1080},
+      {"lean_1080", "fast frame, " + limbs, "the same, and a program that can do no other pass",
+       std::nullopt, 5, Lean1080},
+      {"fast_2000", "fast frame, " + InWords(kBones, 2000), bareGl, 1.15, 7, Fast2000},
+      {"small_270", "fast frame of 480 × 270", bareGl, 1.15, 15, Small270},
+      {"exact_1", "exact frame, " + InWords(1, kCarpetPieces), "fast frame", 1.9, 5, Exact1},
+      {"exact_25", "exact frame, " + limbs, "fast frame", 1.9, 5, Exact25},
+      {"exact_scattered", "exact frame, " + InWords(kBones, 2000) + " all over", "fast frame",
+       std::nullopt, 3, ExactScattered, "ms",
+       "What exact frames do for an image is limited to the box of its pieces. Where each image's "
+       "pieces lie all over the frame, every box is nearly the frame, and this is the price."},
+      {"grow_pieces", "10,000 pieces", "10 times 1,000 pieces", 1.10, 5, GrowPieces, "ms",
+       "A frame of 1,000 pieces pays for its pixels as one of 10,000 does, and ten of them pay ten "
+       "times: that alone keeps the ratio far below its goal. The next bound is the plot by "
+       "pieces: its slope is what one piece costs, and it must not rise."},
+      {"grow_size", "7680 × 4320", "4 times 3840 × 2160", 1.10, 2, GrowSize},
+      {"second_frame", "frame without new images", "its passes, read back and host calls", 1.10, 7,
+       SecondFrame},
+      {"upload", "first frame with 25 images, less the second", "the same glTexImage2D", 1.25, 7,
+       Upload},
+      {"intake", "message of 100 pieces, 25 effects", "the same host calls, one copy", 1.30, 9,
+       Intake},
+      {"sort", "draw list of 10,000 pieces", "std::sort of its records", 1.0, 15, Sort},
+      {"memory", "most host memory held in an exact frame", "an output-sized buffer", 2.0, 1,
+       Memory, "buffers"},
+      {"cairo", "fast frame, " + limbs, "Cairo painting the pieces once", 1.0, 5, Cairo},
+      {"sequence", "100 frames to PNG files", "their render commands", 1.25, 1, Sequence,
+       "ms passed", "Both sides draw with the threads that the renderer starts by itself."},
+  };
+}
+
+}  // namespace
+
+const std::vector<Benchmark>& Benchmarks() {
+  static const std::vector<Benchmark> benchmarks = MakeBenchmarks();
+  return benchmarks;
+}
+
+}  // namespace bench

@@ -1,0 +1,123 @@
+// FaultInjection of many frames, instances and loads, in which nothing may grow.
+
+#include <cstdint>
+#include <functional>
+#include <sstream>
+#include <string>
+
+#include "check/support/pieces.h"
+#include "check/support/plugin_under_check.h"
+#include "check/support/requirement.h"
+#include "check/support/rig.h"
+#include "check/support/settings.h"
+#include "check/support/usage.h"
+
+namespace check::soak {
+namespace {
+
+constexpr Box kSmallArea{.left = 0, .top = 0, .width = 24, .height = 20};
+/// Measurements of one life.
+constexpr int kSteps = 30;
+/// What memory may seem to grow over the second half of a life: caches of OpenGL's and of the
+/// host's. It does not grow with the length of a life, so a long one tells smaller leaks.
+constexpr double kKilobytesOfNoise = 512;
+constexpr double kHandlesOfNoise = 0.05;
+constexpr double kTexturesOfNoise = 0.05;
+
+std::string Text(double number) {
+  std::ostringstream text;
+  text << number;
+  return text.str();
+}
+
+class Soak : public ::testing::Test {
+ protected:
+  /// Runs `rounds` rounds, in full length or a small part of it, and expects that
+  /// nothing grows.
+  void Run(int shortRounds, int longRounds, const std::function<void(int round)>& runRound) {
+    const int rounds = TheSettings().isLong ? longRounds : shortRounds;
+    Slope memory;
+    Slope handles;
+    Slope textures;
+    for (int round = 0; round < rounds && !HasFailure(); ++round) {
+      runRound(round);
+      if ((round + 1) % (rounds / kSteps) != 0) continue;
+      const Usage usage = Usage::Now();
+      memory.Add(usage.kilobytes);
+      handles.Add(usage.handles);
+      if (TheSettings().glTextures) textures.Add(TheSettings().glTextures());
+    }
+    const double roundsPerStep = rounds / kSteps;
+    RecordProperty("rounds", std::to_string(rounds));
+    RecordProperty("memory, bytes a round", Text(memory.PerStep() * 1024 / roundsPerStep));
+    RecordProperty("handles a step", Text(handles.PerStep()));
+    if (TheSettings().glTextures) {
+      RecordProperty("textures a step", Text(textures.PerStep()));
+      EXPECT_LT(textures.PerStep(), kTexturesOfNoise);
+    }
+    EXPECT_LT(memory.PerStep() * kSteps / 2, kKilobytesOfNoise);
+    EXPECT_LT(handles.PerStep(), kHandlesOfNoise);
+  }
+
+  /// Two bones, on a host that itself remembers little.
+  static void Prepare(Rig& rig) {
+    rig.host.injector.KeepLog(false);
+    rig.host.tracker.LimitRetired(100);
+    for (std::uint32_t bone = 0; bone < 2; ++bone) {
+      rig.AddBone(Pattern(8, 8, bone), WarpedPieces(bone, 2, kSmallArea, 8, 8));
+    }
+  }
+};
+
+CHECK_F(Soak, FramesDoNotLeak,
+        "Frame after frame of a rig that moves and changes its images, memory and handles stay as "
+        "they are.") {
+  Rig rig(PluginUnderCheck(), {.inspectPixels = false});
+  Prepare(rig);
+  Run(5'000, 100'000, [&](int round) {
+    const std::uint32_t seed = TheSettings().seed + static_cast<std::uint32_t>(round);
+    standin::Companion& bone = *rig.ActiveCompanions()[seed % 2];
+    bone.pieces = WarpedPieces(seed, 1 + round % 4, kSmallArea, 8, 8);
+    if (round % 5 == 0) bone.imageA.Set(Pattern(8 + round % 3, 8, seed));
+    if (round % 50 == 0) rig.SetFast(round % 100 == 0);
+    rig.Send();
+    rig.Render();
+  });
+  EndHostInOrder(rig.host);
+}
+
+CHECK_F(Soak, InstancesDoNotLeak,
+        "Instances come, draw, are duplicated and go; memory and handles stay as they are.") {
+  Rig rig(PluginUnderCheck(), {.inspectPixels = false});
+  Prepare(rig);
+  Run(600, 10'000, [&](int /*round*/) {
+    standin::RendererInstance& instance = rig.host.AddRenderer(rig.layer);
+    standin::Companion& bone = *rig.ActiveCompanions().front();
+    bone.SendImagesAgain();
+    EXPECT_TRUE(rig.host.Send(bone, instance).tookA);
+    EXPECT_TRUE(rig.host.Render(instance).command.Ok());
+    bone.SendImagesAgain();
+    EXPECT_TRUE(rig.host.Send(bone, instance).tookA);  // and waits
+    standin::RendererInstance& copy = rig.host.Duplicate(instance);
+    EXPECT_TRUE(rig.host.Remove(copy).Ok());
+    EXPECT_TRUE(rig.host.Remove(instance).Ok());
+  });
+  EndHostInOrder(rig.host);
+}
+
+CHECK_F(Soak, LibraryLoadsDoNotLeak,
+        "Loaded, set up, drawn with, set down and unloaded again and again, the plug-in leaves "
+        "nothing behind.") {
+  if (PluginFile().empty()) GTEST_SKIP() << "the plug-in is linked in";
+  Run(60, 1'000, [&](int /*round*/) {
+    ReloadPlugin();
+    Rig rig(PluginUnderCheck(), {.inspectPixels = false});
+    Prepare(rig);
+    rig.Send();
+    rig.Render();
+    EndHostInOrder(rig.host);
+  });
+}
+
+}  // namespace
+}  // namespace check::soak

@@ -1,0 +1,102 @@
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <exception>
+#include <new>
+#include <string>
+#include <string_view>
+#include <type_traits>
+#include <utility>
+
+#include "standin/core/argument_formatter.h"
+#include "standin/core/core.h"
+
+namespace standin {
+
+/// A text as a template argument.
+template <std::size_t kSize>
+struct FixedText {
+  // NOLINTNEXTLINE(google-explicit-constructor): a literal is to convert.
+  constexpr FixedText(const char (&literal)[kSize]) { std::copy_n(literal, kSize, text); }
+
+  char text[kSize]{};
+};
+
+/// What an operation answers when it fails: the code, null, 0, or nothing.
+template <typename Result>
+Result FailedResult(PF_Err code) {
+  if constexpr (std::is_same_v<Result, PF_Err>) {
+    return code;
+  } else if constexpr (!std::is_void_v<Result>) {
+    return Result{};
+  }
+}
+
+/// Does an operation's work; what goes wrong in the host itself is noted and never leaves.
+template <typename Result, typename Body>
+Result Guarded(Core& core, std::string_view name, Body body) {
+  try {
+    return body(core);
+  } catch (const std::bad_alloc&) {
+    core.tracker.NoteOutOfMemory();
+    return FailedResult<Result>(PF_Err_OUT_OF_MEMORY);
+  } catch (const std::exception& fault) {
+    core.tracker.ReportViolation("fault of the host in " + std::string(name) + ": " + fault.what());
+    return FailedResult<Result>(PF_Err_INTERNAL_STRUCT_DAMAGED);
+  }
+}
+
+/// The failure of a callback that was told to throw, after the log has it.
+[[noreturn]] inline void Throw(const Failure& failure) { throw int{failure.code}; }
+
+/// Takes one call through the injector: counts it, fails it if it is to fail, else does the work,
+/// and tells the log and the trace. `say` puts the arguments into words.
+template <typename Result, typename Body, typename Say>
+Result CallOperation(std::string_view name, FailurePoint point, Body body, Say say) {
+  Core* core = ActiveCore();
+  if (core == nullptr) {
+    return FailedResult<Result>(PF_Err_INVALID_CALLBACK);
+  }
+  const std::optional<Failure> failure = core->injector.Enter(name, point);
+  const auto leave = [&](bool done, const std::string& result) {
+    core->injector.Leave({std::string(name), say(ArgumentFormatter(core->tracker, done)), result,
+                          "", failure.has_value()});
+  };
+  const bool works = !failure || point != FailurePoint::kBeforeEffect;
+  if constexpr (std::is_void_v<Result>) {
+    Guarded<void>(*core, name, body);
+    if (core->injector.IsRecording()) leave(true, "");
+    if (failure && failure->throws) Throw(*failure);
+  } else {
+    Result result = works ? Guarded<Result>(*core, name, body) : Result{};
+    if (failure && point != FailurePoint::kThrowOnly) {
+      result = FailedResult<Result>(failure->code);
+    }
+    const bool done = std::is_same_v<Result, PF_Err> ? result == Result{} : !failure;
+    if (core->injector.IsRecording()) leave(done, ArgumentFormatter(core->tracker, true)(result));
+    if (failure && failure->throws) Throw(*failure);
+    return result;
+  }
+}
+
+/// An operation of the host as the plug-in calls it, made of a name and a function that does the
+/// work for the active host. `Operation<...>::Call` goes into a suite's slot.
+template <FixedText kName, auto kBody, FailurePoint kPoint = FailurePoint::kBeforeEffect>
+struct Operation;
+
+template <FixedText kName, typename Result, typename... Arguments,
+          Result (*kBody)(Core&, Arguments...), FailurePoint kPoint>
+struct Operation<kName, kBody, kPoint> {
+  static Result Call(Arguments... arguments) {
+    return CallOperation<Result>(
+        kName.text, kPoint, [&](Core& core) { return kBody(core, arguments...); },
+        [&](const ArgumentFormatter& words) {
+          std::string text;
+          ((text += (text.empty() ? "" : ", ") + words(arguments)), ...);
+          return text;
+        });
+  }
+};
+
+}  // namespace standin
