@@ -28,7 +28,7 @@ struct Benchmark {
   int pairs;
   PlayPair (*prepare)();
   std::string unit = "ms";  ///< of the values
-  std::string note{};       ///< what readers of the ratio should know
+  std::string note{};       ///< a note for readers of the ratio
 };
 
 /// All benchmarks, in the order of their lines.

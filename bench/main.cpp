@@ -1,4 +1,4 @@
-// What frames cost beside what they must cost: ratios of things measured in turn, and plots.
+// The cost of frames relative to a lower bound: ratios of alternating measurements, and plots.
 
 #include <algorithm>
 #include <cstdio>
@@ -98,7 +98,7 @@ void KeepWhatRan(Results& results) {
   std::erase_if(results.sweeps, [](const auto& result) { return result.milliseconds == 0.0; });
 }
 
-/// True iff every goal was met.
+/// True iff every goal was reached.
 bool Print(const std::vector<BenchmarkResult>& benchmarks) {
   bool isMet = true;
   for (const BenchmarkResult& result : benchmarks) {
@@ -126,12 +126,12 @@ std::string DrawOnThisThread() {
   standin::MakeNoContextCurrent();
   if (renderer.find("llvmpipe") == std::string::npos) {
     throw std::runtime_error("frames would be drawn by " + renderer +
-                             ", whose work processor time does not tell; llvmpipe is needed");
+                             ", whose work is not in the processor time; llvmpipe is needed");
   }
   return renderer;
 }
 
-/// Memory that was given back is had again at once, as from the pools of a host: what the system
+/// Freed memory is available again at once, as from the pools of a host: what the system
 /// takes for handing out pages is in no frame then, neither for the host's buffers nor for what the
 /// renderer makes anew in each, maps above all.
 void KeepMemory() {
@@ -139,7 +139,7 @@ void KeepMemory() {
   mallopt(M_TRIM_THRESHOLD, kNoMemoryGoes);
 }
 
-/// True iff everything could be measured and every goal was met.
+/// True iff everything could be measured and every goal was reached.
 bool MeasureAll(const std::string& page) {
   Results results = Everything();
   results.renderer = DrawOnThisThread();
@@ -159,7 +159,7 @@ int RunBench(int argc, char** argv) {
   bool isMemoryFresh = false;
   bool isPartOfSequence = false;
   CLI::App program(
-      "Frame times as ratios of things measured in turn; --benchmark_filter=NAME and "
+      "Frame times as ratios of alternating measurements; --benchmark_filter=NAME and "
       "the other options of Google Benchmark hold.",
       "tarvo_bench");
   program.add_option("--page", page, "Write the results with plots to this HTML file");

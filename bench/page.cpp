@@ -12,7 +12,7 @@ namespace {
 
 constexpr double kWidth = 640.0;
 constexpr double kHeight = 300.0;
-constexpr double kLeft = 60.0;  ///< of the plot's area; labels stand before and below it
+constexpr double kLeft = 60.0;  ///< of the plot's area; labels are to the left of it and below
 constexpr double kBottom = 260.0;
 constexpr double kTop = 20.0;
 constexpr double kRight = 620.0;

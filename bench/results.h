@@ -37,7 +37,7 @@ struct SweepResult {
 };
 
 struct Results {
-  std::string renderer;  ///< what OpenGL calls whoever draws
+  std::string renderer;  ///< OpenGL's name of the renderer
   std::vector<BenchmarkResult> benchmarks;
   std::vector<SweepResult> sweeps;
 };

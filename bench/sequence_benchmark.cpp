@@ -19,7 +19,7 @@ constexpr const char* kSceneFile = TARVO_EXAMPLES "/wave/wave.json";
 /// Before a command: both sides draw as users do, with as many threads as the renderer starts.
 constexpr const char* kUsersThreads = "unset LP_NUM_THREADS; ";
 
-// A host calls a plain function, so what it needs to know lies here.
+// A host calls a plain function, so its state is global.
 PF_EntryPoint gLibrary = nullptr;
 double gRenderMilliseconds = 0.0;
 

@@ -8,7 +8,7 @@
 namespace bench {
 namespace {
 
-// The plug-in calls a plain function, so what it needs to know lies here.
+// The plug-in calls a plain function, so its state is global.
 StageTimes gTimes;
 double gSince = 0.0;
 

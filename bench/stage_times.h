@@ -27,7 +27,7 @@ static_assert(kStageNames.size() == 1 + static_cast<std::size_t>(plugin::FrameSt
 using StageTimes = std::map<plugin::FrameStage, double>;
 
 /// Answers the render command as the plug-in does, with a stop at the end of every stage, in which
-/// what OpenGL was told to do is waited for. [command under way]
+/// pending OpenGL work is finished. [command under way]
 PF_Err StoppedRender(PF_Cmd command, PF_InData* in, PF_OutData* out, PF_ParamDef* params[],
                      PF_LayerDef* output, void* extra);
 

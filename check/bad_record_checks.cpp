@@ -1,5 +1,5 @@
 // Records that no companion should send, and companions that come and go: what is sent is refused
-// or borne, nothing is lost, and the others' pieces are drawn as ever.
+// or tolerated, nothing leaks, and the other bones' pieces are drawn as before.
 
 #include <array>
 #include <cstddef>
@@ -121,10 +121,9 @@ std::vector<std::vector<std::uint8_t>> CorruptValues(std::size_t bytes, std::mt1
   return values;
 }
 
-CHECK_F(
-    BadRecords, ToleratesEveryFieldAtItsLimits,
-    "Any bytes in any field of a record but its images and pieces are refused or borne, and the "
-    "picture stays.") {
+CHECK_F(BadRecords, ToleratesEveryFieldAtItsLimits,
+        "Any bytes in any field of a record but its images and pieces are refused or tolerated, "
+        "and the picture stays the same.") {
   constexpr std::array<Field, 8> kFields{{
       {"quads.reservedEnd", offsetof(CompanionSlot, quads) + 16, 8},
       {"quads.unused", offsetof(CompanionSlot, quads) + 24, 8},
@@ -152,9 +151,9 @@ CHECK_F(
   }
 }
 
-CHECK_F(
-    BadRecords, ToleratesEveryNumberInAPiece,
-    "Any number in a piece is borne: a frame comes, and the other bones are drawn in it as ever.") {
+CHECK_F(BadRecords, ToleratesEveryNumberInAPiece,
+        "Any number in a piece is tolerated: a frame is rendered, and the other bones are drawn in "
+        "it as before.") {
   for (std::size_t number = 0; number < 18; ++number) {
     std::vector<PieceQuad> corrupt;
     for (const auto& value : CorruptValues(8, random)) {
@@ -178,8 +177,8 @@ CHECK_F(
 }
 
 CHECK_F(BadRecords, ToleratesDegenerateShapes,
-        "Pieces without an area, inside out, endless or without numbers are borne, and the output "
-        "stays within what a host makes.") {
+        "Pieces that are empty, inverted, infinite or not a number are tolerated, and the output "
+        "stays within the host's limits.") {
   using Points = std::array<double, 8>;
   struct Shape {
     const char* name;
@@ -227,10 +226,10 @@ CHECK_F(BadRecords, RefusesListsCutWithinAPiece,
   }
 }
 
-/// Records that claim a place where no companion stands: nothing of them is ever drawn.
+/// Records that claim a position without a companion: nothing of them is ever drawn.
 CHECK_F(BadRecords, IgnoresPositionsWithoutACompanion,
-        "Who claims the place of another effect, of a companion that is switched off, or past the "
-        "stack is not drawn.") {
+        "A record that claims the position of another effect, of an inactive companion, or past "
+        "the end of the stack is not drawn.") {
   rig.host.AddEffect(rig.layer, "X Glow");
   bad.active = false;
   const int places[] = {rig.renderer.Position(), bad.Position(), 3, 4, 300, 65'535};
@@ -255,8 +254,8 @@ struct ImageCase {
 };
 
 CHECK_F(BadRecords, PassesCorruptImagesToTheHost,
-        "An image without a size stays with its sender; one that the host refuses costs nobody "
-        "else a thing.") {
+        "An image without a size stays with its sender; one that the host refuses affects no other "
+        "bone.") {
   const auto size = [](A_long width, A_long height) {
     return [=](PF_EffectWorld& world) {
       world.width = width;
@@ -308,7 +307,7 @@ CHECK_F(BadRecords, PassesCorruptImagesToTheHost,
 }
 
 CHECK_F(BadRecords, AcceptsImagesOfAnySize,
-        "Images of one pixel and of 20,000 in a row are taken.") {
+        "Images of one pixel and of 20,000 in a row are accepted.") {
   for (const auto& [width, height] :
        {std::pair{1, 1}, {1, 700}, {700, 1}, {20'000, 2}, {2, 20'000}}) {
     bad.imageA.Set(Picture(width, height, {10, 20, 30, 255}));

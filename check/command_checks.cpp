@@ -20,7 +20,7 @@ using standin::Host;
 using Commands = HostTest;
 
 CHECK_F(Commands, UnknownOnesReturnNothingAndCallNothing,
-        "A command that the plug-in does not know succeeds and calls nothing of the host.") {
+        "An unknown command succeeds and makes no host call.") {
   Host& host = StartHost();
   auto& renderer = host.AddRenderer(TheLayer());
   for (const A_long command : {2, 7, 9, 12, 15, 16, 18, 19, 1000, -1}) {
@@ -30,17 +30,17 @@ CHECK_F(Commands, UnknownOnesReturnNothingAndCallNothing,
   }
 }
 
-CHECK_F(Commands, AboutShowsNameAndVersion, "About tells name, version and trade in two lines.") {
+CHECK_F(Commands, AboutShowsNameAndVersion, "About shows name, version and purpose in two lines.") {
   Host& host = StartHost();
   EXPECT_EQ(host.About().message, "QEZ_Tarvo_renderer, v1.0.3\rIK & rigging.");
 }
 
-/// Every command in turn finds no suite at all, so that its handler throws; renders have a check of
-/// their own. The host compares its OpenGL context after each call; TearDown asks whether that
+/// Every command in turn runs without any suite, so that its handler throws; renders have a check
+/// of their own. The host compares its OpenGL context after each call; TearDown asks whether that
 /// found anything.
 CHECK_F(Commands, MissingSuitesReturnBadCallbackParam,
         "Without any suite each command that needs one returns 516, the others succeed, and the "
-        "context is handed back.") {
+        "host's context is restored.") {
   MakeHost().injector.FailOperation("AcquireSuite", 1, {}, true);
   EXPECT_EQ(TheHost().GlobalSetup().code, PF_Err_BAD_CALLBACK_PARAM);
   EndHost();
@@ -74,7 +74,7 @@ CHECK_F(Commands, MissingSuitesReturnBadCallbackParam,
 
 /// As from a host, or another effect, that leaves out what it thinks is not needed.
 CHECK_F(Commands, RefuseMissingRecords,
-        "A command without a record that its answer needs returns 516, and nothing is changed.") {
+        "A command without a record that it needs returns 516, and nothing is changed.") {
   Host& host = StartHost();
   auto& renderer = host.AddRenderer(TheLayer());
   PF_InData in = host.InputRecord(&renderer);
@@ -102,7 +102,7 @@ CHECK_F(Commands, RefuseMissingRecords,
 
 /// A code thrown by a callback of the host's, in a handler without a guard of its own.
 CHECK_F(Commands, ThrownCodesReturnBadCallbackParam,
-        "A code that the host throws comes back as 516, with the context handed back.") {
+        "A code that the host throws is returned as 516, and the host's context is restored.") {
   Host& host = StartHost();
   auto& renderer = host.AddRenderer(TheLayer());
   host.AddCompanion(TheLayer(), "Arm");
@@ -118,7 +118,7 @@ CHECK_F(Commands, ThrownCodesReturnBadCallbackParam,
 /// As from a host that renders in threads of its own, where no OpenGL context is current.
 CHECK_F(Commands, MayComeFromAnyThread,
         "Each command may come from another thread than the one before it: the picture is the "
-        "same, and what was current there is current again.") {
+        "same, and the thread's OpenGL context is restored.") {
   Host& host = StartHost();
   auto& bone = host.AddCompanion(TheLayer(), "Arm");
   bone.pieces = {Piece({10, 10, 40, 40}, {1, 1, 6, 6}, 0.5)};

@@ -40,7 +40,8 @@ std::vector<PieceQuad> PiecesWith(const std::vector<std::array<double, 2>>& corn
 }
 
 CHECK_F(Extent, EnclosesThePiecesWithAMargin,
-        "The output encloses all pieces with 5 % a side, at the frame's resolution, whatever their "
+        "The output encloses all pieces with a margin of 5 % a side, at the frame's resolution, "
+        "whatever their "
         "corners are; without pieces it is the layer in full size.") {
   const std::vector<std::array<double, 2>> quad{{10, 20}, {110, 20}, {110, 70}, {10, 70}};
   const std::vector<std::array<double, 2>> wide{{-50.25, -10}, {30, -10}, {30, 90}, {-50.25, 90}};

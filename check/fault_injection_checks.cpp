@@ -24,16 +24,16 @@ using standin::PluginState;
 constexpr std::uint64_t kMostCalls = 5000;
 /// FaultInjection are divided among this many tests, so that they can run side by side.
 constexpr std::uint64_t kShares = 4;
-/// The code of the second failure of a pair: told apart from the first.
+/// The code of the second failure of a pair, distinct from the first.
 constexpr PF_Err kSecondFailure = 7003;
 /// What a command may return after a failure: the host's own codes, memory that ran out (4), and
-/// the plug-in's own words for what it could not do (512, 516, 517).
+/// the plug-in's own codes (512, 516, 517).
 constexpr PF_Err kResultsOfFailures[] = {standin::kInjectedFailure, kSecondFailure,
                                          PF_Err_OUT_OF_MEMORY,      PF_Err_INTERNAL_STRUCT_DAMAGED,
                                          PF_Err_BAD_CALLBACK_PARAM, PF_Interrupt_CANCEL};
 /// A short run takes one call in so many, another one for each seed; a long run takes all.
 constexpr std::uint64_t kShortStride = 20;
-/// With every call failing from the n-th on, each n would mostly repeat its neighbour's story.
+/// With every call failing from the n-th on, each n would mostly repeat its neighbour's run.
 constexpr std::uint64_t kShortStrideOfMany = 80;
 
 /// An operation that may fail without the command in which it fails saying so.
@@ -53,9 +53,10 @@ constexpr Harmless kHarmless[] = {
     {"host_new_handle", "PF_Cmd_RENDER", "a map is left out; a frame that is not read stays empty"},
     {"host_lock_handle", "PF_Cmd_RENDER", "as without memory"},
     {"get_pixel_data8", "PF_Cmd_RENDER", "a frame that cannot be written down stays empty"},
-    {"dispose_world", "PF_Cmd_SEQUENCE_SETDOWN", "what cannot be given back is nobody's to report"},
+    {"dispose_world", "PF_Cmd_SEQUENCE_SETDOWN", "what cannot be disposed of is not reported"},
     {"dispose_world", "PF_Cmd_GLOBAL_SETDOWN", "the same, of an instance that could not before"},
-    {"AcquireSuite", "PF_Cmd_SEQUENCE_SETDOWN", "the same; or what a closing project is not told"},
+    {"AcquireSuite", "PF_Cmd_SEQUENCE_SETDOWN",
+     "the same; or a closing project, which gets no report"},
     {"ReleaseSuite", "", "there is nothing left to do about it"},
 };
 
@@ -66,8 +67,8 @@ bool IsHarmless(const CallRecord& call) {
   });
 }
 
-/// The first failure's code stays unless the plug-in has a word of its own for it: what fails while
-/// things are given back does not hide it.
+/// The first failure's code stays unless the plug-in has a code of its own for it: a failed
+/// disposal does not hide it.
 void JudgeCode(const Step& step) {
   const PF_Err code = step.result.code;
   EXPECT_TRUE(std::ranges::count(kResultsOfFailures, code) == 1) << step.name << ": " << code;
@@ -96,7 +97,7 @@ void JudgeSteps(const LifecycleScenario& scenario, std::uint64_t& unreported) {
   }
 }
 
-/// A violation that a failure leaves the plug-in no way around.
+/// A violation that the plug-in cannot avoid after a failure.
 struct Unavoidable {
   std::string_view failed;     ///< a part of the command and call that failed
   std::string_view violation;  ///< a part of what the host notes
@@ -104,7 +105,7 @@ struct Unavoidable {
 
 constexpr Unavoidable kUnavoidable[] = {
     // Without the suite that disposes of handles, none can be disposed of; of worlds, neither: but
-    // what cannot be given back with an instance must be given back in the end.
+    // what cannot be disposed of with an instance must be disposed of at global set-down.
     {"AcquireSuite(\"PF Handle Suite\"", "left handle"},
     {"PF_Cmd_GLOBAL_SETDOWN AcquireSuite(\"PF World Suite\"", "left world"},
     // The end of a quiet section is asked for even if its beginning failed.
@@ -134,7 +135,7 @@ bool IsUnavoidable(const LifecycleScenario& scenario, const std::string& violati
   });
 }
 
-/// What a scenario shows in which nothing ever failed.
+/// The pictures of a scenario without any failure.
 Views ViewsOfNewHost() {
   LifecycleScenario scenario;
   EXPECT_TRUE(scenario.Start());
@@ -146,7 +147,7 @@ Views ViewsOfNewHost() {
   return views;
 }
 
-/// What came of a share of the scenarios.
+/// Totals of one check's share of the scenarios.
 struct Tally {
   std::uint64_t scenarios = 0;
   std::uint64_t injected = 0;
@@ -240,37 +241,36 @@ class FaultInjection : public ::testing::TestWithParam<std::uint64_t> {
   Views good_;
 };
 
-CHECK_P(
-    FaultInjection, OneFailureIsSurvived,
-    "When a host call fails in a scenario, it is reported or harmless, nothing is lost, and the "
-    "scene, sent again, is drawn as ever in both modes.") {
+CHECK_P(FaultInjection, OneFailureIsSurvived,
+        "When a host call fails in a scenario, it is reported or harmless, nothing leaks, and the "
+        "scene, sent again, is drawn correctly in both modes.") {
   RunAll(Failing::kOne, StrideOf(kShortStride));
 }
 
 CHECK_P(
     FaultInjection, OneThrownFailureIsSurvived,
-    "When a host call throws in a scenario, it is reported or harmless, nothing leaves the plug-in "
-    "or is lost, and the scene, sent again, is drawn as ever in both modes.") {
+    "When a host call throws in a scenario, it is reported or harmless, no exception leaves the "
+    "plug-in, nothing leaks, and the scene, sent again, is drawn correctly in both modes.") {
   RunAll(Failing::kOneThrown, StrideOf(kShortStride));
 }
 
 CHECK_P(FaultInjection, AFailureAndThenOneInADisposalAreSurvived,
         "When a host call fails and then the next disposal does, the result is not the disposal's, "
-        "nothing is lost, and the scene, sent again, is drawn as ever in both modes.") {
+        "nothing leaks, and the scene, sent again, is drawn correctly in both modes.") {
   RunAll(Failing::kPair, StrideOf(kShortStride));
 }
 
 CHECK_P(FaultInjection, FailureOfAllCallsFromOneOnIsSurvived,
-        "When all host calls fail from one on, nothing is lost, and after a new start the scene is "
-        "drawn as ever.") {
+        "When all host calls fail from one on, nothing leaks, and after a new start the scene is "
+        "drawn correctly.") {
   RunAll(Failing::kAllFromOne, StrideOf(kShortStrideOfMany));
 }
 
 INSTANTIATE_TEST_SUITE_P(, FaultInjection, ::testing::Range(std::uint64_t{0}, kShares));
 
-CHECK(LifecycleScenario, WithoutFailuresSucceedsInEveryStep,
+CHECK(Lifecycle, WithoutFailuresSucceedsInEveryStep,
       "Three instances, two images a bone, changes, idle time and frames in both modes and in "
-      "tiles: every step succeeds and the tracker balance.") {
+      "tiles: every step succeeds and nothing leaks.") {
   LifecycleScenario scenario;
   scenario.Begin();
   scenario.End();

@@ -25,7 +25,7 @@ constexpr A_long kLayerWidth = 200;  // of the output as long as there are no pi
 
 class Intake : public HostTest {
  protected:
-  /// A companion that BoneNumbers can tell.
+  /// A companion that BoneNumbers can identify.
   Companion& AddBone(Host& host, int number, int position = -1) {
     Companion& companion = host.AddCompanion(TheLayer(), std::to_string(number), position);
     BoneNumbers::SetUpBone(companion, number);
@@ -46,8 +46,8 @@ class Intake : public HostTest {
 };
 
 CHECK_F(Intake, NumbersActiveCompanionsFromTheTop,
-        "Bone 1 is the first switched-on companion of the stack, bone 2 the second; nobody else "
-        "counts, and who is switched off is not drawn.") {
+        "Bone 1 is the first active companion of the stack, bone 2 the second; other effects do "
+        "not count, and inactive companions are not drawn.") {
   Host& host = StartHost();
   Companion& first = AddBone(host, 1);
   auto& renderer = host.AddRenderer(TheLayer());
@@ -86,8 +86,8 @@ CHECK_F(Intake, KeepsTheOldNumbersWithoutALayer,
 
 /// The record lies at an odd address, between bytes that must not change.
 CHECK_F(Intake, ReadsRecordsAtAnyAddressAndChangesTheirFlagsAlone,
-        "A record may lie anywhere; of its bytes only the flags of images that were taken change, "
-        "and those images' worlds are given back.") {
+        "A record may have any address; of its bytes only the flags of images that were copied "
+        "change, and those images' worlds are disposed of.") {
   Host& host = StartHost();
   auto& renderer = host.AddRenderer(TheLayer());
   host.AddCompanion(TheLayer(), "A");
@@ -114,7 +114,7 @@ CHECK_F(Intake, ReadsRecordsAtAnyAddressAndChangesTheirFlagsAlone,
 }
 
 CHECK_F(Intake, RefusesWhatCannotBeMeant,
-        "A record that cannot be meant, and none at all, returns 516 and changes nothing.") {
+        "An implausible record, or none, returns 516 and changes nothing.") {
   Host& host = StartHost();
   auto& renderer = host.AddRenderer(TheLayer());
   host.AddCompanion(TheLayer(), "A");
@@ -151,7 +151,7 @@ CHECK_F(Intake, RefusesWhatCannotBeMeant,
 
 /// A message without an image must neither lose the pending image nor bring in the sender's.
 CHECK_F(Intake, KeepsAPendingImageUntilANewOneArrives,
-        "A pending image outlives messages without one, and gives way to a new one.") {
+        "A pending image is kept over messages without one, and replaced by a new one.") {
   constexpr tarvo::Rgba kRed{.red = 200, .green = 0, .blue = 0, .alpha = 255};
   constexpr tarvo::Rgba kBlue{.red = 0, .green = 0, .blue = 200, .alpha = 255};
   Host& host = StartHost();
@@ -172,10 +172,10 @@ CHECK_F(Intake, KeepsAPendingImageUntilANewOneArrives,
 }
 
 /// Image B is not copied either, but counts as taken all the same: the chain. A world that was not
-/// disposed of by then is left to nobody.
+/// disposed of by then has no owner.
 CHECK_F(Intake, LeaksNothingWhenACopyFails,
-        "A take that the host fails returns its code, clears the flags of both images and leaves "
-        "no world of the plug-in's behind; the next message and frame go well.") {
+        "When the host fails to copy an image, its code is the result, the flags of both images "
+        "are cleared and the plug-in leaks no world; the next message and frame succeed.") {
   const struct {
     std::string operation;
     std::size_t abandoned;
@@ -201,9 +201,9 @@ CHECK_F(Intake, LeaksNothingWhenACopyFails,
   }
 }
 
-/// The host has disposed of it all the same, as of everything that it fails to take back.
+/// The host has disposed of it all the same, as in every failed disposal.
 CHECK_F(Intake, AcceptsAnImageWhosePredecessorCannotBeDisposedOf,
-        "When the host refuses to dispose of a pending image, the new one is taken all the "
+        "When the host refuses to dispose of a pending image, the new one is accepted all the "
         "same, and the refusal is the result unless something failed after it.") {
   constexpr tarvo::Rgba kBlue{.red = 0, .green = 0, .blue = 200, .alpha = 255};
   for (const PF_Err later : {0, 62}) {
@@ -226,8 +226,8 @@ CHECK_F(Intake, AcceptsAnImageWhosePredecessorCannotBeDisposedOf,
 }
 
 CHECK_F(Intake, CountsAFailedDisposalUnlessSomethingFailedBefore,
-        "A reference that the host fails to take back is the result, unless something failed "
-        "before it.") {
+        "When the host fails to dispose of a reference, its code is the result, unless something "
+        "failed before it.") {
   Host& host = StartHost();
   Companion& companion = AddPiece(host, Pattern(8, 8, 1));
   auto& renderer = host.AddRenderer(TheLayer());
@@ -236,7 +236,7 @@ CHECK_F(Intake, CountsAFailedDisposalUnlessSomethingFailedBefore,
   host.injector.FailOperation("AEGP_GetEffectFlags", 1, {.code = 62});
   host.injector.FailOperation("AEGP_DisposeEffect", 1, {.code = 61});
   EXPECT_EQ(host.Send(companion, renderer).command.code, 62);
-  EXPECT_EQ(WidthOf(host, renderer), kLayerWidth);  // nobody was numbered
+  EXPECT_EQ(WidthOf(host, renderer), kLayerWidth);  // no companion was numbered
 }
 
 }  // namespace

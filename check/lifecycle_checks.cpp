@@ -1,4 +1,4 @@
-// Global set-up and set-down, the life of instances, and what of it survives saving and copying.
+// Global set-up and set-down, the lifecycle of instances, and what survives saving and copying.
 
 #include <cstdint>
 #include <cstring>
@@ -67,7 +67,7 @@ class Instances : public HostTest {
 };
 
 CHECK_F(GlobalSetup, ReportsItselfAndLeavesNumberOneNext,
-        "Global set-up tells version and flags, keeps four bytes whose number is 1, and registers "
+        "Global set-up reports version and flags, stores a four-byte counter of 1, and registers "
         "one idle hook.") {
   Host& host = StartHost();
   EXPECT_EQ(host.PluginVersion(), 0x00100000U);
@@ -81,7 +81,7 @@ CHECK_F(GlobalSetup, ReportsItselfAndLeavesNumberOneNext,
 
 CHECK_F(GlobalSetup, SwitchesOpenGlOffOnlyWhereOldHostsHaveIt,
         "The host's OpenGL preference is set to 0 where it exists in a host before version 11, and "
-        "never made.") {
+        "is never created.") {
   const std::pair<std::string, std::string> key{"AE_OpenGL", "Enabled2"};
   const struct {
     A_short major;
@@ -102,10 +102,10 @@ CHECK_F(GlobalSetup, SwitchesOpenGlOffOnlyWhereOldHostsHaveIt,
 }
 
 /// A failure of the host's does not keep OpenGL from starting nor the global data from being made,
-/// but no idle hook is registered and the user is told.
+/// but no idle hook is registered and the failure is reported to the user.
 CHECK_F(GlobalSetup, GoesOnAfterAHostFailureAndReportsIt,
-        "A host failure in global set-up is its result and is told to the user; the global data "
-        "are there all the same.") {
+        "A host failure in global set-up is its result and is reported to the user; the global "
+        "data exist all the same.") {
   const char* operations[] = {"AEGP_RegisterWithAEGP", "AEGP_GetApplicationBlob",
                               "AEGP_DoesKeyExist", "AEGP_SetLong"};
   for (const char* operation : operations) {
@@ -119,8 +119,9 @@ CHECK_F(GlobalSetup, GoesOnAfterAHostFailureAndReportsIt,
   }
 }
 
-CHECK_F(GlobalSetup, ReportsARefusedIdleHook,
-        "An idle hook that the host refuses is the result and is told to the user.") {
+CHECK_F(
+    GlobalSetup, ReportsARefusedIdleHook,
+    "When the host refuses the idle hook, its code is the result and is reported to the user.") {
   Host& host = MakeHost();
   host.injector.FailOperation("AEGP_RegisterIdleHook", 1, {.code = 33});
   host.injector.FailOperation("AEGP_ReportInfo", 1, {.code = 34});
@@ -145,9 +146,9 @@ CHECK_F(GlobalSetup, IsOutOfMemoryWithoutGlobalData,
   EXPECT_EQ(host.GlobalSetup().code, PF_Err_OUT_OF_MEMORY);
 }
 
-CHECK_F(Instances, AreNumberedAndNumbersStartOver,
-        "Instances are numbered from 1 to 9999, then from 0, and one that goes gives its number "
-        "back.") {
+CHECK_F(
+    Instances, AreNumberedAndNumbersStartOver,
+    "Instances are numbered from 1 to 9999, then from 0; removing one decrements the counter.") {
   Host& host = StartHost();
   auto& first = host.AddRenderer(TheLayer());
   auto& second = host.AddRenderer(TheLayer());
@@ -187,8 +188,8 @@ CHECK_F(Instances, NeverFollowSavedOrCopiedBytes,
 /// have none.
 CHECK_F(Instances, AreMadeAnewFromAnyHandle,
         "A resetup makes an empty store of the plug-in's own size from a handle of any size and "
-        "from one without memory, and none without a handle; a set-down without one counts all "
-        "the same.") {
+        "from one without memory, and none without a handle; a set-down without one still "
+        "decrements the counter.") {
   Host& host = StartHost();
   auto& renderer = host.AddRenderer(TheLayer());
   const auto expectNewStore = [&](PF_Handle old) {
@@ -218,7 +219,7 @@ CHECK_F(Instances, AreMadeAnewFromAnyHandle,
 }
 
 CHECK_F(Instances, OfACopyWithoutMemoryDoNotReachTheOriginal,
-        "A copy that could not be given memory of its own does not touch the original's pieces.") {
+        "A copy that got no memory of its own does not change the original's pieces.") {
   Host& host = StartHost();
   auto& original = host.AddRenderer(TheLayer());
   SendOnePiece(host, original);
@@ -250,8 +251,9 @@ CHECK_F(Instances, ReleaseWhatAnEmptiedStoreHeld,
 }
 
 /// A handle that no resetup has seen.
-CHECK_F(Instances, TreatUntrustedBytesAsAbsent,
-        "Bytes that look like the plug-in's own, with an address of nobody's, are not followed.") {
+CHECK_F(
+    Instances, TreatUntrustedBytesAsAbsent,
+    "Bytes that look like the plug-in's own but hold an unknown address are not dereferenced.") {
   Host& host = StartHost();
   auto& renderer = host.AddRenderer(TheLayer());
   Store store = StoreOf(renderer);
@@ -330,7 +332,7 @@ CHECK_F(Instances, StartOverWithASecondGlobalSetUp,
   SendImage(host, companion, before);
   const tarvo::Picture drawn = host.Render(before).picture;
   const PF_Handle data = host.GlobalData();
-  SendImage(host, companion, before);  // waits for a frame that never comes
+  SendImage(host, companion, before);  // pending for a frame that is never rendered
 
   EXPECT_TRUE(host.Call(PF_Cmd_GLOBAL_SETUP, nullptr).Ok());
   EXPECT_FALSE(host.memory.IsLive(data));
@@ -356,8 +358,7 @@ CHECK_F(GlobalSetup, LeavesNoStaleHandleWhenASecondOneFails,
 
 /// What of it became a texture no host can see.
 CHECK_F(Instances, ReleaseWhatTheyHold,
-        "Pending images go back to the host with their instance, and with the whole "
-        "plug-in.") {
+        "Pending images are disposed of with their instance, and at global set-down.") {
   for (const bool removed : {true, false}) {
     Host& host = StartHost();
     auto& renderer = host.AddRenderer(TheLayer());

@@ -1,5 +1,5 @@
 // Companions that come and go and send in no order, some of them from places that are not theirs:
-// after each message the picture tells every bone's number.
+// after each message the picture shows every bone's number.
 
 #include <algorithm>
 #include <array>
@@ -24,8 +24,8 @@ using tarvo::Rgba;
 constexpr int kMessages = 10'000;
 constexpr int kMostSenders = 40;
 constexpr int kBonesWithSliders = 25;
-/// A sender's piece covers its own cell of the picture and the next one's, where it meets that
-/// sender's piece: which of them is in front tells their numbers.
+/// A sender's piece covers its own cell of the picture and the next one's, where it overlaps that
+/// sender's piece: their numbers decide which is in front.
 constexpr int kCell = 2;
 constexpr int kWidth = (kMostSenders + 1) * kCell;
 constexpr int kHeight = 4;
@@ -41,7 +41,7 @@ Rgba ColourOf(int sender) {
           .alpha = 255};
 }
 
-/// What the plug-in should know: who sent last from each place, and the number of each place.
+/// The expected state: the last sender and the number of each position.
 class Model {
  public:
   void Receive(int sender, int place, const standin::Layer& layer) {
@@ -156,8 +156,8 @@ class ManySenders : public RigTest {
 };
 
 CHECK_F(ManySenders, KeepTheirBoneNumbers,
-        "After each of 10,000 messages from 40 companions that come and go, and lie, every bone "
-        "has its number.") {
+        "After each of 10,000 messages from 40 companions, which are added, removed and send wrong "
+        "positions, every bone has its number.") {
   for (int message = 0; message < kMessages && !HasFatalFailure(); ++message) {
     if (Roll(3) == 0) ChangeStack();
     SendOne();

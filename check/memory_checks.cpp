@@ -68,7 +68,7 @@ class Memory : public RigTest {
     worlds = rig.host.tracker.Count(standin::Kind::kWorld);
   }
 
-  /// The images come once more, and wait for a frame.
+  /// The images are sent once more and are pending.
   void SendImages() {
     for (standin::Companion* bone : rig.ActiveCompanions()) bone->SendImagesAgain();
     rig.Send();
@@ -86,8 +86,8 @@ class Memory : public RigTest {
 };
 
 CHECK_F(Memory, RunningOutInARenderLeavesATransparentFrame,
-        "Whichever allocation of a render fails, with images waiting or without, the frame is "
-        "transparent, nothing is lost, and the next frame is as ever.") {
+        "Whichever allocation of a render fails, with images pending or without, the frame is "
+        "transparent, nothing leaks, and the next frame is correct.") {
   Picture picture;
   Trial trial{.name = "a render", .prepare = [] {}, .work = {}, .judge = {}};
   trial.work = [&] {
@@ -107,8 +107,8 @@ CHECK_F(Memory, RunningOutInARenderLeavesATransparentFrame,
 }
 
 CHECK_F(Memory, RunningOutInAnIntakeReturns4AndLeaksNothing,
-        "Whichever allocation of an intake fails, the result is 4, no world is lost, and the same "
-        "message then goes well.") {
+        "Whichever allocation of an intake fails, the result is 4, no world leaks, and the same "
+        "message then succeeds.") {
   standin::Companion& bone = *rig.ActiveCompanions().front();
   const Trial trial{
       .name = "an intake",
@@ -130,7 +130,7 @@ CHECK_F(Memory, RunningOutInAnIntakeReturns4AndLeaksNothing,
 
 CHECK_F(Memory, RunningOutInTheFirstIntakeReturns4AndLeaksNothing,
         "Whichever allocation of an instance's first intake fails, the result is 4, and the same "
-        "message then goes well.") {
+        "message then succeeds.") {
   standin::Companion& bone = *rig.ActiveCompanions().front();
   standin::RendererInstance* fresh = nullptr;
   const Trial trial{
@@ -158,7 +158,7 @@ CHECK_F(Memory, RunningOutInTheFirstIntakeReturns4AndLeaksNothing,
 
 CHECK_F(Memory, RunningOutInOtherCommandsReturns4AndLeaksNothing,
         "Whichever allocation of a label update, a set-up, a resetup, a nudge or an idle call "
-        "fails, the result is 4, nothing is lost, and the scene is as before.") {
+        "fails, the result is 4, nothing leaks, and the scene is as before.") {
   standin::Host& host = rig.host;
   standin::RendererInstance* fresh = nullptr;
   const auto add = [&](standin::RendererInstance& instance) {
@@ -189,8 +189,8 @@ CHECK_F(Memory, RunningOutInOtherCommandsReturns4AndLeaksNothing,
 
 CHECK(MemoryAtTheStart, RunningOutReturns4AndTheNextStartGoesWell,
       "Whichever allocation of global set-up fails, the result is 4; once set-up has begun it is "
-      "told to the user and the global data are there all the same. Nothing is lost, and the next "
-      "start goes well.") {
+      "reported to the user and the global data exist all the same. Nothing leaks, and the next "
+      "start succeeds.") {
   if (const char* obstacle = AllocationFaults::Obstacle()) GTEST_SKIP() << obstacle;
   std::optional<standin::Host> host;
   int ran = 0;

@@ -15,9 +15,9 @@ class NestedCommands : public UnusualWorldsTest {};
 /// The plug-in's own context is current while the host makes the world. The entry point is called
 /// as one effect calls another, with no host between.
 CHECK_F(NestedCommands, AreHandledDuringARender,
-        "A message that comes from within a host call of a render is filed, one for the very "
-        "instance that renders is refused with 516, as is a second frame; the first frame is as "
-        "ever, and the host's context is current again.") {
+        "A message from within a host call of a render is stored; one to the rendering instance "
+        "itself is refused with 516, as is a second frame; the first frame is unchanged, and the "
+        "host's context is restored.") {
   standin::RendererInstance& other = rig.host.AddRenderer(rig.layer);
   const auto pieces = WarpedPieces(3, 2, {0, 0, 100, 80}, 8, 8);
   auto record = RecordOf(pieces, 1);
@@ -53,8 +53,8 @@ CHECK_F(NestedCommands, AreHandledDuringARender,
 /// The slot that the outer message fills is one of a list, which a place far down the stack would
 /// move.
 CHECK_F(NestedCommands, AreRefusedDuringAMessage,
-        "A message that comes from within a host call of another one to the same instance is "
-        "refused with 516, and the first is filed as ever.") {
+        "A message from within a host call of another one to the same instance is refused with "
+        "516, and the first is stored.") {
   standin::Companion& bone = *rig.ActiveCompanions().front();
   const auto pieces = WarpedPieces(3, 2, {0, 0, 100, 80}, 8, 8);
   auto nested = RecordOf(pieces, 200);

@@ -72,7 +72,7 @@ CHECK_F(Parameters, AreDeclaredInOrder,
 }
 
 CHECK_F(Parameters, EndWithARefusedOne,
-        "A parameter that the host refuses ends the declaring, and its code is the result.") {
+        "A parameter that the host refuses ends the declaration, and its code is the result.") {
   for (const std::uint64_t refused : {1U, 2U, 50U, 51U, 52U, 53U}) {
     Host& host = MakeHost();
     ASSERT_TRUE(host.GlobalSetup().Ok());

@@ -1,4 +1,4 @@
-// The plug-in's pictures against the stand-in's own model, and against values worked out by hand.
+// The plug-in's pictures against the reference model, and against values worked out by hand.
 
 #include <string>
 #include <tuple>
@@ -265,7 +265,7 @@ CHECK_F(Rendering, OfBonesWithEqualDepthsTheLaterOneIsInFront,
   }
 }
 
-CHECK_F(Rendering, CheckboxAboveOneIsOn, "A fast transparency above 1 is as good as 1.") {
+CHECK_F(Rendering, CheckboxAboveOneIsOn, "A fast transparency above 1 counts as 1.") {
   OverlapWithinOneImage(rig);
   rig.Send();
   const Picture fast = rig.Render().picture;
@@ -299,7 +299,7 @@ CHECK_F(Rendering, LaterMessagesReplaceEarlierOnes,
 }
 
 CHECK_F(Rendering, OpacityChangesWithAnImageOnly,
-        "A new opacity shows once an image comes with it.") {
+        "A new opacity shows once an image is sent with it.") {
   OpaquePiece(rig);
   rig.Send();
   const Picture opaque = rig.Render().picture;
@@ -313,7 +313,7 @@ CHECK_F(Rendering, OpacityChangesWithAnImageOnly,
 }
 
 CHECK_F(Rendering, AnImageSentBeforeItsPiecesIsDrawn,
-        "An image that came before its pieces is not lost.") {
+        "An image that was sent before its pieces is drawn.") {
   Companion& bone = rig.AddBone(Pattern(64, 48, 1), {});
   rig.AddBone(Pattern(64, 48, 2), WarpedPieces(5, 4, kLayerArea, 64, 48));
   rig.Send();

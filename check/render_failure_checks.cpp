@@ -47,7 +47,7 @@ const std::vector<HostFailure> kHostFailures{
     {"copy", 1, kReturned, false, kOther},
     // A failed render must not upload what it would then lose.
     {"new_world", 1, kReturned, true, kCancel},
-    // Buffers of the four uploads: the second image of a slot is given up with the first.
+    // Buffers of the four uploads: the second image of a slot is discarded with the first.
     {"host_new_handle", 1, kReturned, true, kCancel},
     {"host_new_handle", 2, kReturned, true, kCancel},
     {"host_new_handle", 3, kReturned, true, kCancel},
@@ -55,7 +55,7 @@ const std::vector<HostFailure> kHostFailures{
     {"get_pixel_data8", 1, kReturned, true, kCancel},
     {"get_pixel_data8", 10, kThrown, true, kOther},
     {"get_pixel_data8", 60, kThrown, true, kOther},
-    // A taken image that cannot be given back: the code is the host's until the next upload.
+    // A copied image that cannot be disposed of: the code is the host's until the next upload.
     {"dispose_world", 1, kReturned, true, kCancel},
     {"dispose_world", 4, kReturned, true, kOther},
     // The readback: of nothing, nothing is shown.
@@ -75,7 +75,7 @@ const std::vector<HostFailure> kHostFailures{
 
 CHECK_F(FailedRenders, ReportWhatTheHostFailed,
         "A host operation that fails in a render gives the result that belongs to it and a "
-        "transparent output; nothing is lost, and images sent again show as ever.") {
+        "transparent output; nothing leaks, and images sent again are drawn.") {
   for (const HostFailure& failing : kHostFailures) {
     SCOPED_TRACE(::testing::PrintToString(failing));
     if (failing.imagesPending) SendImages();
@@ -93,7 +93,7 @@ CHECK_F(FailedRenders, ReportWhatTheHostFailed,
 
 /// Nothing can be said of the output then.
 CHECK_F(FailedRenders, ReportAFailedFillUnlessAnImageIsPending,
-        "A fill that fails is the result, or 517 when an image waits.") {
+        "A failed fill determines the result, which is 517 when an image is pending.") {
   for (const bool imagesPending : {false, true}) {
     if (imagesPending) SendImages();
     rig.host.injector.FailOperation("fill", 1, kReturned);
@@ -126,8 +126,8 @@ CHECK_F(FailedRenders, KeepImagesThatCannotBeDisposedOf,
 /// Every upload's buffer in turn, of four new images. What the next frame must show of them is sent
 /// anew and drawn, for comparison.
 CHECK_F(FailedRenders, DiscardTheImagesOfOneBoneOnly,
-        "An upload that the host fails gives up what its bone still waits with; images of other "
-        "bones show in the next frame, and those given up show as before.") {
+        "When the host fails an upload, the pending images of its bone are discarded; images of "
+        "other bones show in the next frame, and the discarded ones show as before.") {
   const auto bones = rig.ActiveCompanions();
   std::vector<standin::CompanionImage*> images;
   for (standin::Companion* bone : bones) {
@@ -155,8 +155,8 @@ CHECK_F(FailedRenders, DiscardTheImagesOfOneBoneOnly,
 /// What pieces without their map look like is up to the driver. Where they are to be seen is found
 /// by sending them as naming no image.
 CHECK_F(FailedRenders, LeaveOutAMapWithoutMemory,
-        "An ownership map without memory is left out, and where its image is not to be seen the "
-        "frame is as ever.") {
+        "An ownership map without memory is left out, and the frame is unchanged where its image "
+        "is not visible.") {
   rig.SetFast(false);
   const auto bones = rig.ActiveCompanions();
   const Picture exact = rig.Render().picture;

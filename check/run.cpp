@@ -97,7 +97,7 @@ void RunHere(const std::vector<Check>& checks, const std::function<void(const Re
   listeners.Append(std::make_unique<HandOver>(take).release());  // GoogleTest's from now on
   for (const Check& check : checks) {  // one at a time: GoogleTest has an order of its own
     testing::GTEST_FLAG(filter) = check.name;
-    [[maybe_unused]] const int failed = RUN_ALL_TESTS();  // its result has been told
+    [[maybe_unused]] const int failed = RUN_ALL_TESTS();  // its result has been passed on
   }
 }
 

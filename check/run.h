@@ -11,7 +11,7 @@ namespace check {
 /// All checks that this program holds, by name.
 std::vector<Check> AllChecks();
 
-/// Runs checks in this process, as far as they let it live, in their order, and hands over each
+/// Runs checks in this process, in their order, unless one ends the process, and passes on each
 /// one's result. REQUIRES: UsePlugin or UseEntryPoint; called once.
 void RunHere(const std::vector<Check>& checks, const std::function<void(const Result&)>& take);
 

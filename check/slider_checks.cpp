@@ -41,8 +41,8 @@ double ValueOf(const RendererInstance& renderer, int index) {
 }
 
 CHECK_F(Sliders, FollowTheActiveCompanions,
-        "Each switched-on companion shows two sliders that bear its name, cut to 31 characters, "
-        "with nothing to undo; what has not changed is not sent.") {
+        "Each active companion has two visible sliders with its name, cut to 31 characters, "
+        "without an undo step; unchanged labels are not sent.") {
   Host& host = StartHost();
   auto& arm = host.AddCompanion(TheLayer(), "Arm");
   auto& off = host.AddCompanion(TheLayer(), "Off");
@@ -107,8 +107,7 @@ CHECK_F(Sliders, StayAsTheyAreWithoutAReference,
 }
 
 CHECK_F(Sliders, StopAtTheFirstFailure,
-        "A failure of the host in the middle of the labelling ends it, and its code is the "
-        "result.") {
+        "A host failure during the labelling ends it, and its code is the result.") {
   const struct {
     const char* operation;
     std::uint64_t occurrence = 1;
@@ -147,7 +146,7 @@ CHECK_F(Sliders, StopAtTheFirstFailure,
 }
 
 CHECK_F(Nudges, ReachEachActiveCompanionOnce,
-        "Each change of a slider raises parameter 89 of every switched-on companion by one.") {
+        "Each change of a slider increments parameter 89 of every active companion.") {
   Host& host = StartHost();
   auto& first = host.AddCompanion(TheLayer(), "A");
   auto& off = host.AddCompanion(TheLayer(), "B");
@@ -184,8 +183,7 @@ CHECK_F(Nudges, StopAtACompanionThatCannotBeNudged,
 
 /// Such a host is not asked for the parameters of no effect, either.
 CHECK_F(Nudges, AreSentWithoutAReferenceToTheEffect,
-        "Where the host has no reference to the effect itself, the updater nudges the companions "
-        "all the same.") {
+        "Without a reference to the effect itself, the updater still nudges the companions.") {
   Host& host = StartHost();
   auto& companion = host.AddCompanion(TheLayer(), "A");
   auto& renderer = host.AddRenderer(TheLayer());
@@ -195,8 +193,8 @@ CHECK_F(Nudges, AreSentWithoutAReferenceToTheEffect,
 }
 
 CHECK_F(Nudges, CountInWholeNumbersModuloAThousand,
-        "Whatever a companion holds in parameter 89, the nudge counts on in whole numbers below a "
-        "thousand.") {
+        "Whatever value parameter 89 of a companion has, a nudge continues in whole numbers below "
+        "a thousand.") {
   Host& host = StartHost();
   auto& companion = host.AddCompanion(TheLayer(), "A");
   auto& renderer = host.AddRenderer(TheLayer());
@@ -219,14 +217,14 @@ CHECK_F(Nudges, CountInWholeNumbersModuloAThousand,
 }
 
 CHECK_F(Idle, SetsHiddenInOneUnnamedUndoGroup,
-        "The first idle call after a set-up switches \"Hidden\" on in every instance, as one undo "
+        "The first idle call after a set-up sets \"Hidden\" in every instance, as one undo "
         "step.") {
   Host& host = StartHost();
   auto& below = host.project.ActiveComposition()->AddLayer("Below", 10, 10);
   auto& renderer = host.AddRenderer(TheLayer());
   host.AddEffect(below, std::string(47, 'x'));  // a match name as long as hosts have them
   auto& other = host.AddRenderer(below);
-  other.active = false;  // switched off counts too
+  other.active = false;  // inactive ones count too
   ASSERT_EQ(host.Idle(), A_Err_NONE);
   EXPECT_EQ(ValueOf(renderer, kHidden), 1);
   EXPECT_EQ(ValueOf(other, kHidden), 1);
@@ -245,8 +243,7 @@ CHECK_F(Idle, SetsHiddenInOneUnnamedUndoGroup,
 }
 
 CHECK_F(Idle, WorkComesAgainAfterEverySetUp,
-        "Each new instance, each copy and each project that is opened brings the idle work again, "
-        "once.") {
+        "Each new instance, each copy and each opened project causes the idle work once.") {
   Host& host = StartHost();
   auto& renderer = host.AddRenderer(TheLayer());
   const std::function<void()> setUps[] = {[&] { host.AddRenderer(TheLayer()); },
@@ -262,9 +259,9 @@ CHECK_F(Idle, WorkComesAgainAfterEverySetUp,
   }
 }
 
-/// The idle hook gets no records: it has to remember where the host was last.
+/// The idle hook gets no records: it uses the suites of the latest command.
 CHECK_F(Idle, WorkUsesTheSuitesOfTheLatestCommand,
-        "Idle work uses the basic suite that the latest command brought, whichever that was.") {
+        "Idle work uses the basic suite of the latest command.") {
   Host& host = StartHost();
   auto& renderer = host.AddRenderer(TheLayer());
   constexpr A_long kUnknownCommand = 18;
@@ -281,7 +278,7 @@ CHECK_F(Idle, WorkUsesTheSuitesOfTheLatestCommand,
 }
 
 CHECK_F(Idle, WorkIsNotRetriedWithoutAComposition,
-        "Where no composition is active, the idle work is done with.") {
+        "Where no composition is active, the idle work is not retried.") {
   for (const int what : {0, 1, 2}) {
     Host& host = StartHost();
     auto& renderer = host.AddRenderer(TheLayer());

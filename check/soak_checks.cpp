@@ -1,4 +1,4 @@
-// FaultInjection of many frames, instances and loads, in which nothing may grow.
+// Soak tests: many frames, instances and library loads, in which nothing may grow.
 
 #include <cstdint>
 #include <functional>
@@ -16,10 +16,10 @@ namespace check::soak {
 namespace {
 
 constexpr Box kSmallArea{.left = 0, .top = 0, .width = 24, .height = 20};
-/// Measurements of one life.
+/// Measurements of one run.
 constexpr int kSteps = 30;
-/// What memory may seem to grow over the second half of a life: caches of OpenGL's and of the
-/// host's. It does not grow with the length of a life, so a long one tells smaller leaks.
+/// Apparent growth that is tolerated over the second half of a run: caches of OpenGL's and of the
+/// host's. It does not depend on the length of a run, so a long one detects smaller leaks.
 constexpr double kKilobytesOfNoise = 512;
 constexpr double kHandlesOfNoise = 0.05;
 constexpr double kTexturesOfNoise = 0.05;
@@ -59,7 +59,7 @@ class Soak : public ::testing::Test {
     EXPECT_LT(handles.PerStep(), kHandlesOfNoise);
   }
 
-  /// Two bones, on a host that itself remembers little.
+  /// Two bones, on a host that keeps little itself.
   static void Prepare(Rig& rig) {
     rig.host.injector.KeepLog(false);
     rig.host.tracker.LimitRetired(100);
@@ -70,8 +70,8 @@ class Soak : public ::testing::Test {
 };
 
 CHECK_F(Soak, FramesDoNotLeak,
-        "Frame after frame of a rig that moves and changes its images, memory and handles stay as "
-        "they are.") {
+        "Rendering frames of a rig that moves and changes its images grows neither memory nor "
+        "handles.") {
   Rig rig(PluginUnderCheck(), {.inspectPixels = false});
   Prepare(rig);
   Run(5'000, 100'000, [&](int round) {
@@ -87,7 +87,7 @@ CHECK_F(Soak, FramesDoNotLeak,
 }
 
 CHECK_F(Soak, InstancesDoNotLeak,
-        "Instances come, draw, are duplicated and go; memory and handles stay as they are.") {
+        "Adding, rendering, duplicating and removing instances grows neither memory nor handles.") {
   Rig rig(PluginUnderCheck(), {.inspectPixels = false});
   Prepare(rig);
   Run(600, 10'000, [&](int /*round*/) {
@@ -97,7 +97,7 @@ CHECK_F(Soak, InstancesDoNotLeak,
     EXPECT_TRUE(rig.host.Send(bone, instance).tookA);
     EXPECT_TRUE(rig.host.Render(instance).command.Ok());
     bone.SendImagesAgain();
-    EXPECT_TRUE(rig.host.Send(bone, instance).tookA);  // and waits
+    EXPECT_TRUE(rig.host.Send(bone, instance).tookA);  // and is pending
     standin::RendererInstance& copy = rig.host.Duplicate(instance);
     EXPECT_TRUE(rig.host.Remove(copy).Ok());
     EXPECT_TRUE(rig.host.Remove(instance).Ok());
@@ -106,8 +106,8 @@ CHECK_F(Soak, InstancesDoNotLeak,
 }
 
 CHECK_F(Soak, LibraryLoadsDoNotLeak,
-        "Loaded, set up, drawn with, set down and unloaded again and again, the plug-in leaves "
-        "nothing behind.") {
+        "Loading, setting up, rendering, setting down and unloading the plug-in repeatedly leaks "
+        "nothing.") {
   if (PluginFile().empty()) GTEST_SKIP() << "the plug-in is linked in";
   Run(60, 1'000, [&](int /*round*/) {
     ReloadPlugin();

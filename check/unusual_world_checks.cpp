@@ -16,7 +16,7 @@ class UnusualWorlds : public UnusualWorldsTest {};
 
 /// So much narrower that the second tile of the frame lies beside it.
 CHECK_F(UnusualWorlds, SmallerThanRequestedAreFilledToTheirEdges,
-        "A frame for which the host makes a smaller image is drawn as far as that goes.") {
+        "A frame for which the host makes a smaller world is drawn up to its edges.") {
   standin::Companion& bone = *rig.ActiveCompanions().front();
   bone.pieces.push_back(bone.pieces.front());
   PieceQuad& far = bone.pieces.back();
@@ -38,7 +38,7 @@ CHECK_F(UnusualWorlds, SmallerThanRequestedAreFilledToTheirEdges,
 }
 
 CHECK_F(UnusualWorlds, WithAnUnlimitedExtentAreNotCopied,
-        "A frame whose image says that it reaches further than numbers do stays transparent.") {
+        "A frame whose world has an unlimited extent stays transparent.") {
   const Picture picture = RenderWith(good, [](const auto& host, PF_ProgPtr effect, A_long width,
                                               A_long height, PF_EffectWorld* world) {
     const PF_Err result = MakeWorld(host, effect, width, height, world);
@@ -53,7 +53,7 @@ CHECK_F(UnusualWorlds, WithAnUnlimitedExtentAreNotCopied,
 /// No world has such a size, so that the host's part is played here.
 CHECK_F(
     UnusualWorlds, OfTheLargestNumberAreNotDrawn,
-    "A frame of 2,147,483,647 pixels a side, for which there is no image, ends at once with the "
+    "A frame of 2,147,483,647 pixels a side, for which there is no world, ends at once with the "
     "host's code.") {
   PF_InData in = InputRecord(good);
   SubstituteWorlds worlds(in.pica_basicP, [](auto&&...) { return PF_Err_OUT_OF_MEMORY; });

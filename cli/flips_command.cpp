@@ -17,7 +17,7 @@
 namespace tarvo {
 namespace {
 
-/// Frames are rendered, for so the plug-in moves on, but nobody looks at them.
+/// Frames are rendered, because that advances the plug-in, but their pixels are not used.
 constexpr int kCoarse = 16;
 
 struct FlipsOptions {

@@ -27,7 +27,7 @@ namespace {
 
 constexpr int kMostSteps = 100;
 constexpr long long kMostPixels = 1LL << 28;  // a gigabyte, of all cells together
-constexpr int kFramesOfItsOwn = 12;           // when nobody says which
+constexpr int kFramesOfItsOwn = 12;           // without --frames
 
 struct SheetOptions {
   SceneOptions scene;
@@ -110,7 +110,7 @@ class SheetMaker {
   }
 
  private:
-  /// Only the process that writes the sheet knows what its own files are.
+  /// Only the process that writes the sheet can identify its own files.
   [[nodiscard]] bool IsWorker() const { return console_.channel != nullptr; }
 
   void ReadOptions() {

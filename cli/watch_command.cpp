@@ -24,12 +24,12 @@
 namespace tarvo {
 namespace {
 
-/// How often files are looked at. Something saved has to stand still for as long, so that a file of
+/// How often files are looked at. A saved file has to stay unchanged for as long, so that a file of
 /// which an editor has written a half is not taken for a fault.
 constexpr std::chrono::milliseconds kGlance{100};
 
 /// The stamp of a regular file, or of one that does not exist; none of a pipe or a device, or where
-/// the system does not tell what it is, which the next attempt to write it reports.
+/// the system does not say what it is, which the next attempt to write it reports.
 std::optional<FileStamp> StampOfOutput(const std::filesystem::path& file) {
   try {
     const FileKind kind = KindOf(file);

@@ -6,7 +6,7 @@
 /// \file
 /// Types and constants of the host's interface for its own project: items, compositions, layers,
 /// effects and parameter streams. A reference that the host hands out ("new" in the operation's
-/// name, and every effect reference) is disposed of by whoever asked for it.
+/// name, and every effect reference) is disposed of by the caller that obtained it.
 
 using AEGP_PluginID = A_long;
 using AEGP_InstalledEffectKey = A_long;

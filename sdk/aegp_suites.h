@@ -4,7 +4,7 @@
 
 /// \file
 /// The host's suites for its own project. The version with which a suite is registered differs from
-/// the number in its record's name; both stand above each table.
+/// the number in its record's name; both are given above each table.
 
 /// "AEGP Utility Suite" 7
 struct AEGP_UtilitySuite3 {

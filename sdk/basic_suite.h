@@ -5,7 +5,7 @@
 #include "sdk/basic_types.h"
 
 /// \file
-/// The host's basic suite: how every other suite is had and given back.
+/// The host's basic suite: how every other suite is acquired and released.
 
 using SPErr = std::int32_t;
 using SPBoolean = std::int32_t;

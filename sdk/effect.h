@@ -301,7 +301,7 @@ SDK_OFFSET(PF_UtilCallbacks, ansi.strcpy, 336);
 SDK_OFFSET(PF_UtilCallbacks, get_platform_data, 432);
 SDK_OFFSET(PF_UtilCallbacks, get_pixel_data8, 528);
 
-/// What the host tells an effect with every command.
+/// What the host passes to an effect with every command.
 struct PF_InData {
   PF_InteractCallbacks inter;
   PF_UtilCallbacks* utils;

@@ -4,7 +4,7 @@
 
 /// \file
 /// The host's suites for effects: tables of plain function pointers. Slots that are not used are
-/// reserved padding. The registered name and version stand above each table.
+/// reserved padding. The registered name and version are given above each table.
 
 /// "PF Handle Suite" 2
 struct PF_HandleSuite1 {

@@ -4,8 +4,8 @@
 
 /// \file
 /// The host reads and writes our records as bytes. Every offset that it relies on is asserted right
-/// below its declaration, so that one edit corrects the one place where a fact about the host
-/// stands.
+/// below its declaration, so that one edit corrects the one place where a fact about the host is
+/// written.
 
 /// Asserts that `field` lies `bytes` bytes into `record`.
 #define SDK_OFFSET(record, field, bytes) \

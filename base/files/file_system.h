@@ -42,9 +42,9 @@ std::optional<FileId> IdOf(const std::filesystem::path& file);
 /// The regular file that a stream of this program reads or writes; none when it is something else.
 std::optional<FileId> IdOf(std::FILE* stream);
 
-/// What the system knows of a file without reading it. Two of these differ once the file was saved,
-/// replaced by another, came or went: also by one of the same size and the same time of its last
-/// change, which a copy may keep.
+/// Metadata of a file, read without its contents. Two of these differ once the file was saved,
+/// replaced, created or deleted: also by one of the same size and the same time of its last change,
+/// which a copy may keep.
 struct FileStamp {
   FileId id;
   std::int64_t saved = 0;    ///< when its bytes were last written, in units of the system
@@ -64,7 +64,7 @@ std::string ComparableName(const std::filesystem::path& file);
 enum class FileKind { kAbsent, kRegular, kFolder, kOther };
 
 /// What a name leads to, through all links; kOther is a pipe, a device or a socket. Throws
-/// FileError when the system does not tell, for instance because a folder may not be searched.
+/// FileError when the system refuses, for instance because a folder may not be searched.
 FileKind KindOf(const std::filesystem::path& file);
 
 /// True iff the file is marked as read-only, or this user may not write to it.

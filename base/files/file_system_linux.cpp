@@ -118,7 +118,7 @@ std::uintmax_t SizeOfRegular(const OpenFile& file) {
   return static_cast<std::uintmax_t>(status.st_size);
 }
 
-/// The owner comes first: a change of owner clears bits of the mode. Bits that lend the owner's
+/// The owner is set first: a change of owner clears bits of the mode. Bits that lend the owner's
 /// rights are kept only together with the owner.
 void TakeOverModeAndOwner(const OpenFile& part, const struct stat& replaced) {
   const bool hasOwner = fchown(part.Get(), replaced.st_uid, replaced.st_gid) == 0;

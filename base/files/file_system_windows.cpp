@@ -21,7 +21,7 @@ std::string LastErrorText() {
 
 FileError CannotBeWritten() { return FileError("cannot be written: " + LastErrorText()); }
 
-/// In the words of the C library, as on other systems.
+/// The C library's text, as on other systems.
 FileError CannotBe(const std::string& done) {
   const std::error_code code(static_cast<int>(GetLastError()), std::system_category());
   return FileError("cannot be " + done + ": " + code.default_error_condition().message());

@@ -35,7 +35,7 @@ class FaultLines {
 /// Everything that is wrong with one scene file, a line each: "wave.json: bones[2].image: …".
 class SceneFaults {
  public:
-  /// `fileName` stands at the start of every line.
+  /// Every line starts with `fileName`.
   explicit SceneFaults(std::string fileName) : fileName_(std::move(fileName)) {}
 
   /// `place` is a path to a field ("bones[2].image"), another place, or empty for the whole file.

@@ -48,7 +48,7 @@ bool IsReadable(std::string_view text, SceneFaults& faults) {
   return true;
 }
 
-/// The parser's own words, without its name, its error number and its position.
+/// The parser's message without its name, its error number and its position.
 std::string WithoutPreamble(std::string_view words) {
   for (const std::string_view ending : {"] ", "parse error at ", ": "}) {
     const std::size_t place = words.find(ending);
@@ -64,7 +64,7 @@ std::string TooLong(std::size_t length) {
          std::to_string(length) + " given";
 }
 
-/// Builds the value from the parser's events, and knows at each key where in the file it is.
+/// Builds the value from the parser's events, with the path of each key in the file.
 class Builder : public nlohmann::json_sax<Json> {
  public:
   Builder(std::string_view text, SceneFaults& faults) : text_(text), faults_(faults) {}
@@ -111,7 +111,7 @@ class Builder : public nlohmann::json_sax<Json> {
   }
 
  private:
-  /// A list or object whose end has not come yet.
+  /// A list or object that is not complete yet.
   struct Unfinished {
     Json* value = nullptr;
     std::string key;  ///< of the member under way

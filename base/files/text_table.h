@@ -7,10 +7,10 @@ namespace tarvo {
 
 /// A number with so many digits after the point.
 std::string Fixed(double number, int digits);
-/// A number in as few digits as tell it from every other.
+/// The shortest text that reads back as this number.
 std::string Shortest(double number);
 
-/// Rows of text whose columns stand under one another.
+/// Rows of text in aligned columns.
 class TextTable {
  public:
   /// A letter for each column: 'l' for text to the left, 'r' for text to the right.

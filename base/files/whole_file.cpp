@@ -16,7 +16,7 @@ void ExpectAtMost(std::uintmax_t bytes, std::uintmax_t most) {
   }
 }
 
-/// The system would take the name to end at that byte, and meet another file than the one named.
+/// The system would end the name at that byte and open another file than the one named.
 void ExpectName(const std::filesystem::path& name) {
   if (name.native().find(std::filesystem::path::value_type{}) !=
       std::filesystem::path::string_type::npos) {

@@ -18,7 +18,7 @@ inline constexpr std::uintmax_t kLargestFile = 2'147'483'647;
 /// than `most` bytes, cannot be opened or cannot be read to its end.
 std::string ReadWholeFile(const FilePath& file, std::uintmax_t most = kLargestFile);
 
-/// A number that tells other bytes from these, in every process of this program; `before` is that
+/// A hash of these bytes, the same in every process of this program; `before` is that
 /// of bytes that precede them.
 std::uint64_t Fingerprint(std::string_view bytes, std::uint64_t before = 0);
 

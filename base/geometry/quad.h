@@ -27,7 +27,7 @@ Bounds BoundsOf(const QuadCorners& corners);
 Point CentreOf(const QuadCorners& corners);
 
 /// What a textured quadrilateral shows at a place: the texture coordinate, linear over each of the
-/// two triangles that meet along the diagonal from corner 0 to corner 2; none outside.
+/// two triangles that share the diagonal from corner 0 to corner 2; none outside.
 std::optional<Point> TextureAt(const QuadCorners& corners, const QuadCorners& texture, Point at);
 
 /// From a place to the nearest point of any of the four sides.

@@ -8,7 +8,7 @@
 #include "base/image/picture.h"
 
 /// \file
-/// Colours as the stand-in's own model of a frame reckons with them.
+/// Colours as the reference model of a frame computes with them.
 
 namespace tarvo {
 
@@ -25,7 +25,7 @@ std::uint8_t Byte(double share);
 Colour Stored(const Colour& colour);
 /// A straight colour with its alpha times an opacity, multiplied by that alpha; stored.
 Colour Premultiplied(const Colour& straight, double opacity);
-/// A premultiplied colour as image files know it.
+/// A premultiplied colour as 8-bit straight RGBA, as in image files.
 Rgba Straight(const Colour& premultiplied);
 
 /// An image at a place in its pixels: bilinear, clamped to the edge; texel centres lie at halves.

@@ -323,7 +323,7 @@ Picture PngFile::Decode() const {
                             kChannels),
       &std::free);
   if (pixels == nullptr) {
-    // For want of memory it may fail without a reason: all else was checked.
+    // Without memory it may fail without a reason: all else was checked.
     const char* reason = stbi_failure_reason();
     if (reason == nullptr || std::string_view(reason) == "outofmem") {
       throw OutOfMemory("decoding a picture of " + SizeText(width_, height_));

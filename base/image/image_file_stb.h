@@ -2,7 +2,7 @@
 
 namespace tarvo {
 
-/// Makes the PNG decoder forget why it failed last on this thread: a failure without a reason
+/// Clears the PNG decoder's last failure on this thread: a failure without a reason
 /// leaves that of an earlier one.
 void ForgetDecoderFailure();
 

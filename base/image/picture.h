@@ -7,7 +7,7 @@
 
 namespace tarvo {
 
-/// One pixel as image files know it: straight (not premultiplied) red, green, blue, alpha.
+/// One pixel as in image files: straight (not premultiplied) red, green, blue, alpha.
 struct Rgba {
   std::uint8_t red = 0;
   std::uint8_t green = 0;

@@ -8,7 +8,7 @@
 
 namespace check {
 
-/// How a check ends. Crashed and timed out are told from outside its process.
+/// How a check ends. Crashed and timed out are determined outside its process.
 enum class Verdict { kPassed, kFailed, kSkipped, kCrashed, kTimedOut };
 
 struct Result {

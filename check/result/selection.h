@@ -14,14 +14,14 @@ struct Check {
   std::string requirement;
 };
 
-/// What is left to chance follows this seed if no other is given.
+/// The seed of everything random unless another is given.
 inline constexpr std::uint32_t kUsualSeed = 1;
 
-/// Those whose name fits one of the patterns, in which * stands for any letters and ? for one; all
+/// Those whose name fits one of the patterns, in which * matches any letters and ? one; all
 /// of them without a pattern.
 std::vector<Check> Matching(std::vector<Check> checks, const std::vector<std::string>& patterns);
 
-/// The checks in an order drawn by lot: the same seed, the same order.
+/// The checks shuffled by a seed: the same seed, the same order.
 std::vector<Check> Shuffled(std::vector<Check> checks, unsigned seed);
 
 nlohmann::ordered_json ToJson(const std::vector<Check>& checks);

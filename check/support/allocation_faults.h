@@ -4,11 +4,11 @@
 
 namespace check {
 
-/// Makes memory run out in the plug-in: the n-th allocation that it, and nobody else (not the host,
-/// not OpenGL), makes with C++'s `new` fails. Whose an allocation is shows in the call stack.
+/// Makes memory run out in the plug-in: the n-th allocation that the plug-in itself (not the host,
+/// not OpenGL) makes with C++'s `new` fails. The call stack shows which module allocates.
 class AllocationFaults {
  public:
-  /// Null, or why allocations cannot be told apart here.
+  /// Null, or why allocations cannot be attributed here.
   static const char* Obstacle();
 
   /// From now until the end of the object the `n`-th allocation of the plug-in's (from 1) fails.

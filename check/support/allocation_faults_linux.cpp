@@ -131,7 +131,7 @@ void operator delete[](void* memory, const std::nothrow_t& /*tag*/) noexcept { s
 namespace check {
 
 const char* AllocationFaults::Obstacle() {
-  return PluginFile().empty() ? "the plug-in is linked in: its allocations are not told apart"
+  return PluginFile().empty() ? "the plug-in is linked in: its allocations cannot be attributed"
                               : nullptr;
 }
 

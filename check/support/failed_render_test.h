@@ -10,7 +10,7 @@
 
 namespace check {
 
-/// Renders that cannot succeed: what they leave in the output and what they give back. Two bones
+/// Renders that cannot succeed: what they leave in the output and what they release. Two bones
 /// with two images each have been drawn once.
 class FailedRenderTest : public RigTest {
  protected:
@@ -33,7 +33,7 @@ class FailedRenderTest : public RigTest {
   }
 
   /// Renders as things are, and expects that nothing is left behind: worlds that this render was to
-  /// upload may still wait for the next one, the host's context is its own again.
+  /// upload may stay pending for the next one, the host's context is restored.
   standin::RenderResult RenderBadly() {
     const std::size_t handles = rig.host.tracker.Count(standin::Kind::kHandle);
     const std::size_t worlds = rig.host.tracker.Count(standin::Kind::kWorld);
@@ -45,7 +45,7 @@ class FailedRenderTest : public RigTest {
     return result;
   }
 
-  /// With nothing failing any more and the images sent again, all is well.
+  /// With nothing failing any more and the images sent again, rendering works again.
   void ExpectRecovery() {
     rig.host.injector.FailNothing();
     rig.host.ShowAllSuites();

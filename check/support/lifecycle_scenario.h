@@ -9,7 +9,7 @@
 
 namespace check {
 
-/// What the plug-in answered to one step of a life, and the host operations that failed in it.
+/// What the plug-in answered to one step of a scenario, and the host operations that failed in it.
 struct Step {
   std::string name;
   standin::CommandResult result;
@@ -36,8 +36,9 @@ class LifecycleScenario {
   /// The set-up alone; false if it failed.
   bool Start();
   /// What the first layer shows now that all a picture depends on is set and sent anew: the same in
-  /// every life. The instance is the one that was there, unless its set-up met a failure: that one
-  /// is replaced first, as a user would. REQUIRES: the plug-in is ready, nothing fails any more.
+  /// every scenario. The instance is the one that was there, unless its set-up met a failure: that
+  /// one is replaced first, as a user would. REQUIRES: the plug-in is ready, nothing fails any
+  /// more.
   Views DrawAgain();
   /// From the first removal to the set-down.
   void End();

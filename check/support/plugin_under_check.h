@@ -11,7 +11,7 @@ namespace check {
 void UsePlugin(const std::string& file);
 /// The checks speak to a plug-in that is linked into the program.
 void UseEntryPoint(PF_EntryPoint entryPoint);
-/// Unloads the build and loads it anew. REQUIRES: UsePlugin; no host that speaks to it lives.
+/// Unloads the build and loads it anew. REQUIRES: UsePlugin; no host that uses it exists.
 void ReloadPlugin();
 
 /// REQUIRES: UsePlugin or UseEntryPoint.

@@ -6,7 +6,7 @@
 
 /// \file
 /// A check is a GoogleTest case with a requirement: one sentence that says what every conformant
-/// build of the plug-in does. It stands in front of the case, as the macro's last argument.
+/// build of the plug-in does. It is the macro's last argument, in front of the case.
 
 namespace check {
 

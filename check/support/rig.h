@@ -33,7 +33,7 @@ class Rig {
  public:
   explicit Rig(PF_EntryPoint entryPoint, standin::HostOptions options = {});
 
-  /// Another companion, at the bottom of the stack unless told otherwise.
+  /// Another companion, at the bottom of the stack unless `position` says otherwise.
   standin::Companion& AddBone(const tarvo::Picture& image, std::vector<PieceQuad> pieces,
                               int position = -1);
   /// Start Z and end Z of a bone, counted from 1.
@@ -45,7 +45,7 @@ class Rig {
   /// Renders, and expects success.
   standin::RenderResult Render(const standin::FrameRequest& request = {});
 
-  /// What the stand-in's own model makes of the companions that are active now, in a frame of the
+  /// The reference model's picture of the companions that are active now, in a frame of the
   /// picture's size and origin. Images and opacities are those that the companions hold. Where an
   /// effect before this one has grown the layer, the request says by how much.
   [[nodiscard]] tarvo::OverlapPicture Expected(const tarvo::Picture& like,
@@ -62,7 +62,7 @@ class Rig {
   standin::Layer& SetTheScene();
 };
 
-/// A test with one rig whose tracker are held against reality at its end, whatever it did.
+/// A test with one rig, whose leaks and API violations are checked at its end in any case.
 class RigTest : public ::testing::Test {
  protected:
   explicit RigTest(PF_EntryPoint entryPoint = PluginUnderCheck()) : rig(entryPoint) {}

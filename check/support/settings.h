@@ -9,15 +9,15 @@ namespace check {
 
 /// What the user chose for all checks of a run.
 struct Settings {
-  /// Cases that draw lots start from it: the same seed gives the same lots. They are the calls that
-  /// fail in lives, the noise in bad records, the messages of many senders, the frames of long
-  /// lives.
+  /// Random choices of checks start from it: the same seed, the same choices. They are the calls
+  /// that fail in fault injection, the bytes of bad records, the messages of many senders, the
+  /// frames of soak tests.
   std::uint32_t seed = kUsualSeed;
-  /// Long lives are lived in full length, which takes minutes.
+  /// Soak tests run at full length, which takes minutes.
   bool isLong = false;
-  /// FaultInjection with failures are lived for every host call, not for some.
+  /// Fault injection runs a scenario for every host call, not for some.
   bool failsEveryCall = false;
-  /// Called in the middle of lives, once the plug-in is set up. Where the plug-in is linked in, it
+  /// Called during scenarios, once the plug-in is set up. Where the plug-in is linked in, it
   /// may be given a small render target: thousands of large ones take minutes to clear.
   std::function<void()> afterGlobalSetup = [] {};
   /// Width in pixels of an output that no render target holds.

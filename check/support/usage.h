@@ -13,7 +13,7 @@ struct Usage {
   static Usage Now();
 };
 
-/// Measurements at equal steps of a long life, and how they rise.
+/// Measurements at equal steps of a soak test, and their growth.
 class Slope {
  public:
   void Add(double value) { values_.push_back(value); }

@@ -13,7 +13,7 @@
 
 namespace tarvo {
 
-/// What checks there are, by name. Throws std::runtime_error if the worker does not tell.
+/// All checks, by name. Throws std::runtime_error if the worker does not send them.
 std::vector<check::Check> ListChecks(const CheckOptions& options, const Console& console);
 
 /// Loads the build in a process of its own, and starts a host for it. Throws PluginLoadError, which

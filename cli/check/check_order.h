@@ -11,7 +11,7 @@ namespace tarvo {
 /// What the check worker is to do with the plug-in that its command line names: file names may hold
 /// bytes that JSON does not take.
 struct CheckOrder {
-  bool lists = false;               ///< tells what checks there are; nothing else is done
+  bool lists = false;               ///< lists the checks and does nothing else
   std::vector<std::string> checks;  ///< names; none: the plug-in is loaded and that is all
   unsigned seed = check::kUsualSeed;
   bool isLong = false;

@@ -37,7 +37,7 @@ std::string TextOf(const Result& result) {
   text << std::left << std::setw(10) << Name(result.verdict) << std::right << std::fixed
        << std::setprecision(2) << std::setw(7) << result.seconds << " s  " << result.name << '\n';
   if (check::IsBad(result.verdict)) {
-    text << Indented("promised: " + result.requirement);
+    text << Indented("requirement: " + result.requirement);
   }
   for (const std::string& message : result.messages) {
     text << Indented(message);

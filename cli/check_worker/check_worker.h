@@ -4,9 +4,9 @@
 
 namespace tarvo {
 
-/// The program tarvo-check-worker: as a worker of `tarvo check` it does what it is told to; for a
-/// user it takes the options of `tarvo check` and runs all checks in its own process. Returns the
-/// exit code.
+/// The program tarvo-check-worker: as a worker of `tarvo check` it carries out the order it
+/// receives; for a user it takes the options of `tarvo check` and runs all checks in its own
+/// process. Returns the exit code.
 int RunCheckWorker(const Console& console);
 
 }  // namespace tarvo

@@ -12,7 +12,7 @@ namespace tarvo {
 /// list, or one of its frames is `count` or more.
 std::optional<std::vector<int>> ReadFrameList(std::string_view text, int count);
 
-/// Frames, each once, as such a list in their order and in few words: "0-3,5,8-14:2".
+/// Frames, each once, as such a list in their order, abbreviated: "0-3,5,8-14:2".
 std::string FrameListText(const std::vector<int>& frames);
 
 }  // namespace tarvo

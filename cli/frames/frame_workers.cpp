@@ -124,9 +124,9 @@ std::optional<RenderedFrame> FrameWorkers::Next() {
   return std::nullopt;
 }
 
-/// True once every worker has told what scene it read, or has ended. A scene may be saved while it
-/// is rendered: frames of two versions are no animation, and the names of the files to be made were
-/// compared with those of the version that was read first.
+/// True once every worker has sent the summary of the scene it read, or has ended. A scene may be
+/// saved while it is rendered: frames of two versions are no animation, and the names of the files
+/// to be made were compared with those of the version that was read first.
 bool FrameWorkers::HaveReadScene() {
   for (Job& job : jobs_) {
     if (!job.scene && job.worker.HasMessage()) {

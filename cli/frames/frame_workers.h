@@ -77,7 +77,7 @@ class FrameWorkers {
   std::optional<RunStatistics> statistics_;
 };
 
-/// The other end, in a worker: renders the frames that it is told to in this process and sends
+/// The other end, in a worker: renders the requested frames in this process and sends
 /// them.
 void SendFrames(const RenderSettings& settings, const Console& console);
 

@@ -21,7 +21,7 @@ namespace {
 struct Format {
   std::string name;  ///< the ending, and ffmpeg's name for the container
   bool hasAlpha;
-  double highestRate;  ///< pictures a second that its times tell apart
+  double highestRate;  ///< pictures a second that its time stamps can distinguish
   std::vector<std::string> encoder;
 };
 
@@ -98,7 +98,7 @@ void ExpectGoodEnd(const std::string& file, const char* program, Process& proces
   }
 }
 
-/// What ffprobe prints for these words of its command line. Throws InputError when it fails.
+/// What ffprobe prints for these arguments. Throws InputError when it fails.
 std::string ProbeText(const std::string& file, std::vector<std::string> words) {
   words.insert(words.begin(), {"ffprobe", "-hide_banner", "-loglevel", "error"});
   Process probe = Start(file, words, Process::Pipe::kFromOutput);

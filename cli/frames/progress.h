@@ -7,11 +7,11 @@
 
 namespace tarvo {
 
-/// How progress is told: not at all; as a bar that is drawn anew; as a line every few seconds; as a
-/// JSON object a line for each frame.
+/// How progress is shown: not at all; as a bar that is drawn anew; as a line every few seconds; as
+/// a JSON object a line for each frame.
 enum class ProgressForm { kNone, kBar, kLines, kJson };
 
-/// Tells how far a number of frames is. Can be called by several threads.
+/// Shows the progress of a number of frames. Can be called by several threads.
 class Progress {
  public:
   /// REQUIRES: the stream outlives this object.
@@ -23,7 +23,7 @@ class Progress {
   /// This frame is finished.
   void Made(int frame);
 
-  /// Ends the bar's line, if it has not ended yet. Nothing is told from here on.
+  /// Ends the bar's line, if it has not ended yet. Nothing is shown from here on.
   void End();
 
   [[nodiscard]] int Count() const { return made_; }

@@ -91,7 +91,7 @@ class FrameRender {
     return whole;
   }
 
-  /// After a failure, which is the thing to be told: not what this one fails with.
+  /// After a failure, which is what gets reported, not what this one fails with.
   void ListMissing() const {
     try {
       List(Missing());

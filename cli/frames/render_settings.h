@@ -21,7 +21,7 @@ struct RenderSettings {
   PlayOptions play;
   std::string output;
   OutputKind kind = OutputKind::kPicture;
-  std::string frames;  ///< a list as typed: only the scene tells which frames there are
+  std::string frames;  ///< a list as typed: it can only be checked against the scene
   bool missing = false;
   int jobs = 1;
   bool raw = false;

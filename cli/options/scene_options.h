@@ -57,7 +57,7 @@ class OptionFaults {
   std::vector<std::string> lines_;
 };
 
-/// Keeps an empty text, which a shell makes of a variable that it does not know, from being taken
+/// Keeps an empty text, which a shell makes of an unset variable, from being taken
 /// for an option that was not given.
 CLI::Option* NotEmpty(CLI::Option* option);
 

@@ -17,10 +17,10 @@
 
 namespace tarvo {
 
-/// What a worker tells the process that started it.
+/// Messages from a worker to the process that started it.
 enum class MessageKind : std::uint32_t {
   kOutput,      ///< text for standard output
-  kError,       ///< text for standard error, as the command words it
+  kError,       ///< text for standard error, as the command writes it
   kScene,       ///< a SceneSummary, before its pictures
   kPicture,     ///< a RenderedFrame
   kStatistics,  ///< a RunStatistics, after the last picture
@@ -84,7 +84,7 @@ class MessageReader {
   Message message_;
 };
 
-/// What the process that started a worker has to know of the scene that the worker has read.
+/// What the process that started a worker needs from the scene that the worker has read.
 struct SceneSummary {
   int frames = 1;
   int width = 0;  ///< of the layer, in pixels

@@ -7,8 +7,8 @@
 namespace tarvo {
 
 /// The connection of a worker to the process that started it (Process::Pipe::kWorker): a channel of
-/// its own for messages, apart from standard output, to which the plug-in may print; and memory
-/// that still tells where the plug-in was after a crash.
+/// its own for messages, separate from standard output, to which the plug-in may print; and memory
+/// that still shows where the plug-in was after a crash.
 class ParentLink {
  public:
   /// How the argument that Process adds to a worker's command line begins.

@@ -25,7 +25,7 @@ class ProgramAbsent : public ProcessError {
 
 /// A program that runs beside this one, in a process group of its own (Windows: a job object).
 /// Ctrl-C does not reach it: who started it decides. The system ends it by force when this process
-/// ends, for whatever reason; on Linux what it has started itself lives on then.
+/// ends, for whatever reason; on Linux the processes that it has started itself are not ended.
 ///
 /// REQUIRES: the thread that started it does not end before it (Linux ends it with that thread).
 class Process {
@@ -89,7 +89,7 @@ class Process {
   static bool WasCrash(int code);
 
  private:
-  struct Running;  // what the system knows it by
+  struct Running;  // the system's identifiers
 
   void AppendPrints(std::string& output);
 

@@ -6,7 +6,7 @@
 
 namespace tarvo {
 
-/// The words of this program's command line, its own name first, in UTF-8. What `main` gets is that
+/// The arguments of this program, its own name first, in UTF-8. What `main` gets is that
 /// on Linux; on Windows it is in the system's code page, which lacks most letters.
 std::vector<std::string> CommandLineWords(int argc, const char* const* argv);
 
@@ -21,10 +21,10 @@ bool ErrorIsTerminal();
 
 /// To be called before any file is opened: a standard stream that was closed stays without an
 /// output instead of becoming whatever is opened next, a file beyond the size that the user may
-/// write is a failure to write, and the ends of started programs are told.
+/// write is a failure to write, and the ends of started programs are reported.
 void PrepareProcess();
 
-/// A crash of this program ends it, without a window that waits for somebody to close it.
+/// A crash of this program ends it, without a dialog that must be closed.
 void EndAtOnceOnCrash();
 
 /// Ends this program as this signal would have ended it without a handler. For a signal's handler,

@@ -20,7 +20,7 @@ constexpr std::size_t kPartOfPrints = 1U << 16U;
 
 using Clock = std::chrono::steady_clock;
 
-/// How long writing to the console has taken this thread, whose workers had to wait for it.
+/// How long this thread was blocked in writes to the console, which blocks its workers too.
 thread_local Clock::duration tWriting{};
 /// The same of reading what workers print and send, and making lines of it.
 thread_local Clock::duration tPassing{};
@@ -57,7 +57,7 @@ Worker::Worker(const std::vector<std::string>& words, std::string name, TimeLimi
 void Worker::Order(std::string_view order) {
   try {
     process_.Write(order.data(), order.size());
-  } catch (const ProcessError&) {  // it has ended, and its end tells why
+  } catch (const ProcessError&) {  // it has ended, and its exit code says why
   }
   process_.CloseInput();
 }
@@ -198,7 +198,8 @@ void Worker::TakeIn(Message message) {
 }
 
 /// What of the time since the last look does not count because this process was at work, for which
-/// a plug-in that prints much has to wait. Limited, or one that prints on and on would never hang.
+/// a plug-in that prints much is blocked. Limited, or one that never stops printing would never
+/// time out.
 Worker::Clock::duration Worker::OwnWork() {
   constexpr double kMostOfLimit = 3;
   const auto most = std::chrono::duration_cast<Clock::duration>(
@@ -211,7 +212,7 @@ Worker::Clock::duration Worker::OwnWork() {
 void Worker::WatchTime() {
   constexpr std::chrono::milliseconds kUsualAbsence(100);
   const Clock::time_point now = Clock::now();
-  // Who reads this program's output may let it wait, for long or again and again, and the plug-in
+  // The reader of this program's output may block it, once or repeatedly, and the plug-in
   // with it.
   const Clock::duration absence = now - watched_;
   since_ += absence > kUsualAbsence ? absence : tWriting - writing_ + OwnWork();
@@ -225,7 +226,7 @@ void Worker::WatchTime() {
     since_ = now;
     ownWork_ = {};
   }
-  // Between two commands the stand-in itself is at work, or its parent has not read yet.
+  // Between two commands the stand-in itself is running, or its parent has not read yet.
   const bool isWatched = isWhole || record.depth > 0 || told_;
   const std::chrono::duration<double> spent = now - since_;
   if (isWatched && !timedOut_ && spent.count() > limit_.seconds) {

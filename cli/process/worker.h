@@ -47,7 +47,7 @@ struct WorkerEnd {
 ///   (AwaitAny Pump Take*)* until IsOver; End
 class Worker {
  public:
-  /// `words` are a command line, with the program's file first; `name` is what its printed lines
+  /// `words` are the arguments, with the program's file first; `name` is what its printed lines
   /// are marked with. Its standard input is empty but for an order. Throws ProcessError. REQUIRES:
   /// the console outlives this object.
   Worker(const std::vector<std::string>& words, std::string name, TimeLimit limit,
@@ -56,7 +56,8 @@ class Worker {
   Worker& operator=(Worker&&) = delete;
   ~Worker() = default;
 
-  /// Tells it what to do where its command line does not: ReadOrder is the other end. Once at most.
+  /// Sends its order, where the command line does not say what to do: ReadOrder is the other end.
+  /// Once at most.
   void Order(std::string_view order);
   /// What its printed lines are marked with from now on.
   void Rename(std::string name) { name_ = std::move(name); }
@@ -112,7 +113,7 @@ class Worker {
   std::string damage_;
 };
 
-/// In a worker: what it was told to do; blocks until it was.
+/// In a worker: the order that it receives; blocks until it has.
 std::string ReadOrder();
 
 /// The command line of a worker that is this program and does what this process was asked to do.

@@ -11,7 +11,7 @@
 
 namespace tarvo {
 
-/// What a program does once its process is prepared: reads the console's words; the exit code.
+/// What a program does once its process is prepared: reads the arguments; returns the exit code.
 using Run = int (*)(const Console& console);
 
 /// All of a program's `main`: runs it for the user, or as a worker (worker.h) of another process,

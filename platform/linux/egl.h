@@ -4,8 +4,8 @@
 
 namespace plugin::window_system {
 
-/// Returns the surfaceless display, which everybody in the process is given and nobody may
-/// terminate; EGL_NO_DISPLAY if there is none.
+/// Returns the surfaceless display, which the whole process shares and must not terminate;
+/// EGL_NO_DISPLAY if there is none.
 EGLDisplay Display();
 
 /// Where a current context draws and reads.
@@ -23,7 +23,7 @@ struct Binding {
   EGLContext context = EGL_NO_CONTEXT;
 };
 
-/// Returns what is current on the calling thread, whoever made it so.
+/// Returns what is current on the calling thread, whether or not this layer made it so.
 Binding CurrentBinding();
 
 /// Makes the binding current on the calling thread, or nothing if it has no context. Returns false,

@@ -28,7 +28,8 @@ struct Window {
 };
 
 /// Device contexts for drawables that are no window's: equal drawables get the same one. Keeps
-/// those asked for last and forgets the others, so that a host may come with ever new surfaces.
+/// those asked for last and drops the others, so that a host that keeps making new surfaces does
+/// not grow the table.
 class ForeignDrawables {
  public:
   HDC DeviceContextOf(const Drawable& drawable);

@@ -5,11 +5,11 @@
 // a caller of ours never reads (last error codes, messages, painting) is left out.
 //
 // Rules that hold for all of it:
-// - Handles are numbers that are never used twice and never followed, so a null, foreign or stale
-//   handle is refused, not crashed on. An HGLRC is the EGL context itself.
+// - Handles are numbers that are never used twice and never followed, so a null, stale or unknown
+// handle is refused, not crashed on. An HGLRC is the EGL context itself.
 // - What is "current" belongs to EGL, not to this layer: contexts that others made current on the
-//   thread are seen, saved and given back like the layer's own, by any number of copies of it.
-// - The EGL display is shared with everybody in the process and never terminated, and the API that
+//   thread are read, saved and restored like the layer's own, by any number of copies of it.
+// - The EGL display is shared with the whole process and never terminated, and the API that
 //   the thread has bound is the same after a call as before.
 // - All operations may be called from any thread.
 
@@ -170,13 +170,13 @@ BOOL wglDeleteContext(HGLRC context);
 /// none and the device context is none either. A failure leaves the thread without a context.
 BOOL wglMakeCurrent(HDC deviceContext, HGLRC context);
 
-/// Returns the context that is current on the calling thread, whoever made it; null if there is
-/// none.
+/// Returns the context that is current on the calling thread, made by this layer or not; null if
+/// there is none.
 HGLRC wglGetCurrentContext();
 
-/// Returns a device context that stands for the display and the two surfaces which are current on
+/// Returns a device context that represents the display and the two surfaces which are current on
 /// the calling thread, the same one for the same three; null if no context is current. One that is
-/// no window's stays valid until a few hundred others were asked for.
+/// no window's stays valid until a few hundred others were requested.
 HDC wglGetCurrentDC();
 
 /// Returns the entry point of that name; null if no context is current. A name that the

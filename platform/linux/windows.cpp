@@ -80,7 +80,7 @@ BOOL DestroyWindow(HWND window) {
   const std::scoped_lock lock(registry.mutex);
   const Window* const found = registry.Find(window);
   if (found == nullptr || found->maker != std::this_thread::get_id()) return FALSE;
-  // A surface that is still current lives on until it is not.
+  // EGL keeps a surface that is current until it no longer is.
   if (found->surface != EGL_NO_SURFACE) eglDestroySurface(Display(), found->surface);
   registry.windows.erase(window);
   return TRUE;

@@ -100,10 +100,10 @@ void SwitchHiddenOn(HostCalls& host, AEGP_EffectRefH effect) {
   hidden.Write();
 }
 
-/// Visits every instance of this effect on a layer, switched on or off. Not the walk over
+/// Visits every instance of this effect on a layer, active or not. Not the iteration over
 /// companions, because the host operations differ: that one starts from the calling instance, of
-/// which there is none here, it asks for flags, which do not matter here, and it takes and gives
-/// back its references through the effect suite's version 2, where this one uses version 3.
+/// which there is none here, it asks for flags, which do not matter here, and it acquires
+/// references through the effect suite's version 2, where this one uses version 3.
 void SwitchHiddenOnInLayer(HostCalls& host, AEGP_CompH composition, A_long layerIndex) {
   AEGP_LayerH layer = nullptr;
   A_long effects = 0;

@@ -10,7 +10,7 @@
 namespace plugin {
 namespace {
 
-/// The companion parameter that counts nudges. companion.h tells companions the same.
+/// The companion parameter that counts nudges. companion.h documents it for companions.
 constexpr PF_ParamIndex kNudgeParameter = 89;
 constexpr A_long kNudgeModulus = 1000;
 constexpr double kFirstChoice = 1.0;

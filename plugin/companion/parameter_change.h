@@ -8,7 +8,7 @@ namespace plugin {
 /// sum. Values that no 32-bit integer holds count as the nearest that one does, no number as 0.
 double Nudged(double counter);
 
-/// Answers a user's change of a supervised parameter: nudges every switched-on companion on the
+/// Answers a user's change of a supervised parameter: nudges every active companion on the
 /// layer, so that it sends its pieces again, and sets "Updater:" back to "..." if it was that.
 ///
 /// Returns the code of the first host call that failed. Throws PF_Err_BAD_CALLBACK_PARAM for a

@@ -14,7 +14,7 @@ namespace {
 
 constexpr std::size_t kLongestLabel = sizeof(PF_ParamDef::name) - 1;
 
-/// The companion parameter whose group bears the companion's name.
+/// The companion parameter whose group has the companion's name.
 constexpr PF_ParamIndex kNamedParameter = 1;
 
 /// The name of the group that holds the companion's parameters, as the user sees it.
@@ -29,7 +29,7 @@ std::string GroupName(HostCalls& host, AEGP_EffectRefH companion) {
   return std::string(TextIn(name.data(), kLongestStreamName));
 }
 
-/// Two labels for each switched-on companion of the layer, in the order of the stack.
+/// Two labels for each active companion of the layer, in the order of the stack.
 std::vector<std::string> CompanionLabels(HostCalls& host, PF_ProgPtr effectRef) {
   std::vector<std::string> labels;
   const EffectStack stack = GetEffectStack(host, effectRef);

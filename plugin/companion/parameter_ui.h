@@ -5,7 +5,7 @@
 namespace plugin {
 
 /// Answers the update of the parameter controls: shows one start Z and one end Z slider for each
-/// switched-on companion on the layer, labelled after it, and hides the others and "Hidden". A
+/// active companion on the layer, labelled after it, and hides the others and "Hidden". A
 /// 26th companion's first label falls on "Hidden", which is then shown. Nothing is sent and no flag
 /// is set where nothing changes.
 ///

@@ -6,7 +6,7 @@
 namespace plugin {
 namespace {
 
-/// The text's own number, fixed: users of the rigging tool tell by it which renderer they have.
+/// The text's own number, fixed: it tells users of the rigging tool which renderer they have.
 /// Hosts go by another one (registration.h), and releases are counted by a third (CMakeLists.txt).
 constexpr int kMajor = 1;
 constexpr int kMinor = 0;

@@ -6,8 +6,8 @@ namespace plugin {
 
 /// The effect's global data, in a host handle of exactly this size.
 struct GlobalData {
-  /// Source of the instances' numbers, which tell a store in a debugger and nothing else. Goes down
-  /// with each instance, so that numbers may repeat.
+  /// Source of the instances' numbers, which identify a store in a debugger and have no other use.
+  /// Goes down with each instance, so that numbers may repeat.
   A_long instanceCounter;
 };
 SDK_SIZE(GlobalData, 4);

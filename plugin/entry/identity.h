@@ -8,7 +8,7 @@
 
 namespace plugin {
 
-/// What the plug-in tells hosts of itself at global set-up. Hosts have read the same values in its
+/// What the plug-in reports about itself at global set-up. Hosts have read the same values in its
 /// resource before, and complain to the user when the two answers differ.
 inline constexpr A_u_long kVersion = TARVO_HOST_VERSION;
 inline constexpr PF_OutFlags kGlobalFlags = TARVO_OUT_FLAGS;

@@ -50,7 +50,7 @@ PF_Err ReplaceStore(SuiteHandler& suites, PF_InData& in, PF_OutData& out) {
   HostMemory memory(suites, sizeof(SceneStore));
   if (!memory) return PF_Err_NONE;
   if (!HandOverStore(memory, in, out)) {
-    memory.Unlock();  // this command alone unlocks after a failed lock, as hosts know it to do
+    memory.Unlock();  // only this command unlocks after a failed lock; hosts rely on it
     return PF_Err_INTERNAL_STRUCT_DAMAGED;
   }
   gScenes.Release(in.sequence_data, suites, in.effect_ref);

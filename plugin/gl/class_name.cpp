@@ -13,7 +13,7 @@ constexpr std::string_view kAlphabet =
     "0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
 
 // The generator behind `rand` of the C runtime on Windows, of which bits 16 to 30 are the value.
-// Our own copy: seeding the runtime's would disturb whoever else in the process draws from it.
+// Our own copy: seeding the runtime's would disturb other users of it in the process.
 using Generator = std::linear_congruential_engine<std::uint32_t, 214013, 2531011, 0>;
 
 Generator& TheGenerator() {

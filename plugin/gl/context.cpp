@@ -37,7 +37,7 @@ void CreateHiddenWindow(AESDK_OpenGL_State& state) {
   Require(state.window != nullptr, AESDK_OpenGL_Err_OSCalls);
 }
 
-// What lived in an earlier context died with it.
+// Objects of an earlier context were deleted with it.
 void ForgetObjects(AESDK_OpenGL_State& state) {
   state.framebuffer = 0;
   state.depthRenderbuffer = 0;

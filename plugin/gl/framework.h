@@ -27,7 +27,7 @@ enum AESDK_OpenGL_Err : std::int32_t {
   AESDK_OpenGL_Err_Unknown = 7,
 };
 
-/// A failure on its way out of an operation of the framework, which turns it into its result.
+/// A failure inside an operation of the framework, which turns it into its result.
 struct AESDK_OpenGL_Fault {
   explicit AESDK_OpenGL_Fault(AESDK_OpenGL_Err faultCode) : code(faultCode) {}
 
@@ -109,7 +109,7 @@ struct AESDK_OpenGL_EntryPoints {
 /// failed it holds what was fetched before the failure.
 extern AESDK_OpenGL_EntryPoints gEntryPoints;
 
-/// How start-up asks the current context what it offers.
+/// How start-up queries the current context.
 struct AESDK_OpenGL_LookUp {
   /// Returns the extension string, or null if no context is current.
   const char* (*extensions)();
@@ -155,7 +155,7 @@ bool AESDK_OpenGL_IsCurrent(const AESDK_OpenGL_State& state);
 /// Writes `length` alphanumeric characters and a zero. `buffer` has room for `length` + 1.
 void AESDK_OpenGL_MakeClassName(char* buffer, std::int32_t length);
 
-/// Returns the first place where `name` stands in the extension string, also within a longer name;
+/// Returns the first occurrence of `name` in the extension string, also within a longer name;
 /// null if there is none.
 const char* AESDK_OpenGL_HasExtension(const char* extensions, const char* name);
 

@@ -19,7 +19,7 @@ bool Succeeded(GLhandleARB object, GLenum status) {
   return result != 0;
 }
 
-// For a debugger: nobody is shown the log.
+// For a debugger; the log is not shown to users.
 void ReadLog(GLhandleARB object) {
   std::array<GLcharARB, kLogCharacters> log{};
   gEntryPoints.glGetInfoLogARB(object, kLogCharacters, nullptr, log.data());

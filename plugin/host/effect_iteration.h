@@ -34,8 +34,8 @@ inline bool HasMatchName(HostCalls& host, AEGP_EffectRefH effect, const char* wa
   return host.Ok() && name.Is(wanted);
 }
 
-/// True iff the effect is a companion that is switched on; chained, false after a failure. The
-/// flags are asked for of every effect, also of those that are no companions.
+/// True iff the effect is an active companion; chained, false after a failure. The flags are
+/// requested for every effect, also for those that are no companions.
 inline bool IsActiveCompanion(HostCalls& host, AEGP_EffectRefH effect) {
   const bool isCompanion = HasMatchName(host, effect, kCompanionMatchName);
   AEGP_EffectFlags flags = AEGP_EffectFlags_NONE;
@@ -43,9 +43,9 @@ inline bool IsActiveCompanion(HostCalls& host, AEGP_EffectRefH effect) {
   return host.Ok() && isCompanion && (flags & AEGP_EffectFlags_ACTIVE) != 0;
 }
 
-/// The one walk over a layer's effects: calls `visit(position, effect)` for every companion that is
-/// switched on, top of the stack (position 0) first. The reference is the walk's and lives until
-/// `visit` returns. After a failed host call nothing more is visited.
+/// The one iteration over a layer's effects: calls `visit(position, effect)` for every active
+/// companion, top of the stack (position 0) first. The iteration owns the reference and disposes of
+/// it when `visit` returns. After a failed host call nothing more is visited.
 template <class Visitor>
 void ForEachActiveCompanion(HostCalls& host, const EffectStack& stack, Visitor visit) {
   for (A_long position = 0; position < stack.count && host.Ok(); ++position) {

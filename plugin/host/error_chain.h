@@ -41,8 +41,8 @@ PF_Err Guarded(Body&& body) {
   }
 }
 
-/// What the host is told of an exception that is no code of its own, for a handler of `...`: memory
-/// that ran out is PF_Err_OUT_OF_MEMORY, everything else PF_Err_INTERNAL_STRUCT_DAMAGED.
+/// The result code for an exception that is not one of the host's codes, for a handler of `...`:
+/// memory that ran out is PF_Err_OUT_OF_MEMORY, everything else PF_Err_INTERNAL_STRUCT_DAMAGED.
 inline PF_Err CodeOfCurrentException() noexcept {
   try {
     throw;

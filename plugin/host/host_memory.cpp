@@ -11,7 +11,7 @@ HostMemory::HostMemory(SuiteHandler& suites, A_HandleSize bytes)
 
 HostMemory::~HostMemory() {
   if (handle_ == nullptr) return;
-  // One by one: a host that throws at the first is still asked for the second.
+  // Separately: a host that throws at the first must still get the second call.
   if (locked_) IgnoreErrors([&] { memory_.host_unlock_handle(handle_); });
   IgnoreErrors([&] { memory_.host_dispose_handle(handle_); });
 }

@@ -6,9 +6,9 @@
 
 namespace plugin {
 
-/// A reference that the host hands out and wants back. `Dispose` is the suite operation that takes
-/// it; it runs when the scope ends, whatever the result, and its error counts only if there was
-/// none.
+/// A reference that the host hands out and that must be disposed of. `Dispose` is the suite
+/// operation that does so; it runs when the scope ends, whatever the result, and its error counts
+/// only if there was none.
 template <auto Dispose>
 class HostReference {
   template <class Suite, class Reference>
@@ -24,7 +24,8 @@ class HostReference {
   HostReference& operator=(const HostReference&) = delete;
 
   /// Asks for the reference with `operation`, whose last argument is where it goes; chained. The
-  /// suite that takes it back is had first: what was obtained can then always be given back.
+  /// suite that disposes of it is acquired first, so that what was obtained can always be disposed
+  /// of.
   template <class Operation, class... Arguments>
   void Obtain(Operation operation, Arguments... arguments) {
     if (!host_.Ok()) return;

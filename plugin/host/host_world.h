@@ -8,7 +8,7 @@
 namespace plugin {
 
 /// An 8-bit world that the host makes for us: Make? (Release | Dispose)?. What is neither released
-/// nor disposed of goes back when the scope ends, on whatever path.
+/// nor disposed of is disposed of when the scope ends, on every path.
 class HostWorld {
  public:
   HostWorld(HostCalls& host, PF_ProgPtr effectRef) : host_(host), effectRef_(effectRef) {}
@@ -24,7 +24,7 @@ class HostWorld {
     if (!made_) world_ = {};
   }
 
-  /// Gives the world back, if there is one; an error counts only if there was none.
+  /// Disposes of the world, if there is one; its error counts only if the code was still 0.
   void Dispose() {
     if (std::exchange(made_, false)) {
       host_.RunCleanup(&PF_WorldSuite1::dispose_world, effectRef_, &world_);

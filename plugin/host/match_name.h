@@ -8,10 +8,10 @@
 
 namespace plugin {
 
-/// This effect's own match name, under which hosts register it. What companions are told of both
-/// names stands in companion.h.
+/// This effect's own match name, under which hosts register it. companion.h documents both names
+/// for companions.
 inline constexpr const char* kOwnMatchName = "QEZ_Tarvo_renderer";
-/// The match name of the companion effect, one instance of which stands for one bone.
+/// The match name of the companion effect, one instance of which represents one bone.
 inline constexpr const char* kCompanionMatchName = "QEZ_Tarvo";
 
 /// Room for a match name that the host writes, zeroed so that an unwritten one equals nothing.

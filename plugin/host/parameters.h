@@ -8,8 +8,8 @@ namespace plugin {
 inline constexpr A_long kBoneCount = 25;
 
 /// Positions in the host's parameter array. "Hidden" is a mark on an instance that has been set up:
-/// the idle hook switches it on, and no user sees it. "Updater:" is a button in a popup's clothes:
-/// its choice "Update" makes the companions send again, and it springs back.
+/// the idle hook sets it to 1, and it is hidden from users. "Updater:" is a popup used as a button:
+/// its choice "Update" makes the companions send again, and then it is reset.
 ///
 /// Each parameter's ID equals its position. Between the input layer and "Hidden" lie the sliders, a
 /// start Z and an end Z for each bone.

@@ -8,7 +8,7 @@ namespace plugin {
 /// without any record of the host's, builds its suite access from it.
 extern SPBasicSuite* gBasicSuite;
 
-/// How the host's project layer knows this plug-in; every call there that asks for it gets it.
+/// The identifier of this plug-in in the host's project layer, for every call there that takes one.
 extern AEGP_PluginID gPluginId;
 
 /// Idle calls since the latest sequence set-up or resetup of any instance; the one-time work of the

@@ -4,7 +4,7 @@
 
 namespace plugin {
 
-/// Whether the host is asked to put the message before the user at once.
+/// Whether the host is asked to show the message to the user at once.
 enum class Display { kNo, kYes };
 
 /// Writes `text` into the output record's message with the host's own sprintf. The text serves as

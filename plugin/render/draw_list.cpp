@@ -56,8 +56,8 @@ void GatherSlot(const Scene& scene, std::size_t place, PF_ParamDef* const* param
   }
 }
 
-/// Splits [lo, hi] around the depth of its middle piece and sorts both parts. The parts are apart
-/// from one another, so the longer one may wait for the loop: the stack stays shallow.
+/// Splits [lo, hi] around the depth of its middle piece and sorts both parts. The parts are
+/// independent, so the longer one is left to the loop: recursion stays shallow.
 void SortRange(std::vector<DrawPiece>& pieces, std::ptrdiff_t lo, std::ptrdiff_t hi) {
   const auto at = [&](std::ptrdiff_t index) -> DrawPiece& {
     return pieces[static_cast<std::size_t>(index)];

@@ -30,7 +30,7 @@ namespace {
 /// The smallest side of a frame that is copied into the output, in pixels.
 constexpr A_long kSmallestSide = 4;
 
-/// Tells whoever watches that a stage is over.
+/// Tells the stage watch, if there is one, that a stage is over.
 void EndStage(FrameStage stage) {
   if (gStageWatch != nullptr) gStageWatch(stage);
 }
@@ -117,7 +117,7 @@ void RenderFrame(Frame& frame) {
   if (whole) Transfer(frame);
 }
 
-/// One frame at a time: another one, asked for from within a host call, would be drawn into the
+/// One frame at a time: another one, requested from within a host call, would be drawn into the
 /// same target.
 bool gFrameIsUnderWay = false;
 

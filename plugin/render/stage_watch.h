@@ -3,7 +3,7 @@
 namespace plugin {
 
 /// The stages of a frame, in their order. In a frame of several tiles, those from the maps to the
-/// read back take turns.
+/// read back alternate.
 enum class FrameStage {
   kWorlds,    ///< the output's fill and the scratch world
   kUpload,    ///< new images
@@ -11,7 +11,7 @@ enum class FrameStage {
   kMaps,      ///< which piece owns each pixel; nothing in a fast frame
   kPasses,    ///< the two colour passes
   kReadBack,  ///< into the scratch world
-  kTransfer,  ///< straight colour, the copy into the output, and giving back what was held
+  kTransfer,  ///< straight colour, the copy into the output, and disposing of what was held
 };
 
 /// Told of the end of every stage, for those who measure; null otherwise. [framework's context

@@ -40,8 +40,8 @@ PF_Err DisposePending(HostCalls& host, PF_ProgPtr effectRef, SlotImage& image) {
   return result;
 }
 
-/// Copies the sender's image into a world of our own; nothing if the host fails, and then the world
-/// that it made is disposed of.
+/// Copies the sender's image into our own copy of its world; nothing if the host fails, and then
+/// the world that it made is disposed of.
 std::optional<PF_EffectWorld> CopyImage(HostCalls& host, const PF_InData& in,
                                         PF_EffectWorld& source) {
   HostWorld own(host, in.effect_ref);
@@ -67,7 +67,7 @@ void TakeImage(HostCalls& host, const PF_InData& in, void* sender, ImageFamily f
   host.Run(&PF_WorldSuite1::dispose_world, in.effect_ref, &sent.world);
 }
 
-/// Numbers the layer's switched-on companions from the top; without a layer the old numbers stay.
+/// Numbers the layer's active companions from the top; without a layer the old numbers stay.
 void NumberBones(HostCalls& host, PF_ProgPtr effectRef, std::vector<A_long>& boneOrdinal) {
   const EffectStack stack = GetEffectStack(host, effectRef);
   if (stack.count <= 0) return;

@@ -5,7 +5,7 @@
 namespace plugin {
 
 /// Answers the general command: files the record at `extra` (a CompanionSlot, at any alignment) in
-/// the slot of its sender's place, takes its new images, numbers the layer's switched-on companions
+/// the slot of its sender's place, takes its new images, numbers the layer's active companions
 /// afresh and empties the slots of all others. In the sender's memory only the two newImage bytes
 /// change, each after its image was taken or the host failed to copy it.
 ///

@@ -36,7 +36,7 @@ struct SlotImage {
 
 /// What the companion at one place of the effect stack last sent.
 struct Slot {
-  /// Empty unless a companion that is switched on stood at the slot's place at the latest message.
+  /// Empty unless an active companion was at the slot's position when the latest message arrived.
   std::vector<PieceQuad> quads;
   std::array<SlotImage, kImageFamilies.size()> images;
 };
@@ -48,7 +48,7 @@ struct Scene {
   bool isInUse = false;
   /// Slot p belongs to place p of the layer's effect stack. Never shrinks.
   std::vector<Slot> slots;
-  /// By place in the effect stack: the number, from 0, of the switched-on companion there, else -1.
+  /// By place in the effect stack: the number, from 0, of the active companion there, else -1.
   std::vector<A_long> boneOrdinal;
 };
 

@@ -9,7 +9,7 @@
 namespace plugin {
 
 /// What an instance's sequence-data handle holds. The host saves and copies these bytes as they
-/// stand, so the pointer in them is followed only after the registry has recognised it.
+/// stand, so the pointer in them is dereferenced only if the registry knows it.
 struct SceneStore {
   A_long instanceNumber;
   Scene* scene;  ///< null until a handler first uses the scene
@@ -17,10 +17,10 @@ struct SceneStore {
 
 /// The live scenes of the process, each with the handle whose store made it.
 ///
-/// Bytes from a saved project or from a duplicated instance name scenes that are gone or somebody
-/// else's: a pointer is followed only in the handle whose scene it is, and a scene is released
-/// through the handle that owns it, never through the bytes in one. What is released leaves the
-/// registry first: the host calls of a release may bring other commands.
+/// Bytes from a saved project or a duplicated instance may name scenes that no longer exist or that
+/// another instance owns: a pointer is dereferenced only in the handle that owns its scene, and a
+/// scene is released through the handle that owns it, never through the bytes in one. What is
+/// released leaves the registry first: the host calls of a release may bring other commands.
 class SceneRegistry {
  public:
   /// The scene of the store in `sequenceData`, made and entered now if the store has none yet. Null
@@ -33,7 +33,7 @@ class SceneRegistry {
   /// framework's context is not current or because the scene is in use, is kept for ReleaseAll.
   void Release(PF_Handle owner, SuiteHandler& suites, PF_ProgPtr effectRef);
 
-  /// Releases and forgets every scene that no command is using; call it before the context is
+  /// Releases every scene that no command is using; call it before the context is
   /// deleted. Without suites (null) their worlds are lost.
   void ReleaseAll(SuiteHandler* suites, PF_ProgPtr effectRef);
 

@@ -9,8 +9,8 @@
 
 namespace standin {
 
-/// Puts the arguments and results of host operations into words for log and trace. What a pointer
-/// points to as an output is told only when the operation has written it (`done`).
+/// Formats the arguments and results of host operations for log and trace. The target of an output
+/// pointer is formatted only when the operation has written it (`done`).
 class ArgumentFormatter {
  public:
   ArgumentFormatter(const ObjectTracker& tracker, bool done) : tracker_(tracker), done_(done) {}
@@ -42,7 +42,7 @@ class ArgumentFormatter {
   }
 
  private:
-  /// Records are told by what they hold, changeable or not.
+  /// Records are formatted by their contents, const or not.
   template <typename Value>
   static constexpr bool IsChangeableRecord =
       std::is_pointer_v<Value>&& std::is_class_v<std::remove_pointer_t<Value>> &&

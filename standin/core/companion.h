@@ -8,12 +8,13 @@
 
 namespace standin {
 
-/// The index of the companion's parameter that goes up whenever the renderer asks it to send again.
+/// The index of the companion's parameter that is incremented whenever the renderer asks it to send
+/// again.
 inline constexpr int kNudgeParameter = TARVO_NUDGE_PARAMETER;
 
 /// One image of a companion, and whether the renderer has yet to be given it.
 struct CompanionImage {
-  /// A new image: it goes with the next record.
+  /// A new image, sent with the next record.
   void Set(tarvo::Picture newPicture) {
     picture = std::move(newPicture);
     isNew = true;

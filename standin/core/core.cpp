@@ -8,7 +8,7 @@ namespace {
 
 Core* gActiveCore = nullptr;
 
-// Keys that nobody mistakes for an index.
+// Keys that cannot be mistaken for an index.
 constexpr AEGP_InstalledEffectKey kFirstKey = 5000;
 
 }  // namespace

@@ -26,7 +26,7 @@
 
 namespace standin {
 
-/// What a stream reference stands for: one parameter of an effect, or the group that holds them.
+/// What a stream reference refers to: one parameter of an effect, or the group that holds them.
 struct StreamSubject {
   Effect* effect = nullptr;
   std::optional<int> parameter;  ///< none: the group

@@ -7,7 +7,7 @@
 namespace standin {
 namespace {
 
-CrashRecord gOwnRecord;  // of a process that nobody observes
+CrashRecord gOwnRecord;  // of a process that no parent observes
 CrashRecord* gRecord = &gOwnRecord;
 
 void CopyName(char* name, std::string_view text) {

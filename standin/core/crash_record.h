@@ -14,7 +14,7 @@ namespace standin {
 struct CrashRecord {
   static constexpr std::size_t kNameSize = 64;  ///< bytes of a name, with its terminating zero
 
-  /// Counts the begins and ends of commands: it stands still while one command executes.
+  /// Counts the begins and ends of commands: unchanged while one command executes.
   std::atomic<std::uint64_t> changes{0};
   std::atomic<std::int32_t> depth{0};   ///< commands under way, one inside the other
   std::atomic<std::int32_t> frame{-1};  ///< of the animation; below 0 before the first

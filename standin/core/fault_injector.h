@@ -16,18 +16,20 @@ namespace standin {
 /// nor a plug-in returns of its own accord.
 inline constexpr PF_Err kInjectedFailure = 7001;
 
-/// How an operation fails when it is told to.
+/// How an operation fails on demand.
 struct Failure {
   PF_Err code = kInjectedFailure;
   /// Throw `code` as an int out of the callback instead of returning it.
   bool throws = false;
 };
 
-/// Whether, and how, an operation can be told to fail.
+/// When an operation fails on demand, relative to its effect.
 enum class FailurePoint {
-  kBeforeEffect,  ///< returns the code (or null, or 0) and does nothing; outputs stay untouched
-  kAfterEffect,   ///< does its work and then returns the code: whatever gives something back
-  kThrowOnly,     ///< does its work and then throws, only if FailOperation names it and says so
+  kBeforeEffect,  ///< returns the code (or null, or 0) instead of its effect; outputs stay
+                  ///< untouched
+  kAfterEffect,   ///< takes effect and then returns the code: operations that release something
+  kThrowOnly,  ///< takes effect and then throws, only if FailOperation asks for that operation to
+               ///< throw
 };
 
 /// One host operation that the plug-in called.
@@ -36,18 +38,19 @@ struct CallRecord {
   std::string arguments;  ///< as text: numbers, "strings", host objects by their label
   std::string result;     ///< empty for an operation without result
   std::string command;    ///< the command (or "idle") under which it was called
-  bool injected = false;  ///< it failed because it was told to
+  bool injected = false;  ///< it failed by injection
 };
 
-/// Every host operation passes this injector. It counts them, keeps a log of them, writes a trace,
-/// and makes the chosen ones fail.
+/// Counts all host operations, keeps a log of them, writes a trace, and makes the chosen ones fail.
+/// Every operation of the host passes it (Enter, its effect, Leave), so that a test can fail each
+/// call of a scenario in turn: run the scenario with FailNth(n) for n = 1, 2, … until Injected()
+/// stays 0. A call costs a few map look-ups, and its text only while a log or a trace is kept.
 ///
-/// Operations that give something back (dispose_world, AEGP_DisposeEffect, AEGP_DisposeStream,
-/// AEGP_DisposeStreamValue, ReleaseSuite, AEGP_EndUndoGroup, AEGP_EndQuietErrors) do their work
-/// even when they fail: the plug-in could do no more, so nothing counts as leaked. Operations
-/// whose result says nothing of a failure (host_unlock_handle, host_dispose_handle, sprintf,
-/// strcpy) do their work and then throw if FailOperation tells them to; the other plans leave them
-/// out.
+/// Operations that release something (dispose_world, AEGP_DisposeEffect, AEGP_DisposeStream,
+/// AEGP_DisposeStreamValue, ReleaseSuite, AEGP_EndUndoGroup, AEGP_EndQuietErrors) take effect even
+/// when they fail: the plug-in could do no more, so nothing counts as leaked. Operations whose
+/// result cannot report a failure (host_unlock_handle, host_dispose_handle, sprintf, strcpy) take
+/// effect and then throw if FailOperation asks for it; the other plans skip them.
 class FaultInjector {
  public:
   using Trace = std::function<void(std::string_view line)>;
@@ -57,12 +60,12 @@ class FaultInjector {
   void FailNth(std::uint64_t n, Failure failure = {});
   /// The `n`-th call from now (from 1) and every later one fails.
   void FailFrom(std::uint64_t n, Failure failure = {});
-  /// The `n`-th call from now (from 1) fails, and then the next operation that gives something
-  /// back; not ReleaseSuite, whose result nobody looks at.
+  /// The `n`-th call from now (from 1) fails, and then the next operation that releases something;
+  /// not ReleaseSuite, whose result is ignored by convention.
   void FailPair(std::uint64_t n, Failure failure = {}, Failure then = {});
   /// The `k`-th call from now (from 1) of this operation fails; with `andLater` every later one
-  /// too. Several operations can be told so at a time. Names are those of the host's interface,
-  /// such as "new_world", "AEGP_GetEffectLayer", "AcquireSuite".
+  /// too. Several operations can have such a plan at a time. Names are those of the host's
+  /// interface, such as "new_world", "AEGP_GetEffectLayer", "AcquireSuite".
   void FailOperation(const std::string& operation, std::uint64_t k = 1, Failure failure = {},
                      bool andLater = false);
   /// Nothing fails from now on. Counts stay.
@@ -70,9 +73,9 @@ class FaultInjector {
 
   /// Host operations called so far.
   [[nodiscard]] std::uint64_t Calls() const { return calls_; }
-  /// Those of them that could have been told to fail.
+  /// Those of them that could have failed by injection.
   [[nodiscard]] std::uint64_t FailableCalls() const { return failableCalls_; }
-  /// Those of them that were.
+  /// Those of them that did.
   [[nodiscard]] std::uint64_t Injected() const { return injected_; }
   /// Calls of one operation so far.
   [[nodiscard]] std::uint64_t Calls(const std::string& operation) const;
@@ -82,7 +85,7 @@ class FaultInjector {
   /// The log, oldest first; at most kLogLimit entries, later ones are dropped.
   [[nodiscard]] const std::vector<CallRecord>& Log() const { return log_; }
   void ClearLog() { log_.clear(); }
-  /// Without a log and a trace no call is put into words, which is what timings want.
+  /// Without a log and a trace no call is formatted, which keeps timings clean.
   void KeepLog(bool keep) { keepLog_ = keep; }
   /// Receives one line for every command and host operation; an empty function ends it.
   void TraceTo(Trace trace) { trace_ = std::move(trace); }
@@ -93,9 +96,9 @@ class FaultInjector {
 
   // What follows is for the host's own callbacks.
 
-  /// Enters an operation; the failure it is to show, or none.
+  /// Enters an operation; the failure to inject, or none.
   std::optional<Failure> Enter(std::string_view operation, FailurePoint point);
-  /// True iff somebody reads what Leave is told.
+  /// True iff a log or a trace uses what Leave receives.
   [[nodiscard]] bool IsRecording() const { return keepLog_ || trace_; }
   /// Notes how an operation went. REQUIRES: IsRecording.
   void Leave(CallRecord record);
@@ -123,7 +126,7 @@ class FaultInjector {
   std::optional<Failure> DueByName(std::string_view operation);
 
   std::optional<Plan> anyOperation_;
-  std::optional<Failure> followUp_;  ///< waits for anyOperation_ to fire
+  std::optional<Failure> followUp_;  ///< pending until anyOperation_ fires
   std::optional<Failure> disposalFailure_;
   std::map<std::string, Plan, std::less<>> byOperation_;
   std::map<std::string, Tally, std::less<>> tallies_;

@@ -9,7 +9,7 @@
 namespace standin {
 namespace {
 
-// Fresh memory holds no zeros, so that a plug-in that forgets to clear it is found out.
+// Fresh memory holds no zeros, so that a plug-in that does not clear it is detected.
 constexpr std::uint8_t kFresh = 0xA7;
 
 // Handles that are gone keep their place for a while, so that no new one takes over their name.

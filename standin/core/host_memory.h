@@ -37,13 +37,13 @@ class HostMemory {
   /// Changes the size in place of the handle and keeps what fits; the handle must not be locked.
   PF_Err Resize(A_HandleSize bytes, PF_Handle handle, std::string_view who);
 
-  /// What the host does itself around a command: a lock that the plug-in's accounts don't show. The
+  /// A lock of the host's own around a command, not counted as the plug-in's. The
   /// handle may be null, and may be gone by the time it is unlocked.
   void HostLock(PF_Handle handle);
   void HostUnlock(PF_Handle handle);
-  /// The bytes behind a living handle, as a project is saved; empty for null.
+  /// The bytes behind a live handle, as saved with a project; empty for null.
   [[nodiscard]] std::vector<std::uint8_t> Bytes(PF_Handle handle) const;
-  /// Gives the memory behind a handle up: its master pointer is null from now on.
+  /// Purges the memory behind a handle: its master pointer is null from now on.
   void Purge(PF_Handle handle);
   /// The plug-in's locks were written off in the tracker.
   void ForgetLocks();

@@ -11,7 +11,7 @@
 #include "standin/core/project.h"
 
 /// \file
-/// What goes into a host and comes out of it, and what it knows about the plug-in.
+/// Options, requests and results of a host, and the states of the plug-in.
 
 namespace standin {
 
@@ -33,12 +33,12 @@ struct HostOptions {
   bool inspectPixels = true;
 };
 
-/// Where the plug-in stands with the host.
+/// State of the plug-in in its lifecycle.
 enum class PluginState { kLoaded, kSetUp, kReady, kSetUpFailed, kSetDown };
-/// Where an instance of the renderer stands.
+/// State of an instance of the renderer.
 enum class InstanceState { kNew, kSetUp, kSetDown };
 
-/// A command came at the wrong time; the text gives the actual and the wanted state.
+/// A command was sent in the wrong state; the text gives the actual and the required state.
 class PluginStateError : public std::logic_error {
  public:
   using std::logic_error::logic_error;

@@ -36,61 +36,60 @@ inline constexpr std::size_t kKinds = 14;
 /// "handle", "effect reference", …: as messages say it.
 std::string_view Name(Kind kind);
 
-/// The host's accounts: everything handed out is entered with its kind and taken out when it is
-/// given back. What was given back is remembered, so that a second disposal and a use after the end
-/// are told apart from a value that never was ours. Violations are kept in their order, up to a
-/// limit that a plug-in in a loop would reach.
+/// Tracks every object that the host hands out, from its issue to its release, by kind. Released
+/// objects are remembered for a while (retired), so that a double release and a use after release
+/// are distinguished from a value that the host never issued. API violations are kept in their
+/// order, up to a limit that a plug-in in a loop would reach.
 class ObjectTracker {
  public:
-  /// Enters an object and gives back its name, an opaque value that is never used twice.
+  /// Enters an object and returns its name, an opaque value that is never used twice.
   const void* Issue(Kind kind, std::string label, void* subject);
   /// Enters an object under a name of its own: an address.
   void Enter(Kind kind, const void* name, std::string label, void* subject);
   /// Takes an object out. Null, unknown, of another kind, or taken out before: a violation by
   /// `who`, each with its own message, and false.
   bool Remove(Kind kind, const void* name, std::string_view who);
-  /// The subject of a living object; null after noting the violation as Remove does.
+  /// The subject of a live object; null after noting the violation as Remove does.
   void* Find(Kind kind, const void* name, std::string_view who);
   template <typename Subject>
   Subject* Find(Kind kind, const void* name, std::string_view who) {
     return static_cast<Subject*>(Find(kind, name, who));
   }
-  /// True iff the object is handed out and not yet given back.
+  /// True iff the object was issued and is not released yet.
   [[nodiscard]] bool IsLive(Kind kind, const void* name) const;
   /// "effect reference 'QEZ_Tarvo' #12", or the value itself when it is none of ours.
   [[nodiscard]] std::string Describe(const void* name) const;
 
-  /// Objects of this kind that are out at the moment.
+  /// Live objects of this kind.
   [[nodiscard]] std::size_t Count(Kind kind) const;
-  /// What is out at the moment, described; in the order in which it was handed out.
+  /// Live objects, described, in the order in which they were issued.
   [[nodiscard]] std::vector<std::string> Outstanding(Kind kind) const;
-  /// What is out and should not be once a command or an idle call is over: suites, effect
+  /// Live objects that must not outlast a command or an idle call: suites, effect
   /// references, streams, stream values, undo groups, quiet sections, locks.
   [[nodiscard]] std::vector<std::string> OutstandingAfterCall() const;
   [[nodiscard]] bool Balanced() const;
   /// The number that the next entry will have; later entries have higher ones.
   [[nodiscard]] std::uint64_t NextNumber() const { return next_; }
-  /// Notes each of OutstandingAfterCall that was entered since as a violation and writes it off, so
-  /// that it is told once.
+  /// Notes each of OutstandingAfterCall that was entered since as a violation and drops it, so that
+  /// it is reported once.
   void ReportLeaksOfCall(std::string_view command, std::uint64_t since);
 
-  /// Notes every handle and world that is out as a violation and writes it off: the plug-in is
-  /// gone.
+  /// Notes every live handle and world as a violation and drops it: the plug-in was set down.
   void ReportLeaksOfPlugin(std::string_view command);
 
-  /// Memory behind a handle or a world came into being, or went.
+  /// Memory behind a handle or a world was allocated, or freed.
   void AddBytes(std::size_t bytes) {
     bytes_ += bytes;
     peakBytes_ = std::max(peakBytes_, bytes_);
   }
   void SubtractBytes(std::size_t bytes) { bytes_ -= bytes; }
-  /// Bytes behind all handles and worlds at the moment, and the most that there were at a time
-  /// since the most was forgotten. Rows count without their padding.
+  /// Bytes behind all handles and worlds at the moment, and the peak since it was last reset. Rows
+  /// count without their padding.
   [[nodiscard]] std::size_t Bytes() const { return bytes_; }
   [[nodiscard]] std::size_t PeakBytes() const { return peakBytes_; }
   void ResetPeakBytes() { peakBytes_ = bytes_; }
 
-  /// Memory ran out in the host itself, and the plug-in was told so.
+  /// Memory ran out in the host itself, which it reported to the plug-in.
   void NoteOutOfMemory() { ranOutOfMemory_ = true; }
   [[nodiscard]] bool RanOutOfMemory() const { return ranOutOfMemory_; }
 
@@ -99,11 +98,11 @@ class ObjectTracker {
   [[nodiscard]] const std::vector<std::string>& Violations() const { return violations_; }
   /// Empty when there was none.
   [[nodiscard]] std::string FirstViolation() const;
-  /// Forgets the violations, for a test that has made one on purpose.
+  /// Clears the violations, for a test that has caused one on purpose.
   void ClearViolations() { violations_.clear(); }
 
   static constexpr std::size_t kRetiredLimit = 100'000;
-  /// Remembers fewer objects that were given back, so that a long life stays small.
+  /// Remembers fewer released objects, so that memory does not grow in a long run.
   void LimitRetired(std::size_t most) { retiredLimit_ = most; }
 
   static constexpr std::size_t kViolationLimit = 1'000;

@@ -23,7 +23,7 @@ struct FixedText {
   char text[kSize]{};
 };
 
-/// What an operation answers when it fails: the code, null, 0, or nothing.
+/// What an operation returns when it fails: the code, null, 0, or nothing.
 template <typename Result>
 Result FailedResult(PF_Err code) {
   if constexpr (std::is_same_v<Result, PF_Err>) {
@@ -33,7 +33,7 @@ Result FailedResult(PF_Err code) {
   }
 }
 
-/// Does an operation's work; what goes wrong in the host itself is noted and never leaves.
+/// Executes an operation; exceptions of the host itself are recorded and never propagate.
 template <typename Result, typename Body>
 Result Guarded(Core& core, std::string_view name, Body body) {
   try {
@@ -47,11 +47,11 @@ Result Guarded(Core& core, std::string_view name, Body body) {
   }
 }
 
-/// The failure of a callback that was told to throw, after the log has it.
+/// Throws the injected failure of a callback, after it was logged.
 [[noreturn]] inline void Throw(const Failure& failure) { throw int{failure.code}; }
 
-/// Takes one call through the injector: counts it, fails it if it is to fail, else does the work,
-/// and tells the log and the trace. `say` puts the arguments into words.
+/// Executes one call under the fault injector: counts it, fails it if a plan says so, else executes
+/// it, and writes log and trace. `say` formats the arguments.
 template <typename Result, typename Body, typename Say>
 Result CallOperation(std::string_view name, FailurePoint point, Body body, Say say) {
   Core* core = ActiveCore();
@@ -81,7 +81,7 @@ Result CallOperation(std::string_view name, FailurePoint point, Body body, Say s
 }
 
 /// An operation of the host as the plug-in calls it, made of a name and a function that does the
-/// work for the active host. `Operation<...>::Call` goes into a suite's slot.
+/// work for the active host. `Operation<...>::Call` is the pointer for a suite's slot.
 template <FixedText kName, auto kBody, FailurePoint kPoint = FailurePoint::kBeforeEffect>
 struct Operation;
 

@@ -14,7 +14,8 @@ namespace standin {
 
 class Layer;
 
-/// Match names of the two kinds of effect that belong together, as makers of companions know them.
+/// Match names of the two kinds of effect that belong together, as published for makers of
+/// companions.
 inline constexpr const char* kRendererMatchName = TARVO_RENDERER_MATCH_NAME;
 inline constexpr const char* kCompanionMatchName = TARVO_COMPANION_MATCH_NAME;
 
@@ -37,7 +38,7 @@ struct Parameter {
   [[nodiscard]] bool Supervised() const { return (definition.flags & PF_ParamFlag_SUPERVISE) != 0; }
 
   PF_ParamDef definition{};
-  /// As the last PF_UpdateParamUI had them; the host takes few of them over.
+  /// As passed to the last PF_UpdateParamUI; the host applies few of them.
   PF_ParamUIFlags sentUiFlags = 0;
   /// Beside the flag for hidden streams another is set, so that flags must be tested one by one.
   AEGP_DynStreamFlags streamFlags = AEGP_DynStreamFlag_ACTIVE_EYEBALL;

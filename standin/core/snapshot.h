@@ -13,7 +13,7 @@ struct ByteRange {
   std::size_t size = 0;
 };
 
-/// A copy of a record's bytes, to find out afterwards whether somebody wrote into it.
+/// A copy of a record's bytes, to detect later whether it was written to.
 class Snapshot {
  public:
   /// Null gives an empty snapshot, which nothing differs from.

@@ -15,7 +15,7 @@ namespace standin {
 
 /// The host's images: 8 bits a channel, pixels as alpha, red, green, blue. Rows are longer than the
 /// picture, and guard rows lie above and below it; both hold a pattern that must stay. Pixels start
-/// with a pattern too, so that "never written" can be told from "written as black".
+/// with a pattern too, so that "never written" differs from "written as black".
 class Worlds {
  public:
   explicit Worlds(ObjectTracker& tracker);
@@ -34,19 +34,19 @@ class Worlds {
   PF_Err Dispose(const PF_EffectWorld* record, std::string_view who);
   /// A new world with the picture's pixels.
   PF_EffectWorld From(const tarvo::Picture& picture, const std::string& label);
-  /// The pixels of a living world.
+  /// The pixels of a live world.
   [[nodiscard]] static tarvo::Picture ToPicture(const PF_EffectWorld& record);
 
-  /// True iff the record names a living world and describes it as it was made; otherwise notes the
+  /// True iff the record names a live world and describes it as it was made; otherwise notes the
   /// violation.
   bool Check(const PF_EffectWorld* record, std::string_view who);
   [[nodiscard]] bool IsLive(const PF_EffectWorld& record) const {
     return tracker_.IsLive(Kind::kWorld, record.reserved0);
   }
-  /// Notes a violation for every living world whose padding or guard rows have changed, and mends
+  /// Notes a violation for every live world whose padding or guard rows have changed, and restores
   /// them.
   void CheckGuards(std::string_view command);
-  /// Pixels of a living world that still hold the pattern they were made with.
+  /// Pixels of a live world that still hold the pattern they were made with.
   [[nodiscard]] static std::size_t Unwritten(const PF_EffectWorld& record);
 
   static constexpr std::size_t kWorldLimit = std::size_t{1} << 32U;

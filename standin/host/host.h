@@ -24,7 +24,7 @@ namespace standin {
 struct Core;
 
 /// The host: it owns a project and its own OpenGL context, sends the plug-in its commands and
-/// answers what the plug-in asks. Several hosts may live in a process;
+/// answers its host calls. Several hosts may exist in a process;
 /// callbacks go to the one whose call is under way, and between calls to the one made last.
 ///
 ///   GlobalSetup ParamsSetup (AddRenderer (Send | SetParameter | UpdateParamsUi | FrameSetup |
@@ -33,8 +33,8 @@ struct Core;
 /// Commands may be sent from any thread, one at a time; the host has its OpenGL context on the
 /// thread that made it, and none on others. After every call it checks that the context is current
 /// again, that nothing temporary is left outstanding, that no picture was written outside its rows
-/// and that its records are unchanged; what it finds stands in `tracker.Violations()`. Commands
-/// never throw for what the plug-in does. A command that comes at the wrong time throws
+/// and that its records are unchanged; what it finds is in `tracker.Violations()`. Commands
+/// never throw for what the plug-in does. A command in the wrong state throws
 /// PluginStateError.
 class Host {
  public:
@@ -94,7 +94,7 @@ class Host {
 
   // One instance.
 
-  /// The user changes a parameter; a supervised one is told to the plug-in.
+  /// The user changes a parameter; the plug-in is notified of a supervised one.
   CommandResult SetParameter(RendererInstance& renderer, int index, double value);
   CommandResult UpdateParamsUi(RendererInstance& renderer);
   /// The companion sends what it holds; its new images are in worlds of this host. A world whose
@@ -131,7 +131,7 @@ class Host {
   void ShowAllSuites();
   /// All suites, hidden ones too.
   [[nodiscard]] std::vector<SuiteDescription> Suites() const;
-  /// What the plug-in told the user with AEGP_ReportInfo.
+  /// What the plug-in reported to the user with AEGP_ReportInfo.
   [[nodiscard]] const std::vector<std::string>& Reports() const;
   /// Changes of the project that the plug-in made, oldest first.
   [[nodiscard]] const std::vector<Change>& Changes() const;
@@ -139,7 +139,7 @@ class Host {
   /// Names of the undo groups that were ended, oldest first.
   [[nodiscard]] const std::vector<std::string>& UndoGroups() const;
   [[nodiscard]] const std::map<std::pair<std::string, std::string>, A_long>& Preferences() const;
-  /// Worlds that a failed take left with nobody, as the hand-over is agreed; this host freed them.
+  /// Worlds without an owner after a failed transfer, as the protocol allows; this host freed them.
   [[nodiscard]] std::size_t AbandonedWorlds() const;
   /// True iff this host's context, with its own state, is current on this thread; on other threads
   /// than the one that made the host, iff none is.

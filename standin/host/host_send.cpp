@@ -41,7 +41,7 @@ class HandOver {
     } else if (alive && result.Ok()) {
       Expect(false, "the flag says that the image was taken, but its world was not disposed of");
     } else if (alive) {
-      ++core_.abandonedWorlds;  // a take that failed after it had begun leaves it to nobody
+      ++core_.abandonedWorlds;  // after a transfer that failed halfway it has no owner
     }
     if (alive) {
       core_.worlds.Dispose(&*world_, "the companion");

@@ -90,7 +90,7 @@ class CommandScope {
   }
 
   Core& core_;
-  Core* const previous_ = ActiveCore();  ///< several hosts may live; callbacks are for one of them
+  Core* const previous_ = ActiveCore();  ///< several hosts may exist; callbacks are for one of them
   std::string name_;
   CommandNote note_;
   std::uint64_t since_;  ///< what is entered in the tracker from here on is the call's own

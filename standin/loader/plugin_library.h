@@ -26,7 +26,7 @@ class PluginLibrary {
   PluginLibrary& operator=(PluginLibrary&&) noexcept;
   ~PluginLibrary();
 
-  /// Valid as long as this object lives.
+  /// Valid as long as this object exists.
   [[nodiscard]] PF_EntryPoint EntryPoint() const { return entryPoint_; }
   /// The path it was loaded from, made absolute.
   [[nodiscard]] const std::string& Path() const { return path_; }

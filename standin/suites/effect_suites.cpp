@@ -5,7 +5,7 @@
 namespace standin {
 namespace {
 
-// Beside the flag for a switched-on effect stand others, of which this host sets one in every
+// There are flags beside that of an active effect, of which this host sets one in every
 // effect.
 constexpr AEGP_EffectFlags kAnotherFlag = 4;
 

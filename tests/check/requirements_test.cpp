@@ -11,7 +11,8 @@ namespace {
 /// Without the tests of this file, which are among GoogleTest's cases too.
 std::vector<check::Check> Checks() {
   std::vector<check::Check> checks = check::AllChecks();
-  std::erase_if(checks, [](const auto& each) { return each.name.starts_with("RequirementsTest."); });
+  std::erase_if(checks,
+                [](const auto& each) { return each.name.starts_with("RequirementsTest."); });
   return checks;
 }
 

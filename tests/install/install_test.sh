@@ -13,7 +13,7 @@ cd "$work"
 ln -s usr/bin/tarvo mine
 ./mine render usr/share/doc/tarvo/examples/wave/wave.json --scale 1/8 -o wave.png --quiet
 test -s wave.png
-usr/bin/tarvo check --only Commands.AboutShowsNameAndVersion | grep -q '^sound: 1 check passed'
+usr/bin/tarvo check --only Commands.AboutShowsNameAndVersion | grep -q '^conformant: 1 check passed'
 
 cat >maker/CMakeLists.txt <<'END'
 cmake_minimum_required(VERSION 3.25)

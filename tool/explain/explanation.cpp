@@ -11,7 +11,7 @@
 namespace tarvo {
 namespace {
 
-/// Whether the user can turn a parameter to a value: the list leaves out buttons and groups.
+/// Whether the user can give a parameter a value: the list leaves out buttons and groups.
 bool HasValue(const standin::Parameter& parameter) {
   const auto type = parameter.definition.param_type;
   return type == PF_Param_FLOAT_SLIDER || type == PF_Param_CHECKBOX || type == PF_Param_POPUP;
@@ -83,7 +83,7 @@ PixelReport Tell(const Overlap& overlap, const Picture& frame, int x, int y) {
   return report;
 }
 
-/// Names of the images of the bones that are switched on, from the top of the stack.
+/// Names of the images of the active bones, from the top of the stack.
 void NameImages(const Scene& scene, Explanation& explanation) {
   for (const std::size_t index : ActiveBones(scene)) {
     const Bone& bone = scene.bones[index];

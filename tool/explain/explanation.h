@@ -55,7 +55,7 @@ struct Explanation {
 };
 
 /// Explains the frame that a player of `scene` has just rendered at full resolution on this
-/// host; `pixel`, if given, is the layer's pixel to be told.
+/// host; `pixel`, if given, is the layer's pixel to explain.
 Explanation Explain(const standin::Host& host, const Scene& scene, const Picture& frame,
                     const std::optional<std::pair<int, int>>& pixel);
 

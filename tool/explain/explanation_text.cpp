@@ -139,7 +139,8 @@ class Writer {
   /// How to read the two columns of what a piece adds.
   [[nodiscard]] std::string Steps(const PixelReport& pixel) const {
     std::string text =
-        "  Every piece is drawn twice: the max pass keeps the greatest value of all pieces in each\n"
+        "  Every piece is drawn twice: the max pass keeps the greatest value of all pieces in "
+        "each\n"
         "  channel, whatever their order; the over pass composites the pieces on it, back to front";
     text += overlap_.View().exact ? ",\n  of each image only its owner where it has one.\n" : ".\n";
     return text + "  Together, red green blue alpha, multiplied by alpha: " +

@@ -50,7 +50,7 @@ double NumberAt(const Segment<Value>& at, Number number) {
 }
 
 /// Adds a track with its keys around a frame, if the number changed since the frame before; one
-/// that moves both ends of a bone stands once, with the greater change.
+/// that moves both ends of a bone is listed once, with the greater change.
 template <typename Value, typename Number>
 void AddTrack(const Track<Value>& track, int frame, const std::string& what, Number number,
               std::vector<FlipTrack>& tracks) {

@@ -22,13 +22,13 @@ struct FlipTrack {
   std::string what;        ///< "z of Forearm", "slider Hand end Z", "active of Tail"
   double from = 0.0;       ///< frame of the key at or before
   double to = 0.0;         ///< frame of the next key; the same as `from` from the last one on
-  bool keyIsHere = false;  ///< a key stands at this frame, or between it and the frame before
+  bool keyIsHere = false;  ///< there is a key at this frame, or between it and the frame before
   double change = 0.0;     ///< since the frame before, in Z
 };
 
 struct Flip {
   enum class Cause {
-    kKey,            ///< a key stands here on what changed most: somebody wanted it
+    kKey,            ///< there is a key here on what changed most: probably intended
     kInterpolation,  ///< what changed most did so on its way between two keys
     kOther,          ///< no key on a depth: bones changed numbers, for one
   };

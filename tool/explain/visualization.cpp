@@ -27,7 +27,7 @@ const std::map<std::string_view, Visualization> kVisualizations = {
     {"depth", Visualization::kDepth},
     {"owner", Visualization::kOwner}};
 
-/// Neighbouring numbers get colours far apart: hues step by the golden section.
+/// Neighbouring numbers get distinct colours: hues step by the golden section.
 Rgba ColourOfBone(std::size_t number, double brightness = 1.0) {
   const double hue = std::fmod(static_cast<double>(number) * 0.618033988749895, 1.0) * 6.0;
   const auto channel = [&](double at) {
@@ -150,7 +150,7 @@ class VisualizationPainter {
   }
 
  private:
-  /// Whether the numbers at two places would cover one another; the one behind gives way.
+  /// Whether the numbers at two places would cover one another; the one behind is left out.
   static bool AreClose(Point one, Point other) {
     constexpr int kNumberWidth = 24;
     return std::abs(one.x - other.x) < kNumberWidth && std::abs(one.y - other.y) < kTextHeight;

@@ -21,7 +21,7 @@ std::optional<Visualization> ReadVisualization(const std::string& text);
 inline constexpr const char* kVisualizationNames = "bones, pieces, depth or owner";
 
 /// A frame with a visualization of its overlap in place of it or on it; of the frame's size. The
-/// legend stands in the lower left corner of what the layer's frame and the picture share, if it
+/// legend is in the lower left corner of what the layer's frame and the picture share, if it
 /// leaves half of the picture free; the layer is `layerWidth` x `layerHeight` frame pixels large.
 Picture Show(Visualization visualization, const Picture& frame, const Overlap& overlap,
              int layerWidth, int layerHeight);

@@ -11,10 +11,10 @@ namespace tarvo {
 /// True iff the renderer's "Fast transparency" is off.
 bool IsExact(const standin::RendererInstance& renderer);
 
-/// The companions that are switched on, from the top of the stack: bone number o at index o.
+/// The active companions, from the top of the stack: bone number o at index o.
 std::vector<const standin::Companion*> ActiveCompanions(const standin::Layer& layer);
 
-/// The bones of a layer as their companions hold them now and the renderer's sliders stand. Right
+/// The bones of a layer as their companions and the renderer's sliders have them now. Right
 /// for a frame when every companion has sent what it holds.
 std::vector<OverlapBone> BonesOn(const standin::Layer& layer,
                                  const standin::RendererInstance& renderer);
@@ -24,7 +24,7 @@ std::vector<OverlapBone> BonesOn(const standin::Layer& layer,
 OverlapView ViewOf(const Picture& picture, const standin::RendererInstance& renderer,
                    const standin::FrameRequest& request = {});
 
-/// How the pieces lie in the frame that a player has just rendered on this host.
+/// The overlap of the pieces in the frame that a player has just rendered on this host.
 /// REQUIRES: the host's layer holds one renderer, as a player makes it.
 Overlap OverlapNow(const standin::Host& host, const Picture& frame, int downsample = 1);
 

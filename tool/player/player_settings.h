@@ -14,7 +14,7 @@ struct ParameterChange {
 };
 
 /// Finds the parameters that a user means by the labels read on the screen. Throws InputError with
-/// a line for every setting whose label no visible slider, checkbox or popup bears, or several do,
+/// a line for every setting whose label no visible slider, checkbox or popup has, or several have,
 /// or whose value that one does not take. Checkboxes take 0 and 1, popups the number of a choice.
 std::vector<ParameterChange> FindParameters(const std::vector<standin::Parameter>& parameters,
                                             const std::vector<Setting>& settings);

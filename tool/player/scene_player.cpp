@@ -52,7 +52,7 @@ PieceQuad ToQuad(const Piece& piece) {
   return quad;
 }
 
-/// What a bone shows: nothing while it is switched off.
+/// What a bone shows: nothing while it is inactive.
 std::vector<PieceQuad> Quads(const Bone& bone) {
   std::vector<PieceQuad> quads;
   if (bone.active) {
@@ -66,7 +66,7 @@ bool AreSame(const std::vector<PieceQuad>& a, const std::vector<PieceQuad>& b) {
          (a.empty() || std::memcmp(a.data(), b.data(), a.size() * sizeof a.front()) == 0);
 }
 
-/// What is to be said of a life that is over; nothing if all went well.
+/// The faults of a run that has ended; nothing if all went well.
 std::vector<std::string> Findings(const standin::Host& host, std::vector<std::string> complaints) {
   const auto& violations = host.tracker.Violations();
   complaints.insert(complaints.end(), violations.begin(), violations.end());
@@ -215,7 +215,7 @@ void ScenePlayer::Advance(const PlayOptions& options) {
     const bool active = scene_.bones[state.bone].active;
     if (state.companion->active != active) {
       state.companion->active = active;
-      state.isDirty = true;  // the others' numbers change too: one message tells the plug-in
+      state.isDirty = true;  // the others' numbers change too: one message updates the plug-in
       isSwitched = true;
     }
     Sync(state);

@@ -19,14 +19,14 @@ namespace tarvo {
 /// The host lowers its resolution to at most 1/99.
 inline constexpr int kCoarsestDownsample = 99;
 
-/// What is asked for over and above the scene itself.
+/// What is asked for in addition to the scene itself.
 struct PlayOptions {
   std::optional<bool> fast;       ///< over the scene's own
   std::vector<Setting> settings;  ///< after the scene's own
   int downsample = 1;             ///< 2 is half resolution, and so on
 };
 
-/// What went to the plug-in from the companions.
+/// Messages from the companions to the plug-in.
 struct MessageStatistics {
   std::size_t messages = 0;
   std::size_t images = 0;  ///< taken over by the plug-in
@@ -35,7 +35,7 @@ struct MessageStatistics {
 /// A frame, and what is worth saying about it.
 struct PlayedFrame {
   Picture picture;
-  std::size_t pieces = 0;     ///< sent by the bones that are switched on
+  std::size_t pieces = 0;     ///< sent by the active bones
   double milliseconds = 0.0;  ///< frame set-up and render
 };
 
@@ -51,7 +51,7 @@ class PluginError : public std::runtime_error {
 };
 
 /// Plays a scene on a host as users and companions would: the plug-in starts, every effect of the
-/// scene comes onto a layer, sliders change, frames are asked for, and the scene moves on.
+/// scene is applied to a layer, sliders change, frames are rendered, and the scene advances.
 ///
 ///   Open (Change | Advance | Render)* ; the host's Close ends it
 ///
@@ -64,15 +64,15 @@ class ScenePlayer {
   /// Global set-up, parameters, the effect stack with the renderer's sequence set-up, idle time,
   /// the update of labels, and the first message of every active companion.
   void Open();
-  /// Moves the sliders that do not stand yet as the scene and the options ask, as a user would: the
-  /// bones' z, fast, then the scene's settings and those given; a slider that nothing asks for any
-  /// more goes back to its default. The companions that were nudged send again. Throws InputError,
-  /// with nothing moved, when a setting fits no visible slider.
+  /// Moves the sliders whose value differs from what the scene and the options ask for, as a user
+  /// would: the bones' z, fast, then the scene's settings and those given; a slider that nothing
+  /// asks for any more is reset to its default. The companions that were nudged send again. Throws
+  /// InputError, with nothing moved, when a setting fits no visible slider.
   void Change(const PlayOptions& options);
-  /// Follows the scene, which was moved: effects are switched on and off, sliders change, and the
-  /// companions with another look or that were nudged send, each once. An image goes along if
-  /// it is another one or its opacity is: the plug-in takes opacities over with images alone.
-  /// REQUIRES: the scene has the same bones, images and stack as at the start.
+  /// Follows the scene, which was moved: effects are activated and deactivated, sliders change, and
+  /// the companions that changed or were nudged send, each once. An image is included if it or its
+  /// opacity changed: the plug-in takes opacities over with images alone. REQUIRES: the scene has
+  /// the same bones, images and stack as at the start.
   void Advance(const PlayOptions& options);
   /// Frame set-up and render. `time` is the host's, in frames of 1/25 second.
   PlayedFrame Render(int downsample, int time = 0);
@@ -89,19 +89,19 @@ class ScenePlayer {
     bool operator==(const Shown&) const = default;
   };
 
-  /// The companion of a bone, and where it stands.
+  /// The companion of a bone, and what it last sent.
   struct BoneState {
     std::size_t bone = 0;  ///< index into Scene::bones
     standin::Companion* companion = nullptr;
     double sentCounter = 0.0;  ///< its counter when it last sent
     Shown imageA;
     Shown imageB;
-    bool isDirty = false;  ///< it looks different from what it last sent
+    bool isDirty = false;  ///< it differs from what it last sent
   };
 
   void BuildStack();
   void AddBone(standin::Layer& layer, std::size_t bone);
-  /// Makes the companion look as its bone does in the scene.
+  /// Updates the companion from its bone in the scene.
   void Sync(BoneState& state);
   void Show(standin::CompanionImage& image, Shown& shown, const Shown& wanted, BoneState& state);
   void Send(BoneState& state);
@@ -118,19 +118,19 @@ class ScenePlayer {
   MessageStatistics sent_;
 };
 
-/// Plays a whole life for one frame: Open, Change, Render and the host's Close. Throws InputError
-/// for a setting that fits no slider, OutOfMemory where the plug-in sentCounter that its memory ran
-/// out, and PluginError for any other error sentCounter and for every rule that the host found
-/// broken until the end, leaks among them.
+/// Runs the plug-in from start-up to close for one frame: Open, Change, Render and the host's
+/// Close. Throws InputError for a setting that fits no slider, OutOfMemory where the plug-in
+/// sentCounter that its memory ran out, and PluginError for any other error sentCounter and for
+/// every rule that the host found broken until the end, leaks among them.
 PlayedFrame Play(standin::Host& host, const Scene& scene, const PlayOptions& options);
 
 /// Takes a frame that was made; false ends the play after it.
 using TakeFrame = std::function<bool(int number, PlayedFrame frame)>;
 
-/// Plays a whole life for these frames of an animation, in their order; what was made is handed on
-/// at once. Throws as Play does, and OutOfMemory also instead of an error that the plug-in
-/// sentCounter because this host's memory had run out; a broken rule ends the play before its frame
-/// is handed on. REQUIRES: every frame is one of the animation's.
+/// Runs the plug-in from start-up to close for these frames of an animation, in their order; each
+/// frame is passed on at once. Throws as Play does, and OutOfMemory also instead of an error that
+/// the plug-in sentCounter because this host's memory had run out; a broken rule ends the play
+/// before its frame is handed on. REQUIRES: every frame is one of the animation's.
 MessageStatistics PlayFrames(standin::Host& host, const Animation& animation,
                              const std::vector<int>& frames, const PlayOptions& options,
                              const TakeFrame& take);

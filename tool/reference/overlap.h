@@ -12,16 +12,18 @@
 #include "tool/rig/scene.h"
 
 /// \file
-/// The stand-in's own model of how the pieces of a rig lie on one another: their depth, their
-/// order, and what covers a place. It shares nothing with the plug-in but the meaning of the
-/// records and of the sliders, so that each can be held against the other.
+/// The reference model of how the pieces of a rig overlap: their depth, their order, and what
+/// covers a point. It shares nothing with the plug-in but the meaning of the records and of the
+/// sliders, so that each can be checked against the other. Depths are doubles and the sort is the
+/// plug-in's quicksort step by step, because equal depths are ordered by its exchanges alone.
+/// Finding the fragments of a point costs a look at every piece.
 
 namespace tarvo {
 
 /// Depth units of a Z of 1: far more than the ordinals of bones add up to.
 inline constexpr double kDepthPerZ = 1e6;
 
-/// One bone as its companion describes it and its sliders stand. An image without pixels was never
+/// One bone as its companion and its sliders describe it. An image without pixels was never
 /// sent.
 struct OverlapBone {
   std::string name;
@@ -45,7 +47,7 @@ struct OverlapView {
   bool exact = false;  ///< "Fast transparency" is off
 };
 
-/// A piece in its place.
+/// A piece, transformed into the frame.
 struct PlacedPiece {
   std::size_t bone = 0;   ///< bone number from 0
   std::size_t index = 0;  ///< in its bone's list
@@ -57,14 +59,14 @@ struct PlacedPiece {
   QuadCorners texture{};  ///< in image pixels
 };
 
-/// What put the one of two pieces in front of the other.
+/// Why one of two pieces is in front of the other.
 enum class Precedence {
   kDepth,       ///< its bone's Z, at its place along the bone, is lower
   kBoneNumber,  ///< the same Z; its bone has the higher number
   kSort,        ///< the same depth to the last bit: where the sort's exchanges left it
 };
 
-/// What one piece shows at a place: its image's colour, straight, without the bone's opacity.
+/// What one piece shows at a point: its image's colour, straight, without the bone's opacity.
 struct Fragment {
   std::size_t piece = 0;  ///< index into Overlap::Pieces()
   Colour sample{};
@@ -74,7 +76,7 @@ struct Fragment {
 ///
 /// A depth, in doubles, is Z times a million, mixed between the bone's two ends by the piece's
 /// place along it, minus 0.0001 times the bone's number; where the two ends have the same Z, the
-/// end's counts as 0.0001 less. Bones are gathered by number, pieces as they stand in their bone.
+/// end's counts as 0.0001 less. Bones are gathered by number, pieces in their bone's order.
 /// Pieces that name no image, or one that was never sent, are left out.
 class Overlap {
  public:
@@ -88,9 +90,9 @@ class Overlap {
 
   [[nodiscard]] const Picture& ImageOf(const PlacedPiece& piece) const;
   [[nodiscard]] double OpacityOf(const PlacedPiece& piece) const;
-  /// What a piece shows at a place of the frame; nothing outside of it.
+  /// What a piece shows at a point of the frame; nothing outside of it.
   [[nodiscard]] std::optional<Colour> ColourAt(const PlacedPiece& piece, Point at) const;
-  /// All that covers a place of the frame, deepest first.
+  /// All that covers a point of the frame, deepest first.
   [[nodiscard]] std::vector<Fragment> At(Point place) const;
 
  private:

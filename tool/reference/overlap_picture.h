@@ -8,7 +8,7 @@
 #include "tool/reference/overlap_pixel.h"
 
 /// \file
-/// Whole frames as the stand-in's own model would draw them.
+/// Whole frames as the reference model draws them.
 
 namespace tarvo {
 
@@ -20,7 +20,7 @@ void ForEachPixel(const Overlap& overlap,
 struct OverlapPicture {
   Picture picture;
   /// One entry a pixel, row by row. False where two correct renderers may disagree: closer than
-  /// kEdgeMargin to the edge of a piece, or where an owner is not comparable.
+  /// kEdgeMargin to the edge of a piece, or where an owner depends on an alpha close to one half.
   std::vector<bool> comparable;
 };
 

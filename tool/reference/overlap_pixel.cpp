@@ -13,7 +13,7 @@ bool SameImage(const PlacedPiece& one, const PlacedPiece& other) {
   return one.bone == other.bone && one.from == other.from;
 }
 
-/// Walks through the steps of one pixel, keeping what each piece has to do with it.
+/// Carries out the passes of one pixel and records what each piece contributes.
 class PixelExplainer {
  public:
   PixelExplainer(const Overlap& overlap, const std::vector<Fragment>& fragments)
@@ -43,7 +43,7 @@ class PixelExplainer {
     return overlap_.Pieces()[part.piece];
   }
 
-  /// The owner of the image that a part shows; the end when nobody owns it here.
+  /// The owner of the image that a part shows; the end if no piece owns it here.
   auto OwnerFor(const PixelPart& part) {
     auto& parts = breakdown_.parts;
     return std::find_if(parts.rbegin(), parts.rend(), [&](const PixelPart& other) {
@@ -82,7 +82,7 @@ class PixelExplainer {
     }
   }
 
-  /// From the nearest to the deepest, what the pieces before have left to be seen.
+  /// From the nearest to the deepest, weighted by what the pieces in front leave visible.
   void AttributeColour() {
     double seen = 1.0;
     for (std::size_t i = sources_.size(); i-- > 0;) {

@@ -7,7 +7,7 @@
 
 namespace tarvo {
 
-/// The bones of a scene that are switched on, as indices into Scene::bones: bone number o at
+/// The active bones of a scene, as indices into Scene::bones: bone number o at
 /// index o.
 std::vector<std::size_t> ActiveBones(const Scene& scene);
 

@@ -14,20 +14,21 @@
 
 namespace tarvo {
 
-/// The way from a key's value to the next key's.
+/// How a value changes from a key to the next.
 struct Ease {
   enum class Kind { kHeld, kLinear, kCurve };
 
   Kind kind = Kind::kLinear;
   /// The handles of kCurve: a cubic Bézier curve from (0, 0) over (x1, y1) and (x2, y2) to (1, 1),
-  /// x being the fraction of the time and y the fraction of the way. x1 and x2 lie within 0 to 1.
+  /// x being the fraction of the time and y the fraction of the change in value. x1 and x2 lie
+  /// within 0 to 1.
   double x1 = 0.0;
   double y1 = 0.0;
   double x2 = 1.0;
   double y2 = 1.0;
 };
 
-/// The fraction of the way at a fraction of the time (0 to 1); beyond 0 to 1 where handles
+/// The fraction of the change at a fraction of the time (0 to 1); beyond 0 to 1 where handles
 /// overshoot.
 double EasedFraction(const Ease& ease, double timeFraction);
 
@@ -35,7 +36,7 @@ template <typename Value>
 struct Key {
   double frame = 0.0;
   Value value{};
-  Ease ease;  ///< from here to the next key; of no account for the values that are always held
+  Ease ease;  ///< from here to the next key; ignored for values that are always held
 };
 
 /// Keys on one value, by ascending frame; none: the value is not animated.
@@ -66,7 +67,7 @@ Segment<Value> SegmentAt(const Track<Value>& track, double frame) {
 /// The corners of a bone's pieces, one after the other.
 using Corners = std::vector<std::array<Point, 4>>;
 
-/// What moves on one bone.
+/// The keyed values of one bone.
 struct BoneKeys {
   std::size_t bone = 0;  ///< index into Scene::bones
   Track<std::size_t> image;
@@ -81,11 +82,11 @@ struct BoneKeys {
   Track<Corners> corners;  ///< of a bone without a strip
 };
 
-/// What moves on one slider.
+/// The keyed value of one slider.
 struct SettingKeys {
   std::string label;
   Track<double> value;
-  std::string place;  ///< where it stands, for complaints: "wave.json: frames.set["Hand end Z"]"
+  std::string place;  ///< where it is defined, for messages: "wave.json: frames.set["Hand end Z"]"
 };
 
 /// A scene that moves. A still one has a single frame and no keys.

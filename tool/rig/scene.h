@@ -11,7 +11,7 @@
 
 namespace tarvo {
 
-/// Most bones that can be switched on and still have sliders of their own.
+/// Most bones that can be active and still have sliders of their own.
 inline constexpr int kBonesWithSliders = 25;
 
 /// The greatest Z, before or behind, that a slider takes when typed.
@@ -58,7 +58,7 @@ struct OtherEffect {
   bool active = true;
 };
 
-/// What stands at one place of the effect stack.
+/// The entry at one position of the effect stack.
 struct StackEntry {
   enum class Kind { kBone, kOther, kRenderer };
 

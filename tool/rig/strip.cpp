@@ -36,7 +36,7 @@ Point ForwardAround(const Curve& curve, double u) {
   return {ahead.x - behind.x, ahead.y - behind.y};
 }
 
-/// A vector of length 1 to the left of a walker, the y axis pointing down.
+/// The unit normal to the left of the direction of travel, the y axis pointing down.
 Point LeftOf(const Curve& curve, double u) {
   constexpr double kStandstill = 1e-9;
   const double size =
@@ -86,7 +86,7 @@ class ArcLength {
   std::array<double, kChords + 1> lengths_{};
 };
 
-/// Where two neighbouring pieces meet.
+/// The edge that two neighbouring pieces share.
 struct CrossSection {
   Point left;
   Point right;

@@ -14,7 +14,7 @@ namespace tarvo {
 /// its faults, each beginning with the file's name as given here.
 Animation ReadAnimation(const FilePath& file);
 
-/// The same from text; images are looked for in `folder`, `fileName` stands in the faults.
+/// The same from text; images are looked up in `folder`, faults start with `fileName`.
 Animation ReadAnimation(const std::string& text, const std::filesystem::path& folder,
                         const std::string& fileName);
 

@@ -23,7 +23,7 @@ struct SceneImages {
 };
 
 /// Reads the "images" of a scene. Every file is read and checked, but only what a bone shows, at
-/// rest or by a key, is decoded, and a file that stands under several names once; all others have
+/// rest or by a key, is decoded, and a file that has several names is decoded once; all others have
 /// no pixels. Throws OutOfMemory.
 SceneImages ReadImages(const SceneNode& root, const std::filesystem::path& folder);
 

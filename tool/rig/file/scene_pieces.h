@@ -15,7 +15,7 @@ struct BonePieces {
   std::optional<Strip> strip;
 };
 
-/// The pieces of a bone in either form: its "pieces" as they stand, or its "strip" cut and bent.
+/// The pieces of a bone in either form: its "pieces" as written, or its "strip" cut and bent.
 /// Pieces that sample a second image are faults where the bone has none.
 BonePieces ReadPieces(const SceneNode& bone);
 

@@ -36,7 +36,7 @@ class SliderOwners {
     }
   }
 
-  /// Bones that lost their sliders, or came without any, since this was asked for last.
+  /// Bones that lost their sliders, or were added without any, since the last call.
   std::set<std::size_t> TakeNewOthers() {
     std::erase_if(newOthers_, [this](std::size_t bone) { return !others_.contains(bone); });
     return std::exchange(newOthers_, {});

@@ -7,8 +7,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "tests/standin/frames_fixture.h"
-#include "tests/standin/linux_preload.h"
+#include "tests/cli/frames_fixture.h"
+#include "tests/cli/linux_preload.h"
 
 namespace {
 
@@ -172,7 +172,7 @@ TEST_F(LinuxOutputs, AReportThatIsMissingIsNoSuccess) {
   for (const std::string& plugin : {std::string(), " --plugin " + Quoted(TARVO_FAILING_PLUGIN)}) {
     const Outcome outcome = Run(check + "/dev/full" + plugin);
     EXPECT_EQ(outcome.code, 5) << outcome.err;
-    EXPECT_NE(outcome.out.find(plugin.empty() ? "\nsound: " : "\nnot conformant: "),
+    EXPECT_NE(outcome.out.find(plugin.empty() ? "\nconformant: " : "\nnot conformant: "),
               std::string::npos)
         << outcome.out;
     EXPECT_NE(outcome.err.find("/dev/full: cannot be written: No space left on device; the report"),

@@ -6,7 +6,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "tests/standin/command_fixture.h"
+#include "tests/cli/command_fixture.h"
 
 namespace {
 
@@ -82,12 +82,12 @@ TEST_F(CheckCommand, TellsTheSameInJsonAndJUnit) {
   }
 }
 
-TEST_F(CheckCommand, ListsNamesAndPromises) {
+TEST_F(CheckCommand, ListsNamesAndRequirements) {
   const Outcome outcome = Run("check --list");
   EXPECT_EQ(outcome.code, 0);
   EXPECT_NE(outcome.out.find("Commands.AboutShowsNameAndVersion\n    About tells"),
             std::string::npos);
-  const std::string one = Run("check --list --only \"*m*ands.**TellsName???V*n*\"").out;
+  const std::string one = Run("check --list --only \"*m*ands.**ShowsName???V*n*\"").out;
   EXPECT_TRUE(one.starts_with("Commands.AboutShowsNameAndVersion\n")) << one;
   EXPECT_EQ(std::count(one.begin(), one.end(), '\n'), 2) << one;
   EXPECT_NE(Run(std::string("check --trace") + kOneCheck).err.find("> PF_Cmd_ABOUT"),

@@ -4,7 +4,7 @@
 #include <string>
 
 #include "base/image/image_file.h"
-#include "tests/standin/command_fixture.h"
+#include "tests/cli/command_fixture.h"
 
 namespace {
 

@@ -7,7 +7,7 @@
 #include <nlohmann/json.hpp>
 
 #include "base/image/image_file.h"
-#include "tests/standin/command_fixture.h"
+#include "tests/cli/command_fixture.h"
 
 namespace {
 

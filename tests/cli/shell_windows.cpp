@@ -2,7 +2,7 @@
 #include <string>
 
 #include "base/files/file_path.h"
-#include "tests/standin/shell.h"
+#include "tests/cli/shell.h"
 
 int RunInShell(const std::string& line) {
   // The shell takes the outermost quotes away. A path turns UTF-8 into the system's wide letters.

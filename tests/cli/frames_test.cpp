@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/standin/frames_fixture.h"
+#include "tests/cli/frames_fixture.h"
 
 namespace {
 

@@ -3,8 +3,8 @@
 #include <filesystem>
 #include <string>
 
-#include "tests/standin/frames_fixture.h"
-#include "tests/standin/linux_preload.h"
+#include "tests/cli/frames_fixture.h"
+#include "tests/cli/linux_preload.h"
 
 namespace {
 

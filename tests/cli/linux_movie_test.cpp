@@ -5,7 +5,7 @@
 #include <set>
 #include <string>
 
-#include "tests/standin/frames_fixture.h"
+#include "tests/cli/frames_fixture.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
-#include "tests/standin/linux_preload.h"
+#include "tests/cli/linux_preload.h"
 
-#include "tests/standin/frames_fixture.h"
+#include "tests/cli/frames_fixture.h"
 
 std::string Preload(const std::string& variable, const std::string& value) {
   // Address sanitizers want to be the first library and are told that they need not be.

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "tests/standin/frames_fixture.h"
+#include "tests/cli/frames_fixture.h"
 
 namespace {
 

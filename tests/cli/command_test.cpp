@@ -6,7 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "base/image/image_file.h"
-#include "tests/standin/command_fixture.h"
+#include "tests/cli/command_fixture.h"
 
 namespace {
 

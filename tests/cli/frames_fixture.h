@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "base/image/image_file.h"
-#include "tests/standin/command_fixture.h"
+#include "tests/cli/command_fixture.h"
 
 /// \file
 /// Small animations of two opaque cards, and the command to render them with.

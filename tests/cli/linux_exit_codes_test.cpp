@@ -3,8 +3,8 @@
 #include <string>
 #include <vector>
 
-#include "tests/standin/frames_fixture.h"
-#include "tests/standin/linux_preload.h"
+#include "tests/cli/frames_fixture.h"
+#include "tests/cli/linux_preload.h"
 
 namespace {
 
@@ -38,8 +38,8 @@ std::vector<Row> Rows() {
       {0, "all that was asked for was made; two pictures are the same; the plug-in is conformant",
        one + " && $tarvo diff one.png one.png && " + check, ""},
       {1, "two pictures differ", "$tarvo diff a.png b.png", ""},
-      {1, "the plug-in is not conformant: it broke a requirement in a check",
-       check + Quoted(TARVO_FAILING_PLUGIN), ""},
+      {1, "the plug-in is not conformant: it failed a check", check + Quoted(TARVO_FAILING_PLUGIN),
+       ""},
       {2, "the command line is wrong", one + " --time-limit nan", "\"nan\" given"},
       {2, "a scene is wrong", "$tarvo render wrong.json -o one.png", "wrong.json: size: "},
       {2, "a file cannot be read, or is not what it should be", "$tarvo diff a.png scene.json",

@@ -8,7 +8,7 @@
 #include <gtest/gtest.h>
 
 #include "base/files/whole_file.h"
-#include "tests/standin/shell.h"
+#include "tests/cli/shell.h"
 
 struct Outcome {
   int code = 0;
