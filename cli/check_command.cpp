@@ -29,7 +29,7 @@ void Check(CheckOptions options, const Console& console) {
 void AddCheck(CLI::App& program, Work& chosen) {
   const auto options = std::make_shared<CheckOptions>();
   CLI::App* command = program.add_subcommand(
-      "check", "Find out whether a build of the plug-in is conformant, requirement by requirement");
+      "check", "Check whether a build of the plug-in meets its requirements");
   AddCheckOptions(*command, *options);
   command->footer(R"(Examples:
   tarvo check
@@ -39,8 +39,7 @@ void AddCheck(CLI::App& program, Work& chosen) {
 
 Each check runs in a process of its own, of the program tarvo-check-worker: a crash and a hang are
 results. Started by hand, that program takes the same options and runs all in its own process. The last
-line is "conformant: ..." (exit code 0), "not conformant: ..." (1) or "cannot be loaded: ..." (4). Where the report of
---junit cannot be written at the end, the verdict is said all the same, and the exit code is 5.)");
+line is "conformant: ..." (exit code 0), "not conformant: ..." (1) or "cannot be loaded: ..." (4). If the report of --junit cannot be written at the end, the verdict is printed all the same, and the exit code is 5.)");
   command->callback([options, &chosen] {
     chosen = [options](const Console& console) { Check(*options, console); };
   });

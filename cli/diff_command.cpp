@@ -106,7 +106,7 @@ void AddDiff(CLI::App& program, Work& chosen) {
                    "Steps of 255, in any channel, that count as the same")
       ->type_name("N");
   AddSyncOption(*command, options->sync);
-  command->footer(R"(Colours count as they are seen, multiplied by their alpha.
+  command->footer(R"(Colours are compared as displayed, multiplied by their alpha.
 Exit codes: 0 the same, 1 different, 2 wrong input.
 
 Example:

@@ -73,13 +73,13 @@ void Explain(const ExplainOptions& options, const Console& console) {
 void AddExplain(CLI::App& program, Work& chosen) {
   const auto options = std::make_shared<ExplainOptions>();
   CLI::App* command =
-      program.add_subcommand("explain", "Say why the pieces of a frame lie as they do");
+      program.add_subcommand("explain", "Explain the depth order of the pieces of a frame");
   AddSceneOptions(*command, options->scene);
   command->add_option("--frame", options->frame, "The frame of an animation; the first otherwise");
   command->add_flag("--json", options->json, "As JSON; docs/explain.md describes its form");
   NotEmpty(command->add_option(
                "--at", options->at,
-               "Tell one pixel of the layer too: what is there and what each piece adds"))
+               "Explain one pixel of the layer too: the pieces there and what each contributes"))
       ->type_name("X,Y");
   command->footer(R"(Examples:
   tarvo explain examples/wave/wave.json --exact --at 650,330

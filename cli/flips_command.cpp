@@ -48,7 +48,7 @@ void FindFlips(const FlipsOptions& options, const Console& console) {
 void AddFlips(CLI::App& program, Work& chosen) {
   const auto options = std::make_shared<FlipsOptions>();
   CLI::App* command = program.add_subcommand(
-      "flips", "Find the frames where overlapping bones change places, and why they do");
+      "flips", "Find the frames where overlapping bones swap their order, and the cause");
   AddSceneOptions(*command, options->scene);
   command->add_flag("--json", options->json, "As JSON; docs/explain.md describes its form");
   command->footer(R"(Example:

@@ -14,8 +14,8 @@ void AddRender(CLI::App& program, Work& chosen) {
       program.add_subcommand("render", "Render a scene file into a picture, frames or a movie");
   AddRenderOptions(*command, *options);
   command->footer(
-      R"(The plug-in runs in a process of its own for each of --jobs. When one crashes or hangs, the frames
-that are made stay, the other jobs go on, and the command that makes the rest is printed.
+      R"(The plug-in runs in a process of its own for each of --jobs. When one crashes or hangs, finished
+frames are kept, the other jobs continue, and the command that renders the rest is printed.
 
 Examples:
   tarvo render examples/wave/wave.json -o wave.png --set "Forearm start Z=3" --background checker

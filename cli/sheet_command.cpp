@@ -246,21 +246,21 @@ void AddSheet(CLI::App& program, Work& chosen) {
       ->required()
       ->type_name("SHEET.png");
   NotEmpty(command->add_option("--frames", options->frames,
-                               "Frames of the animation; otherwise up to 12, evenly apart"))
+                               "Frames of the animation; otherwise up to 12, evenly spaced"))
       ->type_name("LIST");
   command->add_flag("--both", options->both, "Each in both modes, fast and exact")
       ->excludes("--fast")
       ->excludes("--exact");
   NotEmpty(command->add_option("--sweep", options->sweep,
-                               "Give a slider so many values, evenly from one to another"))
+                               "Set a slider to COUNT values, evenly spaced from FROM to TO"))
       ->type_name("LABEL=FROM..TO:COUNT");
-  command->add_option("--cell", options->cell, "Most pixels of a cell, on a side")
+  command->add_option("--cell", options->cell, "Largest side of a cell, in pixels")
       ->check(CLI::Range(16, 4096))
       ->capture_default_str();
   command->add_option("--columns", options->columns, "Cells in a row")->check(CLI::Range(1, 1000));
   command
       ->add_option("--background", options->background,
-                   std::string("What is behind the rig: ") + kBackgroundWords)
+                   std::string("Background behind the rig: ") + kBackgroundWords)
       ->type_name("COLOUR")
       ->capture_default_str();
   AddSyncOption(*command, options->sync);

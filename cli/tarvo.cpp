@@ -21,21 +21,21 @@ constexpr const char* kFooter = R"(Examples:
   tarvo check
 
 The plug-in runs in a process of its own. What it prints is written to standard error, each line
-behind the name of that process; a crash, or a command that takes longer than --time-limit, is said
+after the name of that process; a crash, or a command that takes longer than --time-limit, is reported
 with the command, the frame and the last host call.
 
-Exit codes: 0 made; 1 two pictures differ, or the plug-in is not conformant; 2 a file, a scene or an
-option is wrong; 3 the plug-in returned an error, broke a rule of its host, crashed or hung; 4 the
-plug-in cannot be loaded, or this machine cannot run it (no OpenGL, no memory, no processes or
+Exit codes: 0 success; 1 two pictures differ, or the plug-in is not conformant; 2 a file, a scene or
+an option is wrong; 3 the plug-in returned an error, violated the host's interface, crashed or hung;
+4 the plug-in cannot be loaded, or this machine cannot run it (no OpenGL, no memory, no processes or
 threads left, no ffmpeg for a movie), or standard output cannot be written; 5 frames or the report
 of a check are missing at the end, or a process was ended from outside; 130 interrupted.
-After -- come names of files, whatever they begin with, and then options again, as in
+Arguments after -- are names of files, whatever they begin with, and then options again, as in
 "tarvo render -- -a.json -o a.png".
-No output file is made unless the exit code is 0 or 1, but for the frames of an animation, of which
-those that were made before are whole, the report of a plug-in that "check" cannot load, and where
-standard output cannot be written: what was made is told on standard error then.
-A file is replaced as a whole and keeps its mode and owner, and is on the disk itself before success
-is said. No file that a command reads is replaced, whatever it is called.)";
+An output file is written only if the exit code is 0 or 1. Exceptions: finished frames of an
+animation, the report of a plug-in that "check" cannot load, and lost standard output, in which case
+standard error names the files that were written.
+A file is replaced as a whole, keeps its mode and owner, and is flushed to the disk before success
+is reported. A file that a command reads is never replaced, under any name.)";
 
 /// Reads the command line. Throws CLI::ParseError for a wrong one, and for --help and --version.
 Work ReadCommandLine(CLI::App& program, std::vector<std::string> words) {
@@ -59,7 +59,7 @@ Work ReadCommandLine(CLI::App& program, std::vector<std::string> words) {
 }  // namespace
 
 int RunTarvo(const Console& console) {
-  CLI::App program("Shows a rig without the real host: plays a scene file on the plug-in.",
+  CLI::App program("Renders rigs without the real host: plays a scene file on the plug-in.",
                    "tarvo");
   Work work;
   try {

@@ -134,8 +134,8 @@ void AddWatch(CLI::App& program, Work& chosen) {
       ->check(CLI::NonNegativeNumber);
   AddLookOptions(*command, *options);
   command->footer(
-      R"(What cannot be rendered is said on standard error, and the last good picture stays.
-Ctrl-C ends it, with 0 if the picture is that of the scene as it is then.
+      R"(Errors are printed to standard error, and the last good picture is kept.
+Ctrl-C ends it, with exit code 0 if the picture is up to date.
 
 Examples:
   tarvo watch examples/wave/wave.json -o wave.png --background checker

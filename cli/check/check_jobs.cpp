@@ -234,7 +234,7 @@ std::vector<check::Check> ListChecks(const CheckOptions& options, const Console&
   const JobOutcome outcome = RunAlone({.lists = true}, options, console);
   if (outcome.checks.empty()) {
     const std::string end = BadEnd(outcome.end);
-    throw std::runtime_error(CheckWorker() + " did not tell its checks" +
+    throw std::runtime_error(CheckWorker() + " did not list its checks" +
                              (end.empty() ? "" : ": it ended with " + end));
   }
   return outcome.checks;

@@ -17,7 +17,7 @@ namespace {
 std::vector<check::Check> Chosen(const CheckOptions& options, std::vector<check::Check> checks) {
   checks = check::Matching(std::move(checks), options.only);
   if (checks.empty()) {
-    throw InputError({"--only: no check is called so; --list tells their names"});
+    throw InputError({"--only: no check matches; --list prints their names"});
   }
   return options.seed ? check::Shuffled(std::move(checks), *options.seed) : checks;
 }

@@ -177,7 +177,7 @@ std::optional<RenderedFrame> FrameWorkers::TakeFrom(Job& job) {
 RenderedFrame FrameWorkers::Expected(Job& job, const Message& message) const {
   RenderedFrame frame = FrameFrom(message);
   if (job.sent == job.frames.size() || frame.number != job.frames[job.sent]) {
-    throw MessageError("frame " + std::to_string(frame.number) + " out of its turn");
+    throw MessageError("frame " + std::to_string(frame.number) + " out of order");
   }
   if (size_ && *size_ != std::pair(frame.picture.width, frame.picture.height)) {
     throw MessageError("a picture of " + std::to_string(frame.picture.width) + "x" +

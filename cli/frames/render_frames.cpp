@@ -203,7 +203,7 @@ class FrameRender {
     }
     command += settings_.missing ? "" : " --missing";
     return {end + " after " + std::to_string(made) + " of " + std::to_string(total) +
-                " frames; this goes on:",
+                " frames; to continue:",
             command};
   }
 

@@ -17,9 +17,9 @@ void AddLookOptions(CLI::App& command, RenderOptions& options) {
       .add_option("--scale", options.scale,
                   "Resolution, as the host lowers it: 1/1 (all of it) to 1/99")
       ->type_name("1/N");
-  command.add_flag("--layer", options.layer,
-                   "Crop to the layer's frame instead of all that was drawn; frames of an "
-                   "animation always are");
+  command.add_flag(
+      "--layer", options.layer,
+      "Crop to the layer's frame instead of everything drawn; frames of an animation always are");
   NotEmpty(command.add_option("--background", options.background,
                               std::string("Paint over a background: ") + kBackgroundWords))
       ->type_name("COLOUR");
@@ -27,7 +27,7 @@ void AddLookOptions(CLI::App& command, RenderOptions& options) {
                               std::string("Show the overlap over the frame or in its place: ") +
                                   kVisualizationNames))
       ->type_name("WHAT");
-  command.add_flag("--quiet", options.quiet, "Do not say what is made and how far it is");
+  command.add_flag("--quiet", options.quiet, "Do not report files and progress");
   AddSyncOption(command, options.sync);
 }
 
@@ -46,16 +46,15 @@ void AddRenderOptions(CLI::App& command, RenderOptions& options) {
       ->type_name("LIST");
   command.add_flag("--missing", options.missing,
                    "Only the frames whose file is absent, damaged or of another size");
-  command.add_option("--jobs", options.jobs, "Share the frames among so many processes")
+  command.add_option("--jobs", options.jobs, "Number of processes that render frames in parallel")
       ->type_name("N")
       ->check(CLI::Range(1, kMostJobs));
   command.add_flag("--raw", options.raw,
                    "To standard output: red, green, blue and alpha of every pixel of the layer");
   command
-      .add_option(
-          "--progress", options.progress,
-          "How to tell on standard error how far an animation is: auto (a bar on a terminal, "
-          "a line every few seconds elsewhere) or json (an object a line)")
+      .add_option("--progress", options.progress,
+                  "Form of the progress on standard error: auto (a bar on a terminal, "
+                  "a line every few seconds elsewhere) or json (an object a line)")
       ->type_name("FORM")
       ->check(CLI::IsMember({"auto", "json"}));
   AddLookOptions(command, options);

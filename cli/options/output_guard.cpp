@@ -90,8 +90,8 @@ void ExpectApart(const std::string& option, const std::vector<std::string>& made
     reserved.Add(own.parent_path() / (program + own.extension().string()),
                  "the program " + program);
   }
-  reserved.AddId(IdOf(stdout), "the file that standard output goes to");
-  reserved.AddId(IdOf(stderr), "the file that standard error goes to");
+  reserved.AddId(IdOf(stdout), "the file that standard output is redirected to");
+  reserved.AddId(IdOf(stderr), "the file that standard error is redirected to");
   std::map<Place, std::string> places;
   for (const std::string& name : made) {
     const std::filesystem::path file = FilePath(name).Get();

@@ -34,8 +34,8 @@ std::string DefaultPlugin() { return (ThisProgram().parent_path() / kPluginFile)
 void AddSyncOption(CLI::App& command, Sync& sync) {
   command.add_flag_callback(
       "--no-sync", [&sync] { sync = Sync::kNo; },
-      "Do not wait until what is written is on the disk itself: faster, but a loss of power soon "
-      "after may take it");
+      "Do not flush written files to the disk: faster, but a loss of power soon after may lose "
+      "them");
 }
 
 void AddSceneOptions(CLI::App& command, SceneOptions& options) {
@@ -43,11 +43,11 @@ void AddSceneOptions(CLI::App& command, SceneOptions& options) {
       ->required()
       ->type_name("SCENE.json");
   NotEmpty(command.add_option("--plugin", options.plugin,
-                              "The plug-in; the one beside this program otherwise"))
+                              "The plug-in; otherwise the one beside this program"))
       ->type_name("FILE");
-  CLI::Option* exact =
-      command.add_flag("--exact", options.exact, "Fast transparency off, whatever the scene says");
-  command.add_flag("--fast", options.fast, "Fast transparency on, whatever the scene says")
+  CLI::Option* exact = command.add_flag("--exact", options.exact,
+                                        "Turn fast transparency off, overriding the scene");
+  command.add_flag("--fast", options.fast, "Turn fast transparency on, overriding the scene")
       ->excludes(exact);
   command
       .add_option("--set", options.settings,
@@ -56,9 +56,9 @@ void AddSceneOptions(CLI::App& command, SceneOptions& options) {
       ->allow_extra_args(false);
   command.add_flag("--trace", options.trace,
                    "Write every command and host operation to standard error");
-  AddTimeLimit(
-      command, options.timeLimit,
-      "What one command of the plug-in may take until it counts as hanging; 120 otherwise");
+  AddTimeLimit(command, options.timeLimit,
+               "Most seconds that one command of the plug-in may take before it is ended as "
+               "hanging; 120 otherwise");
 }
 
 void AddTimeLimit(CLI::App& command, double& seconds, const std::string& description) {

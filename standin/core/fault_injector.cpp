@@ -102,7 +102,7 @@ void FaultInjector::Leave(CallRecord record) {
   if (trace_) {
     trace_("  " + record.operation + "(" + record.arguments + ")" +
            (record.result.empty() ? "" : " = " + record.result) +
-           (record.injected ? "  [told to fail]" : ""));
+           (record.injected ? "  [injected failure]" : ""));
   }
   if (keepLog_ && log_.size() < kLogLimit) {
     log_.push_back(std::move(record));

@@ -46,7 +46,7 @@ void ObjectTracker::Enter(Kind kind, const void* name, std::string label, void* 
   const auto found = entries_.find(name);
   if (found != entries_.end() && found->second.alive) {
     ReportViolation("a new " + std::string(Name(kind)) + " was stored over " +
-                    Describe(found->second) + ", which had not been given back");
+                    Describe(found->second) + ", which had not been released");
     Retire(name, found->second);
   }
   Open(kind, name, std::move(label), subject);
@@ -80,7 +80,7 @@ ObjectTracker::Entry* ObjectTracker::Check(Kind kind, const void* name, std::str
   std::string given = "null";
   if (ours) {
     given = Describe(found->second);
-    given += found->second.kind == kind ? ", which was given back before" : "";
+    given += found->second.kind == kind ? ", which was released before" : "";
   } else if (name != nullptr) {
     given = Hex(name) + ", which this host never handed out";
   }
@@ -184,7 +184,7 @@ void ObjectTracker::WriteOff(std::string_view command, std::uint64_t since,
   for (const Entry* entry : Living()) {
     if (isDue(*entry)) {
       ReportViolation(std::string(command) + " left " + Describe(*entry) +
-                      " outstanding; it should have been given back");
+                      " outstanding; it should have been released");
     }
   }
   for (auto& [name, entry] : entries_) {

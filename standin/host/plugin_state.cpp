@@ -69,7 +69,7 @@ void TakeOverData(Core& core, RendererInstance& instance, A_long command, const 
     core.tracker.ReportViolation(
         CommandName(command) + ": the sequence data of the answer is " +
         core.tracker.Describe(static_cast<const void*>(out.sequence_data)) +
-        ", which does not live");
+        ", which does not exist");
     instance.sequenceData = nullptr;
   }
 }

@@ -94,8 +94,8 @@ std::string WithHeader(const std::string& png, std::uint32_t side, char depth, c
          png.substr(kHeaderEnd);
 }
 
-// The header says how much a picture holds; what is less, far more or too much is told apart before
-// memory is taken for it.
+// The header says how much a picture holds; too little, too much and more than the limit are
+// distinguished before memory is taken for it.
 TEST_F(ImageFile, RefusesWhatIsNotAsLargeAsItsHeaderSays) {
   const std::string small = tarvo::EncodePng(Picture(5, 5, Rgba{200, 100, 50, 255}));
   const std::string large = tarvo::EncodePng(Picture(700, 700));

@@ -21,7 +21,7 @@
 
 /// \file
 /// Plug-ins that misbehave, one for each value of BAD_PLUGIN: 1 answers the render with an error, 2
-/// never gives back a suite and a handle, 3 exports another function than the entry point, 6 prints
+/// never releases a suite and a handle, 3 exports another function than the entry point, 6 prints
 /// in every command, 13 crashes when it is unloaded. The others do what they do in the render of
 /// frame 5: 4 crashes, 5 hangs, 7 ends the program, 8 hangs and has started two processes, of which
 /// one has left its process group, 9 writes to every pipe that it finds, 10 says that it ran out of

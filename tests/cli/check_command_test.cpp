@@ -1,4 +1,4 @@
-// `tarvo check`: that its last line, its exit code and its files tell the same, and the truth.
+// `tarvo check`: its last line, its exit code and its files agree, and are right.
 
 #include <algorithm>
 #include <string>
@@ -85,7 +85,7 @@ TEST_F(CheckCommand, TellsTheSameInJsonAndJUnit) {
 TEST_F(CheckCommand, ListsNamesAndRequirements) {
   const Outcome outcome = Run("check --list");
   EXPECT_EQ(outcome.code, 0);
-  EXPECT_NE(outcome.out.find("Commands.AboutShowsNameAndVersion\n    About tells"),
+  EXPECT_NE(outcome.out.find("Commands.AboutShowsNameAndVersion\n    About shows"),
             std::string::npos);
   const std::string one = Run("check --list --only \"*m*ands.**ShowsName???V*n*\"").out;
   EXPECT_TRUE(one.starts_with("Commands.AboutShowsNameAndVersion\n")) << one;

@@ -24,7 +24,7 @@ class CommandTest : public testing::Test {
   CommandTest() { std::filesystem::create_directories(folder_); }
   ~CommandTest() override { std::filesystem::remove_all(folder_); }
 
-  /// `arguments` as typed in a shell; `before` is what stands before the command there.
+  /// `arguments` as typed in a shell; `before` is put before the command.
   [[nodiscard]] Outcome Run(const std::string& arguments, const std::string& before = "") const;
 
   /// A command line of the system's shell.

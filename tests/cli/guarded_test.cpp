@@ -52,7 +52,7 @@ TEST_F(Guarded, RenderKeepsTheFramesBeforeAFaultAndSaysWhereItWas) {
       EXPECT_EQ(outcome.code, 3) << outcome.err;
       EXPECT_TRUE(Holds(outcome.err, fault.words)) << outcome.err;
       EXPECT_TRUE(Holds(outcome.err, "last host call: ReleaseSuite")) << outcome.err;
-      EXPECT_TRUE(Holds(outcome.err, " of 12 frames; this goes on:\n")) << outcome.err;
+      EXPECT_TRUE(Holds(outcome.err, " of 12 frames; to continue:\n")) << outcome.err;
       EXPECT_TRUE(Holds(outcome.err, " --missing")) << outcome.err;
       EXPECT_TRUE(Holds(outcome.err, jobs == "1" ? "missing 5-11\n" : "missing 5-11:2\n"))
           << outcome.err;

@@ -53,7 +53,7 @@ std::vector<Row> Rows() {
       {3, "the plug-in returned an error", one + Plugin(TARVO_FAILING_PLUGIN),
        "render returned 512: no paint left"},
       {3, "the plug-in broke a rule of its host", one + Plugin(TARVO_LEAKING_PLUGIN),
-       "it should have been given back"},
+       "it should have been released"},
       {3, "the plug-in crashed", frame + Plugin(TARVO_CRASHING_PLUGIN), "the plug-in crashed in"},
       {3, "the plug-in hung: a command took longer than `--time-limit`",
        hanging + " --time-limit 0.3", "the plug-in hung in"},

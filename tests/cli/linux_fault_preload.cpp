@@ -80,7 +80,7 @@ __attribute__((visibility("default"))) int fsync(int file) {
   return -1;
 }
 
-/// Blocks before a temporary file gets its final name, and tells so.
+/// Blocks before a temporary file gets its final name, and reports that.
 __attribute__((visibility("default"))) int rename(const char* from, const char* to) {
   static int calls = 0;
   if (IsDue("PRELOAD_RENAMES", calls)) {

@@ -53,7 +53,8 @@ TEST_F(LinuxOutputs, NeverTakeThePlaceOfWhatSymbolicLinksLeadTo) {
        {Arguments("o.png", ""), "sheet " + Quoted(File("scene.json")) + " -o " + output}) {
     const Outcome log = Shell("( " + Command(command) + " >>" + output + " )");
     EXPECT_EQ(log.code, 2) << command;
-    EXPECT_NE(log.err.find("the file that standard output goes to"), std::string::npos) << log.err;
+    EXPECT_NE(log.err.find("the file that standard output is redirected to"), std::string::npos)
+        << log.err;
   }
   EXPECT_EQ(ReadWholeFile(folder_ / "a.png"), image);
   EXPECT_TRUE(std::filesystem::is_symlink(folder_ / "link.png"));

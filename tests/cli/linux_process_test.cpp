@@ -74,7 +74,7 @@ TEST_F(Processes, AnEndOfTarvoOfAnyKindTakesAHangingPluginAlong) {
   }
 }
 
-// As a shell tells of a program that Ctrl-C ended.
+// As a shell reports a program that Ctrl-C ended.
 TEST_F(Processes, AnExitCodeOf130IsNoSignal) {
   const Outcome outcome =
       Script("TARVO_TEST_EXITS_WITH_130=1 \"$tarvo\" render scene.json -o f%d.png --plugin " +

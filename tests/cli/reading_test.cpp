@@ -1,4 +1,4 @@
-// The commands that help to read the overlap, met as a user meets them.
+// The commands that help to read the overlap, run as a user runs them.
 
 #include <string>
 #include <vector>
@@ -61,7 +61,7 @@ TEST_F(Reading, ToldPixelsAreThePluginsOwn) {
     const char* at;
   };
   const std::vector<Place> places = {
-      {"wave", "545,440"},  // head, forearm, neck and chest meet
+      {"wave", "545,440"},  // head, forearm, neck and chest overlap
       {"wave", "540,470"},  // below the head, the forearm is in front
       {"cape", "334,436"},  // three layers of one veil: its owner leaves two out in exact mode
   };

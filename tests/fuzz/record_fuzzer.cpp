@@ -1,11 +1,11 @@
 // Bytes become what companions send to an instance of the plug-in, and what a host asks of it
 // between their messages.
 //
-// What a record may hold: the plug-in and its companions share one process, and nobody can ask
+// What a record may hold: the plug-in and its companions share one process, and no one can ask
 // whether an address may be read. So the addresses of a quad list that makes sense (whole pieces,
 // not too many, end not before start) are those of memory that is there, and a list that makes none
 // may hold any. All else may be anything: places, flags, numbers, and images. An image is the
-// host's own record of a world; one that the host never made, has taken back, or made in another
+// host's own record of a world; one that the host never made, has disposed of, or made in another
 // size is for the host to refuse, and what it notes of that here is the sender's fault.
 
 #include <algorithm>
@@ -198,7 +198,7 @@ class AnyRecord {
         record_.quads.last = nullptr;
         break;
       default:
-        record_.quads.reservedEnd = Piece(noise);  // nobody reads it
+        record_.quads.reservedEnd = Piece(noise);  // not read by the plug-in
     }
     JudgePieces();
   }
@@ -255,7 +255,7 @@ class AnyRecord {
   bool worldsMayBeRefused_ = false;
 };
 
-/// A host with the plug-in set up; it lives for many inputs.
+/// A host with the plug-in set up, for many inputs.
 class Stage {
  public:
   Stage()
@@ -272,7 +272,7 @@ class Stage {
     Clear();
   }
 
-  /// Ends the plug-in's life.
+  /// Sets the plug-in down.
   void Close() {
     host.Close();
     ExpectNoViolation();
@@ -493,7 +493,7 @@ class Stage {
 }  // namespace
 
 extern "C" int LLVMFuzzerInitialize(int* /*count*/, char*** /*arguments*/) {
-  setenv("LP_NUM_THREADS", "0", 0);  // tiny pictures: threads would only wait for one another
+  setenv("LP_NUM_THREADS", "0", 0);  // tiny pictures: threads would only block one another
   return 0;
 }
 

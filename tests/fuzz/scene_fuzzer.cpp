@@ -1,5 +1,5 @@
 // Bytes as a scene file: whatever they are, reading ends with a scene that holds what it promises,
-// at each of its frames, or with an InputError; and the stand-in's own model draws what was read.
+// at each of its frames, or with an InputError; and the reference model draws what was read.
 
 #include <algorithm>
 #include <array>
@@ -72,7 +72,7 @@ PieceQuad ToQuad(const tarvo::Piece& piece) {
   return quad;
 }
 
-/// The first pieces of the bones that are switched on, in a small frame.
+/// The first pieces of the active bones, in a small frame.
 void Draw(const tarvo::Scene& scene) {
   constexpr std::size_t kMostBones = 4;
   constexpr std::size_t kMostPieces = 12;

@@ -35,7 +35,7 @@ TEST_F(Context, AStartUpAfterAShutdownBuildsEverythingAnew) {
     EXPECT_EQ(AESDK_OpenGL_PrepareRenderTarget(gState, 8, 8), AESDK_OpenGL_Err_None);
     EXPECT_EQ(AESDK_OpenGL_BindRenderTarget(gState), AESDK_OpenGL_Err_None);
     EXPECT_EQ(glGetError(), GLenum{GL_NO_ERROR});
-    // The render target is not deleted first: it dies with its context.
+    // The render target is not deleted first: it is deleted with its context.
     EXPECT_EQ(AESDK_OpenGL_ShutDown(gState), AESDK_OpenGL_Err_None);
   }
 }

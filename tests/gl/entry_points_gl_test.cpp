@@ -8,7 +8,7 @@
 namespace AESDK_OpenGL {
 namespace {
 
-// A look-up that asks the context, withholds what it is told to and notes what it was asked for.
+// A look-up that queries the context, hides chosen entry points and records what was requested.
 std::vector<std::string> gWithheld;
 std::vector<std::string> gRequested;
 

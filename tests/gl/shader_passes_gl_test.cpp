@@ -24,7 +24,7 @@ struct Piece {
   Texel color = {1, 1, 1, 1};
 };
 
-// Draws pieces over two pixels, with an image and maps of floats, so that a threshold can be met to
+// Draws pieces over two pixels, with an image and maps of floats, so that a threshold can be hit to
 // the last bit.
 class ShaderPass : public StartedFramework {
  protected:

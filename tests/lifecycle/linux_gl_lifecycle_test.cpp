@@ -1,5 +1,6 @@
-// Whole lives on machines whose OpenGL refuses, one refusal each. The linker turns three operations
-// of OpenGL itself to this file (CMakeLists.txt), so that what they answer can be chosen.
+// Lifecycle scenarios on machines whose OpenGL refuses, one refusal each. The linker turns three
+// operations of OpenGL itself to this file (CMakeLists.txt), so that what they answer can be
+// chosen.
 
 #include <algorithm>
 #include <cstdint>
@@ -160,8 +161,8 @@ class GlLifecycle : public ::testing::Test {
  protected:
   void TearDown() override { Mend(); }
 
-  /// A life in which something is broken after its `step`: no step may fail with another code than
-  /// 512, nothing is lost and no context mixed up. Returns the number of steps that failed.
+  /// A scenario in which something is broken after its `step`: no step may fail with another code
+  /// than 512, nothing is lost and no context mixed up. Returns the number of steps that failed.
   static long LiveWith(const std::function<void()>& breakSomething) {
     LifecycleScenario scenario;
     breakSomething();
@@ -182,7 +183,7 @@ class GlLifecycle : public ::testing::Test {
     return failed;
   }
 
-  /// The next life is as good as any.
+  /// The next scenario succeeds.
   static void ExpectRecovery() {
     EXPECT_EQ(LiveWith([] {}), 0);
   }

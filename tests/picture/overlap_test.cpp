@@ -95,7 +95,7 @@ TEST(Overlap, PiecesOfOneImageShowThroughOnlyInFastMode) {
   // Fast, green first: red 48, green 168, alpha 214; then red: 120 + 48 * 0.4 = 139.2,
   // 168 * 0.4 = 67.2, 153 + 214 * 0.4 = 238.6.
   EXPECT_EQ(CentreOf({bone}, false), (Rgba{.red = 148, .green = 71, .blue = 0, .alpha = 239}));
-  // Below half alpha nobody owns the pixel, and both are drawn again.
+  // Below half alpha no piece owns the pixel, and both are drawn again.
   for (Rgba& pixel : bone.imageA.pixels) pixel.alpha = 120;
   EXPECT_EQ(CentreOf({bone}, true), CentreOf({bone}, false));
 }

@@ -1,4 +1,4 @@
-// Work on an image's maps is limited to the box of its pieces; nobody must be able to tell.
+// Work on an image's maps is limited to the box of its pieces, which must not be visible.
 
 #include "plugin/render/piece_area.h"
 

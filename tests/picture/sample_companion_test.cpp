@@ -37,7 +37,8 @@ class SampleCompanionTest : public check::RigTest {
     in.time_scale = 25;
     const std::size_t worlds = rig.host.tracker.Count(Kind::kWorld);
     const A_Err err = sample_.Send(in, place, left, top);
-    // Whether it was taken or not, the sender's world is gone; the plug-in's own one waits.
+    // Whether it was copied or not, the sender's world is disposed of; the plug-in's own one is
+    // pending.
     EXPECT_EQ(rig.host.tracker.Count(Kind::kWorld),
               worlds + (sample_.ImageIsNew() ? lost_ : waiting_));
     EXPECT_TRUE(rig.host.tracker.Balanced());
@@ -91,7 +92,7 @@ TEST_F(SampleCompanionTest, KeepsWhatWasNotTakenForTheNextTime) {
   EXPECT_EQ(PixelAt(36, 46), kShown);
 }
 
-/// The renderer clears the flag though it could not copy the image, whose world is then nobody's.
+/// The renderer clears the flag though it could not copy the image, whose world then has no owner.
 TEST_F(SampleCompanionTest, SendsAnImageAgainThatWasLostOnItsWay) {
   rig.host.injector.FailOperation("copy");
   lost_ = 1;

@@ -1,4 +1,4 @@
-// Outputs larger than the render target are drawn in tiles; nobody must be able to tell.
+// Outputs larger than the render target are drawn in tiles, which must not be visible.
 
 #include <algorithm>
 #include <cstdint>

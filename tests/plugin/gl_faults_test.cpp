@@ -1,4 +1,4 @@
-// Machines whose OpenGL lacks something: the host is told in words, nothing is lost (the fixture
+// Machines whose OpenGL lacks something: the host gets a message, nothing leaks (the fixture
 // looks), and the next start goes well.
 
 #include <array>
@@ -131,7 +131,7 @@ TEST_F(GlRenderFaultsTest, FramebufferThatIsNotCompleteIsToldInWords) {
       EXPECT_TRUE(result.command.displayMessage);
       EXPECT_TRUE(IsTransparent(result.picture));
     }
-    // Images that wait are not lost by it.
+    // Pending images are kept.
     EXPECT_EQ(rig.Render().picture, good);
   }
 }

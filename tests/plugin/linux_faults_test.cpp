@@ -15,7 +15,7 @@ class FaultsTest : public check::HostTest {
   }
 };
 
-/// The host is told in words, nothing is lost (TearDown looks), and the next start goes well.
+/// The host gets a message, nothing leaks (TearDown checks), and the next start succeeds.
 TEST_F(FaultsTest, AStartThatTheSystemRefusesIsToldAndTheNextOneWorks) {
   using Faults = WindowSystemFaults;
   for (const auto fault :

@@ -118,7 +118,7 @@ probe::Answer Doing(Use use) {
   };
 }
 
-// Each violation is one answer of the probe; the host must name it in these words.
+// Each violation is one answer of the probe; the host's message must contain these words.
 struct Violation {
   const char* name;
   probe::Answer answer;
@@ -136,7 +136,7 @@ std::vector<Violation> Violations() {
          DisposeOf(c, effect);
          DisposeOf(c, effect);
        }),
-       {"AEGP_DisposeEffect was given effect reference", "given back before"}},
+       {"AEGP_DisposeEffect was given effect reference", "released before"}},
       {"null",
        Doing([](const Command& c) { DisposeOf(c, AEGP_EffectRefH{}); }),
        {"AEGP_DisposeEffect was given null"}},

@@ -29,7 +29,7 @@ TEST(Animation, EasesAlongTheHandles) {
       {{Kind::kCurve, 1.0 / 3, 0, 2.0 / 3, 1}, 0.25, 0.15625},   // x = s, y = 3s² - 2s³
       {{Kind::kCurve, 1.0 / 3, 0, 2.0 / 3, 2}, 0.75, 1.265625},  // beyond the way
       {{Kind::kCurve, 1.0 / 3, -1, 2.0 / 3, 1}, 0.25, -0.265625},
-      {{Kind::kCurve, 1, 0, 0, 1}, 0.4375, 0.15625},  // s = 1/4; standing still half way
+      {{Kind::kCurve, 1, 0, 0, 1}, 0.4375, 0.15625},  // s = 1/4; slope 0 half way
       {{Kind::kCurve, 0, 1, 1, 0}, 0.15625, 0.4375},  // s = 1/4; rushing at both ends
       {{Kind::kCurve, 0.42, 0, 0.58, 1}, 0.5, 0.5},
       {{Kind::kCurve, 0, 0, 0, 0}, 1e-9, 1e-9},  // s = 0.001; no slope at the start

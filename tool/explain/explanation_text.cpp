@@ -99,10 +99,10 @@ class Writer {
       }
       text_ += "  " + std::to_string(OrderOf(overlap_, tie.last)) + " to " +
                std::to_string(OrderOf(overlap_, tie.first)) +
-               ": some lie on one another, so their order is seen\n";
+               ": some overlap, so their order is visible\n";
     }
     if (unseen > 0) {
-      text_ += "  and " + Counted(unseen, "group") + " where none lies on another\n";
+      text_ += "  and " + Counted(unseen, "group") + " where none overlaps another\n";
     }
   }
 

@@ -130,8 +130,8 @@ void FlipFinder::FindTouching(const std::vector<std::size_t>& bones, FrameState&
         return state.touching.size() <= kMostTouching;
       });
   if (!areAll || state.touching.size() > kMostTouching) {
-    throw InputError({"flips: too many pieces lie on one another: at most " +
-                      std::to_string(kMostTouching) + " pairs of different bones expected, and " +
+    throw InputError({"flips: too many pieces overlap: at most " + std::to_string(kMostTouching) +
+                      " pairs of different bones expected, and " +
                       std::to_string(kMostComparisons) + " pairs in the same columns"});
   }
   std::ranges::sort(state.touching);

@@ -52,7 +52,7 @@ std::string FlipsText(const Animation& animation, const std::vector<Flip>& flips
   std::string text;
   for (const Flip& flip : flips) {
     text += "frame " + std::to_string(flip.frame) + ": " + nameOf(flip.front) +
-            " comes in front of " + nameOf(flip.behind) + ", " + std::to_string(flip.pairs) +
+            " moves in front of " + nameOf(flip.behind) + ", " + std::to_string(flip.pairs) +
             (flip.pairs == 1 ? " pair" : " pairs") + " of pieces, " + std::to_string(flip.pixels) +
             " pixels\n";
     for (const FlipTrack& track : flip.tracks) {
@@ -60,7 +60,8 @@ std::string FlipsText(const Animation& animation, const std::vector<Flip>& flips
     }
     if (flip.cause == Flip::Cause::kOther) {
       text +=
-          "  no key moves their depth here: bones were switched on or off and changed numbers\n";
+          "  no key moves their depth here: bones were activated or deactivated and changed "
+          "numbers\n";
     }
     text += Advice(flip);
   }

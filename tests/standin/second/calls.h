@@ -9,7 +9,7 @@
 #include "plugin.h"
 
 /// \file
-/// What the plug-in knows of its host, and calls of everything that the host has.
+/// The plug-in's view of its host, and calls of all host operations.
 
 namespace second {
 

@@ -147,7 +147,7 @@ constexpr Field kUtilities[] = {
     {41, 536, "get_pixel_data16"},
 };
 
-/// "+" stands for the operations that two versions of the utility suite share.
+/// "+" is for the operations that two versions of the utility suite share.
 std::vector<std::string> Split(const std::string& names, const std::string& prefix = "") {
   std::istringstream stream(names);
   std::vector<std::string> split;

@@ -64,7 +64,7 @@ Curve WithLength(const SceneNode& node, Curve (*read)(const SceneNode&)) {
   const std::size_t faultsBefore = node.FaultCount();
   const Curve curve = read(node);
   if (node.FaultCount() == faultsBefore && CurveLength(curve) == 0.0) {
-    node.Fault("points apart from one another expected, all at one place given");
+    node.Fault("distinct points expected, all at one place given");
   }
   return curve;
 }
