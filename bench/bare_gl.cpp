@@ -39,7 +39,9 @@ const char* const kLeanFragmentSource =
 template <class Pointer>
 void Load(Pointer& entryPoint, const char* name) {
   entryPoint = reinterpret_cast<Pointer>(reinterpret_cast<void (*)()>(wglGetProcAddress(name)));
-  if (entryPoint == nullptr) throw std::runtime_error(std::string("OpenGL has no ") + name);
+  if (entryPoint == nullptr) {
+    throw std::runtime_error(std::string("OpenGL has no ") + name);
+  }
 }
 
 /// A picture's red and blue change places on the way in, so that the way out gives the host's order
@@ -116,7 +118,9 @@ void BareGl::MakeProgram(const EntryPoints& gl, Shading shading) {
   gl.linkProgram(program);
   GLint linked = GL_FALSE;
   gl.getProgram(program, GL_LINK_STATUS, &linked);
-  if (linked == GL_FALSE) throw std::runtime_error("the bare program's shaders do not link");
+  if (linked == GL_FALSE) {
+    throw std::runtime_error("the bare program's shaders do not link");
+  }
   gl.useProgram(program);
   passLocation_ = gl.getUniformLocation(program, "dataFromAE");
   // The maps are not wanted here: their samplers look where there is no texture, which is cheapest.

@@ -49,7 +49,9 @@ void PaintPiece(cairo_t* painter, cairo_surface_t* image, const Vertex* corners)
 }  // namespace
 
 CairoPainter::CairoPainter(const Rig& rig) : size_(rig.size), frame_(NewSurface(rig.size)) {
-  for (const Bone& bone : rig.bones) images_.push_back(SurfaceOf(bone.image));
+  for (const Bone& bone : rig.bones) {
+    images_.push_back(SurfaceOf(bone.image));
+  }
 }
 
 CairoPainter::Surface CairoPainter::NewSurface(FrameSize size) {

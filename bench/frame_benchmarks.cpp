@@ -31,7 +31,9 @@ std::size_t Differences(const tarvo::Picture& one, const tarvo::Picture& other) 
 void RequireSame(const tarvo::Picture& one, const tarvo::Picture& other) {
   const auto pixels = static_cast<double>(one.pixels.size());
   const auto unlike = static_cast<double>(Differences(one, other));
-  if (unlike <= kTolerated * pixels) return;
+  if (unlike <= kTolerated * pixels) {
+    return;
+  }
   throw std::runtime_error("the bare program draws another picture than the plug-in: " +
                            std::to_string(unlike) + " pixels");
 }
@@ -40,7 +42,9 @@ void RequireSame(const tarvo::Picture& one, const tarvo::Picture& other) {
 void RequireSameCoverage(const tarvo::Picture& ours, std::size_t theirs) {
   const auto covered = static_cast<double>(std::ranges::count_if(
       ours.pixels, [](const tarvo::Rgba& pixel) { return pixel.alpha != 0; }));
-  if (std::abs(covered - static_cast<double>(theirs)) <= 0.01 * covered) return;
+  if (std::abs(covered - static_cast<double>(theirs)) <= 0.01 * covered) {
+    return;
+  }
   throw std::runtime_error("Cairo covers " + std::to_string(theirs) + " pixels, the plug-in " +
                            std::to_string(covered));
 }
@@ -50,7 +54,9 @@ class Match {
  public:
   Match(const Rig& rig, Shading shading)
       : hosted_(rig), bare_(rig.size, shading), drawing_(InOrder(rig)) {
-    for (const Bone& bone : rig.bones) bare_.AddImage(bone.image);
+    for (const Bone& bone : rig.bones) {
+      bare_.AddImage(bone.image);
+    }
     hosted_.TimeRender(true);
     const tarvo::Picture ours = hosted_.LastPicture();
     hosted_.TimeHostCalls(bare_.Draw(drawing_));
@@ -118,7 +124,9 @@ PlayPair SecondFrame() {
 PlayPair Upload() {
   const Rig rig = Limbs(kSmall);
   const auto bare = std::make_shared<BareGl>(rig.size);
-  for (const Bone& bone : rig.bones) bare->AddImage(bone.image);
+  for (const Bone& bone : rig.bones) {
+    bare->AddImage(bone.image);
+  }
   return [hosted = std::make_shared<HostedRig>(rig), bare, rig] {
     hosted->Send(true);
     const double first = hosted->TimeRender(true);

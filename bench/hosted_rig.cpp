@@ -75,7 +75,9 @@ PF_Err FrameWithoutDrawing(PF_Cmd /*command*/, PF_InData* in, PF_OutData* /*out*
 }
 
 void Expect(const char* what, const standin::CommandResult& result) {
-  if (result.Ok()) return;
+  if (result.Ok()) {
+    return;
+  }
   throw std::runtime_error(std::string(what) + " returned " + std::to_string(result.code) + ": " +
                            result.message);
 }
@@ -143,7 +145,9 @@ HostedRig::HostedRig(const Rig& rig)
 }
 
 HostedRig::~HostedRig() {
-  while (!layer_.effects.empty()) TheHost().Remove(*layer_.effects.back());
+  while (!layer_.effects.empty()) {
+    TheHost().Remove(*layer_.effects.back());
+  }
 }
 
 void HostedRig::Send(bool withImages) {
@@ -186,7 +190,9 @@ Drawing InOrder(const Rig& rig) {
   }
   std::ranges::stable_sort(order, std::greater(), &Placed::depth);
   Drawing drawing;
-  for (const Placed& placed : order) Append(placed, drawing);
+  for (const Placed& placed : order) {
+    Append(placed, drawing);
+  }
   return drawing;
 }
 

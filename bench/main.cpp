@@ -32,7 +32,9 @@ void Hold(benchmark::State& state, BenchmarkResult& result) {
     std::vector<double> theirs;
     for ([[maybe_unused]] auto _ : state) {
       const Pair pair = play();
-      if (!(pair.theirs > 0.0)) throw std::runtime_error("there is nothing to hold it against");
+      if (!(pair.theirs > 0.0)) {
+        throw std::runtime_error("there is nothing to hold it against");
+      }
       ours.push_back(pair.ours);
       theirs.push_back(pair.theirs);
       ratios.push_back(pair.ours / pair.theirs);
@@ -86,9 +88,12 @@ void Register(Results& results) {
 
 Results Everything() {
   Results results;
-  for (const Benchmark& benchmark : Benchmarks())
+  for (const Benchmark& benchmark : Benchmarks()) {
     results.benchmarks.push_back({.benchmark = &benchmark});
-  for (const SweepPoint& point : SweepPoints()) results.sweeps.push_back({.point = &point});
+  }
+  for (const SweepPoint& point : SweepPoints()) {
+    results.sweeps.push_back({.point = &point});
+  }
   return results;
 }
 
@@ -104,7 +109,9 @@ bool Print(const std::vector<BenchmarkResult>& benchmarks) {
   for (const BenchmarkResult& result : benchmarks) {
     const Pair times = result.Times();
     std::printf("ratio %s %.3f", result.benchmark->name.c_str(), result.Ratio());
-    if (result.benchmark->goal) std::printf(" <= %.2f", *result.benchmark->goal);
+    if (result.benchmark->goal) {
+      std::printf(" <= %.2f", *result.benchmark->goal);
+    }
     const char* const unit = result.benchmark->unit.c_str();
     std::printf("%s (%.2f %s against %.2f %s; %s against %s)\n", result.Missed() ? " MISSED" : "",
                 times.ours, unit, times.theirs, unit, result.benchmark->ours.c_str(),
@@ -149,7 +156,9 @@ bool MeasureAll(const std::string& page) {
                        std::ranges::none_of(results.sweeps, &SweepResult::failed);
   KeepWhatRan(results);
   const bool isMet = Print(results.benchmarks);
-  if (!page.empty()) tarvo::WriteWholeFile(tarvo::FilePath(page), Page(results));
+  if (!page.empty()) {
+    tarvo::WriteWholeFile(tarvo::FilePath(page), Page(results));
+  }
   return isMet && isWhole;
 }
 
@@ -175,7 +184,9 @@ int RunBench(int argc, char** argv) {
     std::printf("%f\n", SequenceRenderCommands());
     return 0;
   }
-  if (!isMemoryFresh) KeepMemory();
+  if (!isMemoryFresh) {
+    KeepMemory();
+  }
   return MeasureAll(page) ? 0 : 1;
 }
 

@@ -50,7 +50,9 @@ PF_Err OnlyHostCalls(PF_Cmd /*command*/, PF_InData* in, PF_OutData* /*out*/,
 Rig Crowd() {
   Rig rig = Field((kEffects - 1) * kPiecesOfMessage, 0.1);
   rig.bones.resize(kEffects - 1);
-  for (Bone& bone : rig.bones) bone.pieces.resize(kPiecesOfMessage, bone.pieces.front());
+  for (Bone& bone : rig.bones) {
+    bone.pieces.resize(kPiecesOfMessage, bone.pieces.front());
+  }
   return rig;
 }
 
@@ -74,7 +76,9 @@ struct Parameters {
   Parameters() : definitions(plugin::PARAM_COUNT) {
     definitions[static_cast<std::size_t>(plugin::StartZIndex(0))].u.fs_d.value = 100.0;
     definitions[static_cast<std::size_t>(plugin::EndZIndex(0))].u.fs_d.value = -100.0;
-    for (PF_ParamDef& definition : definitions) pointers.push_back(&definition);
+    for (PF_ParamDef& definition : definitions) {
+      pointers.push_back(&definition);
+    }
   }
 
   std::vector<PF_ParamDef> definitions;

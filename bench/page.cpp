@@ -67,7 +67,9 @@ void WriteTable(std::ostream& page, const std::vector<BenchmarkResult>& benchmar
 void WriteNotes(std::ostream& page, const std::vector<BenchmarkResult>& benchmarks) {
   for (const BenchmarkResult& result : benchmarks) {
     const Benchmark& benchmark = *result.benchmark;
-    if (benchmark.note.empty()) continue;
+    if (benchmark.note.empty()) {
+      continue;
+    }
     page << "<p><b>" << benchmark.name << "</b> " << benchmark.note << "</p>\n";
   }
 }
@@ -118,7 +120,9 @@ class Plot {
            << '>' << Text(share * mostY_, mostY_ < 10.0 ? 1 : 0) << " ms</text>\n";
     }
     for (const SweepResult& result : results_) {
-      if (result.point->series != results_.front().point->series) continue;
+      if (result.point->series != results_.front().point->series) {
+        continue;
+      }
       page << "<text text-anchor=middle x=" << PlaceOfX(result.point->x) << " y=" << kBottom + 18.0
            << '>' << result.point->label << "</text>\n";
     }

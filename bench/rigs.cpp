@@ -104,7 +104,9 @@ std::vector<PieceQuad> Slices(const Place& limb) {
 std::string InWords(int images, int pieces) {
   const auto counted = [](int count, const std::string& what) {
     std::string digits = std::to_string(count);
-    if (digits.size() > 3) digits.insert(digits.size() - 3, ",");
+    if (digits.size() > 3) {
+      digits.insert(digits.size() - 3, ",");
+    }
     return digits + ' ' + what + (count == 1 ? "" : "s");
   };
   return counted(images, "image") + ", " + counted(pieces, "piece");

@@ -28,7 +28,9 @@ PF_Err ClockedEntryPoint(PF_Cmd command, PF_InData* in, PF_OutData* out, PF_Para
   PF_Err result = PF_Err_NONE;
   const double spent =
       ElapsedMilliseconds([&] { result = gLibrary(command, in, out, params, output, extra); });
-  if (command == PF_Cmd_RENDER) gRenderMilliseconds += spent;
+  if (command == PF_Cmd_RENDER) {
+    gRenderMilliseconds += spent;
+  }
   return result;
 }
 
@@ -42,7 +44,9 @@ double WholeCommand() {
   int code = 0;
   const double spent = ElapsedMilliseconds([&] { code = std::system(command.c_str()); });
   std::filesystem::remove_all(folder);
-  if (code != 0) throw std::runtime_error("this failed: " + command);
+  if (code != 0) {
+    throw std::runtime_error("this failed: " + command);
+  }
   return spent;
 }
 
@@ -52,10 +56,14 @@ double RenderCommandsElsewhere() {
                               std::filesystem::read_symlink("/proc/self/exe").string() + "\" " +
                               kSequenceRenderCommands;
   std::FILE* const output = popen(command.c_str(), "r");
-  if (output == nullptr) throw std::runtime_error("this does not start: " + command);
+  if (output == nullptr) {
+    throw std::runtime_error("this does not start: " + command);
+  }
   double milliseconds = 0.0;
   const bool isRead = std::fscanf(output, "%lf", &milliseconds) == 1;
-  if (pclose(output) != 0 || !isRead) throw std::runtime_error("this failed: " + command);
+  if (pclose(output) != 0 || !isRead) {
+    throw std::runtime_error("this failed: " + command);
+  }
   return milliseconds;
 }
 

@@ -39,7 +39,9 @@ class BadRecords : public RigTest {
     rig.SetDepth(1, -5, -5);
     rig.SetDepth(2, 3, 3);
     rig.Send();
-    for (const Mode mode : {kExact, kFast}) good_[mode] = Frame(mode);
+    for (const Mode mode : {kExact, kFast}) {
+      good_[mode] = Frame(mode);
+    }
   }
 
   enum Mode : std::size_t { kExact, kFast };
@@ -59,7 +61,9 @@ class BadRecords : public RigTest {
       const Picture frame = Frame(mode);
       std::size_t different = 0;
       for (int y = 30; y < 80; ++y) {
-        for (int x = 20; x < 90; ++x) different += frame.At(x, y) == good_[mode].At(x, y) ? 0U : 1U;
+        for (int x = 20; x < 90; ++x) {
+          different += frame.At(x, y) == good_[mode].At(x, y) ? 0U : 1U;
+        }
       }
       EXPECT_EQ(different, 0U) << after << (mode == kFast ? ", fast" : ", exact");
     }
@@ -102,7 +106,9 @@ struct Field {
 std::vector<std::vector<std::uint8_t>> CorruptValues(std::size_t bytes, std::mt19937& random) {
   std::vector<std::vector<std::uint8_t>> values;
   const auto add = [&](const auto& value) {
-    if (sizeof value != bytes) return;
+    if (sizeof value != bytes) {
+      return;
+    }
     const auto* first = reinterpret_cast<const std::uint8_t*>(&value);
     values.emplace_back(first, first + sizeof value);
   };
@@ -110,13 +116,16 @@ std::vector<std::vector<std::uint8_t>> CorruptValues(std::size_t bytes, std::mt1
        {-0.0, 1.0, -1.0, 1e-310, 1e12, 3.5e38, 1e300, -1e300, kNone, kEndless, -kEndless}) {
     add(value);
   }
-  for (const A_long value : {0, 1, -1, 2, 65'534, 65'535, 65'536, kLeast, kMost}) add(value);
+  for (const A_long value : {0, 1, -1, 2, 65'534, 65'535, 65'536, kLeast, kMost}) {
+    add(value);
+  }
   for (const std::uint8_t byte : std::initializer_list<std::uint8_t>{0, 1, 127, 128, 255}) {
     values.emplace_back(bytes, byte);
   }
   for (int i = 0; i < 8; ++i) {
-    for (std::uint8_t& byte : values.emplace_back(bytes))
+    for (std::uint8_t& byte : values.emplace_back(bytes)) {
       byte = static_cast<std::uint8_t>(random());
+    }
   }
   return values;
 }
@@ -141,7 +150,9 @@ CHECK_F(BadRecords, ToleratesEveryFieldAtItsLimits,
       std::memcpy(reinterpret_cast<std::uint8_t*>(&record) + field.offset, value.data(),
                   value.size());
       const A_long place = record.effectIndex;
-      if (place == front.Position()) continue;  // it would be believed
+      if (place == front.Position()) {  // it would be believed
+        continue;
+      }
       const CompanionSlot before = record;
       EXPECT_EQ(SendRecord(record), place < 0 || place > 65'535 ? kRefused : 0)
           << field.name << " " << ::testing::PrintToString(value);
@@ -167,7 +178,9 @@ CHECK_F(BadRecords, ToleratesEveryNumberInAPiece,
   }
   std::vector<PieceQuad> ofNoImage = pieces;
   for (const std::uint32_t select : {1U, 2U, 0x7FFF'FFFFU, 0x8000'0000U, 0xFFFF'FFFEU}) {
-    for (PieceQuad& piece : ofNoImage) piece.imageSelect = select;
+    for (PieceQuad& piece : ofNoImage) {
+      piece.imageSelect = select;
+    }
     CompanionSlot record = RecordOf(ofNoImage, bad.Position());
     EXPECT_EQ(SendRecord(record), 0);
     ExpectGoodBoneDrawn("imageSelect " + std::to_string(select));
@@ -293,7 +306,9 @@ CHECK_F(BadRecords, PassesCorruptImagesToTheHost,
       EXPECT_EQ(SendRecord(record) != 0, image.isRefused) << image.name;
       EXPECT_EQ(flag == 0, image.isTaken) << image.name;
       EXPECT_EQ(rig.host.worlds.IsLive(made), !image.isTaken || image.isRefused) << image.name;
-      if (rig.host.worlds.IsLive(made)) rig.host.worlds.Dispose(&made, "the companion");
+      if (rig.host.worlds.IsLive(made)) {
+        rig.host.worlds.Dispose(&made, "the companion");
+      }
       for (const std::string& violation : rig.host.tracker.Violations()) {
         EXPECT_TRUE(image.isRefused && violation.starts_with("copy was given")) << violation;
       }

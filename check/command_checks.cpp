@@ -94,7 +94,9 @@ CHECK_F(Commands, RefuseMissingRecords,
   }
   std::vector<PF_ParamDef> definitions(host.DeclaredParameters().size());
   std::vector<PF_ParamDef*> parameters;
-  for (PF_ParamDef& definition : definitions) parameters.push_back(&definition);
+  for (PF_ParamDef& definition : definitions) {
+    parameters.push_back(&definition);
+  }
   EXPECT_EQ(PluginUnderCheck()(PF_Cmd_RENDER, &in, &out, parameters.data(), nullptr, nullptr), 516);
   EXPECT_EQ(host.injector.Calls(), calls);
   EXPECT_TRUE(host.Render(renderer).command.Ok());
@@ -172,7 +174,9 @@ CHECK_F(Commands, CallTheHostWithTheAgreedArguments,
   for (const auto& [operation, arguments] : cases) {
     EXPECT_GT(host.injector.Calls(operation), 0U) << operation;
     for (const standin::CallRecord& call : host.injector.Log()) {
-      if (call.operation != operation) continue;
+      if (call.operation != operation) {
+        continue;
+      }
       EXPECT_NE(call.arguments.find(arguments), std::string::npos) << operation << call.arguments;
     }
   }

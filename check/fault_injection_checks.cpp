@@ -88,7 +88,9 @@ void JudgeSteps(const LifecycleScenario& scenario, std::uint64_t& unreported) {
     } else if (!step.result.Ok()) {
       JudgeCode(step);
     }
-    if (!step.result.Ok()) continue;
+    if (!step.result.Ok()) {
+      continue;
+    }
     unreported += step.injected.size();
     for (const CallRecord& call : step.injected) {
       EXPECT_TRUE(IsHarmless(call)) << step.name << " succeeded though " << call.operation << "("
@@ -220,7 +222,9 @@ class FaultInjection : public ::testing::TestWithParam<std::uint64_t> {
       scenario.End();
       injected = Judge(scenario, tally);
     }
-    if (injected > 0 && !drawn) ExpectGood(ViewsOfNewHost());  // of the same load
+    if (injected > 0 && !drawn) {  // of the same load
+      ExpectGood(ViewsOfNewHost());
+    }
     return injected;
   }
 

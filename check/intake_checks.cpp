@@ -56,7 +56,9 @@ CHECK_F(Intake, NumbersActiveCompanionsFromTheTop,
   host.AddEffect(TheLayer(), "qez_tarvo", 0);
   host.AddEffect(TheLayer(), "QEZ_Tarvo ", 2);
   host.AddEffect(TheLayer(), std::string(47, 'x'));  // as long as hosts have them
-  for (Companion* bone : {&last, &first, &middle}) host.Send(*bone, renderer);
+  for (Companion* bone : {&last, &first, &middle}) {
+    host.Send(*bone, renderer);
+  }
   EXPECT_EQ(BoneNumbers::Seen(host, renderer, 3), (Numbers{1, 2, 3}));
 
   first.active = false;
@@ -213,7 +215,9 @@ CHECK_F(Intake, AcceptsAnImageWhosePredecessorCannotBeDisposedOf,
     ASSERT_TRUE(host.Send(companion, renderer).tookA);
     companion.imageA.Set(Picture(8, 8, kBlue));
     host.injector.FailOperation("dispose_world", 1, {.code = 61});
-    if (later != 0) host.injector.FailOperation("AEGP_GetEffectFlags", 1, {.code = later});
+    if (later != 0) {
+      host.injector.FailOperation("AEGP_GetEffectFlags", 1, {.code = later});
+    }
     const standin::SendResult sent = host.Send(companion, renderer);
     EXPECT_EQ(sent.command.code, later != 0 ? later : 61);
     EXPECT_TRUE(sent.tookA);

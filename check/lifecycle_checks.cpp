@@ -90,7 +90,9 @@ CHECK_F(GlobalSetup, SwitchesOpenGlOffOnlyWhereOldHostsHaveIt,
   } cases[] = {{10, true, true}, {10, false, false}, {11, true, false}, {13, true, false}};
   for (const auto& [major, exists, touched] : cases) {
     standin::HostOptions options{.versionMajor = major, .pathIsWide = major >= 11};
-    if (exists) options.preferences[key] = 1;
+    if (exists) {
+      options.preferences[key] = 1;
+    }
     Host& host = StartHost(options);
     EXPECT_EQ(host.Preferences().count(key), exists ? 1U : 0U) << major;
     if (exists) {

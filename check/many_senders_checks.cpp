@@ -46,18 +46,28 @@ class Model {
  public:
   void Receive(int sender, int place, const standin::Layer& layer) {
     const auto index = static_cast<std::size_t>(place);
-    if (index >= places_.size()) places_.resize(index + 1);
+    if (index >= places_.size()) {
+      places_.resize(index + 1);
+    }
     places_[index].sender = sender;
     int bone = 0;
-    for (std::size_t at = 0; at < places_.size(); ++at) places_[at].bone.reset();
+    for (std::size_t at = 0; at < places_.size(); ++at) {
+      places_[at].bone.reset();
+    }
     for (std::size_t at = 0; at < layer.effects.size(); ++at) {
       const auto* companion = dynamic_cast<const Companion*>(layer.effects[at].get());
-      if (companion == nullptr || !companion->active) continue;
-      if (at < places_.size()) places_[at].bone = bone;
+      if (companion == nullptr || !companion->active) {
+        continue;
+      }
+      if (at < places_.size()) {
+        places_[at].bone = bone;
+      }
       ++bone;
     }
     for (Place& each : places_) {
-      if (!each.bone) each.sender.reset();
+      if (!each.bone) {
+        each.sender.reset();
+      }
     }
   }
 
@@ -66,7 +76,9 @@ class Model {
     const Place* front = nullptr;
     for (const Place& place : places_) {
       const bool covers = place.sender && (*place.sender == cell || *place.sender + 1 == cell);
-      if (covers && (front == nullptr || IsNearer(*place.bone, *front->bone))) front = &place;
+      if (covers && (front == nullptr || IsNearer(*place.bone, *front->bone))) {
+        front = &place;
+      }
     }
     return front == nullptr ? std::nullopt : front->sender;
   }
@@ -159,7 +171,9 @@ CHECK_F(ManySenders, KeepTheirBoneNumbers,
         "After each of 10,000 messages from 40 companions, which are added, removed and send wrong "
         "positions, every bone has its number.") {
   for (int message = 0; message < kMessages && !HasFatalFailure(); ++message) {
-    if (Roll(3) == 0) ChangeStack();
+    if (Roll(3) == 0) {
+      ChangeStack();
+    }
     SendOne();
     ExpectPictureOfModel(message);
   }

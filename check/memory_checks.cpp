@@ -57,7 +57,9 @@ std::uint64_t FailEach(const Trial& trial) {
 class Memory : public RigTest {
  protected:
   void SetUp() override {
-    if (const char* obstacle = AllocationFaults::Obstacle()) GTEST_SKIP() << obstacle;
+    if (const char* obstacle = AllocationFaults::Obstacle()) {
+      GTEST_SKIP() << obstacle;
+    }
     for (std::uint32_t bone = 0; bone < 3; ++bone) {
       rig.AddBone(Pattern(16, 12, bone), WarpedPieces(bone, 3, kMemoryArea, 16, 12)).groupName =
           "A name that no short string holds";
@@ -70,7 +72,9 @@ class Memory : public RigTest {
 
   /// The images are sent once more and are pending.
   void SendImages() {
-    for (standin::Companion* bone : rig.ActiveCompanions()) bone->SendImagesAgain();
+    for (standin::Companion* bone : rig.ActiveCompanions()) {
+      bone->SendImagesAgain();
+    }
     rig.Send();
   }
 
@@ -191,7 +195,9 @@ CHECK(MemoryAtTheStart, RunningOutReturns4AndTheNextStartGoesWell,
       "Whichever allocation of global set-up fails, the result is 4; once set-up has begun it is "
       "reported to the user and the global data exist all the same. Nothing leaks, and the next "
       "start succeeds.") {
-  if (const char* obstacle = AllocationFaults::Obstacle()) GTEST_SKIP() << obstacle;
+  if (const char* obstacle = AllocationFaults::Obstacle()) {
+    GTEST_SKIP() << obstacle;
+  }
   std::optional<standin::Host> host;
   int ran = 0;
   const Trial trial{.name = "global set-up",

@@ -30,7 +30,9 @@ CHECK_F(NestedCommands, AreHandledDuringARender,
     }
     const PF_Err result =
         PluginUnderCheck()(command, &in, &out, parameters.data(), &output, &record);
-    if (command == PF_Cmd_RENDER) rig.host.worlds.Dispose(&output, "the test");
+    if (command == PF_Cmd_RENDER) {
+      rig.host.worlds.Dispose(&output, "the test");
+    }
     return result;
   };
   const A_long before = rig.host.FrameSetup(other).width;

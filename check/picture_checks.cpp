@@ -104,7 +104,9 @@ void ManyWarpedPieces(Rig& rig, std::uint32_t seed) {
 void EqualDepths(Rig& rig) {
   for (std::uint32_t bone = 0; bone < 2; ++bone) {
     auto pieces = WarpedPieces(41 + bone, 9, kLayerArea, 64, 48);
-    for (PieceQuad& piece : pieces) piece.boneT = 0.5;
+    for (PieceQuad& piece : pieces) {
+      piece.boneT = 0.5;
+    }
     rig.AddBone(Pattern(64, 48, 51 + bone, 150), pieces);
   }
 }

@@ -78,7 +78,9 @@ CHECK_F(FailedRenders, ReportWhatTheHostFailed,
         "transparent output; nothing leaks, and images sent again are drawn.") {
   for (const HostFailure& failing : kHostFailures) {
     SCOPED_TRACE(::testing::PrintToString(failing));
-    if (failing.imagesPending) SendImages();
+    if (failing.imagesPending) {
+      SendImages();
+    }
     const std::uint64_t injected = rig.host.injector.Injected();
     rig.host.injector.FailOperation(failing.operation, failing.occurrence, failing.failure);
     const RenderResult result = RenderBadly();
@@ -95,7 +97,9 @@ CHECK_F(FailedRenders, ReportWhatTheHostFailed,
 CHECK_F(FailedRenders, ReportAFailedFillUnlessAnImageIsPending,
         "A failed fill determines the result, which is 517 when an image is pending.") {
   for (const bool imagesPending : {false, true}) {
-    if (imagesPending) SendImages();
+    if (imagesPending) {
+      SendImages();
+    }
     rig.host.injector.FailOperation("fill", 1, kReturned);
     EXPECT_EQ(rig.host.Render(rig.renderer).command.code, imagesPending ? kCancel : kOther);
     ExpectRecovery();
@@ -146,7 +150,9 @@ CHECK_F(FailedRenders, DiscardTheImagesOfOneBoneOnly,
     rig.host.injector.FailOperation("host_new_handle", upload + 1, kReturned);
     EXPECT_EQ(RenderBadly().command.code, kCancel);
     const Picture next = rig.Render().picture;
-    for (const std::size_t at : givenUp[upload]) images[at]->picture = before[at];
+    for (const std::size_t at : givenUp[upload]) {
+      images[at]->picture = before[at];
+    }
     SendImages();
     EXPECT_EQ(next, rig.Render().picture) << upload;
   }
@@ -170,7 +176,9 @@ CHECK_F(FailedRenders, LeaveOutAMapWithoutMemory,
     standin::Companion& bone = *bones[map % 2];
     const std::vector<PieceQuad> pieces = bone.pieces;
     for (PieceQuad& piece : bone.pieces) {
-      if (piece.imageSelect == (map < 4 ? TARVO_IMAGE_A : TARVO_IMAGE_B)) piece.imageSelect = 1;
+      if (piece.imageSelect == (map < 4 ? TARVO_IMAGE_A : TARVO_IMAGE_B)) {
+        piece.imageSelect = 1;
+      }
     }
     rig.Send();
     const Picture without = rig.Render().picture;
@@ -197,7 +205,9 @@ CHECK_F(FailedRenders, Return516WithoutASuite,
        {Missing{"PF World Suite", 1, false}, Missing{"PF Handle Suite", 2, false},
         Missing{"PF Handle Suite", 2, true}, Missing{"PF Fill Matte Suite", 2, false}}) {
     SCOPED_TRACE(missing.suite);
-    if (missing.imagesPending) SendImages();
+    if (missing.imagesPending) {
+      SendImages();
+    }
     rig.host.HideSuite(missing.suite, missing.version);
     const RenderResult result = RenderBadly();
     EXPECT_EQ(result.command.code, PF_Err_BAD_CALLBACK_PARAM);

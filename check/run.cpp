@@ -33,13 +33,17 @@ void PrepareOnce() {
 
 /// "check/extent_checks.cpp:42: Expected equality of …"
 std::string MessageOf(const TestPartResult& part) {
-  if (part.skipped() || part.file_name() == nullptr) return part.message();
+  if (part.skipped() || part.file_name() == nullptr) {
+    return part.message();
+  }
   return std::string(part.file_name()) + ":" + std::to_string(part.line_number()) + ": " +
          part.message();
 }
 
 Verdict VerdictOf(const testing::TestResult& result) {
-  if (result.Failed()) return Verdict::kFailed;
+  if (result.Failed()) {
+    return Verdict::kFailed;
+  }
   return result.Skipped() ? Verdict::kSkipped : Verdict::kPassed;
 }
 
@@ -54,7 +58,9 @@ Result ResultOf(const TestInfo& info) {
                 .figures = {}};
   for (int i = 0; i < outcome.total_part_count(); ++i) {
     const TestPartResult& part = outcome.GetTestPartResult(i);
-    if (!part.passed()) result.messages.push_back(MessageOf(part));
+    if (!part.passed()) {
+      result.messages.push_back(MessageOf(part));
+    }
   }
   for (int i = 0; i < outcome.test_property_count(); ++i) {
     const testing::TestProperty& property = outcome.GetTestProperty(i);

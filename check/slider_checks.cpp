@@ -251,7 +251,9 @@ CHECK_F(Idle, WorkComesAgainAfterEverySetUp,
                                           [&] { host.SaveAndReopen(); }};
   for (const std::function<void()>& setUp : setUps) {
     for (const double expected : {1, 0}) {
-      if (expected == 1) setUp();
+      if (expected == 1) {
+        setUp();
+      }
       renderer.parameters[kHidden].SetValue(0);
       EXPECT_EQ(host.Idle(), A_Err_NONE);
       EXPECT_EQ(ValueOf(renderer, kHidden), expected) << &setUp - setUps;
@@ -283,9 +285,15 @@ CHECK_F(Idle, WorkIsNotRetriedWithoutAComposition,
     Host& host = StartHost();
     auto& renderer = host.AddRenderer(TheLayer());
     auto* const composition = host.project.ActiveComposition();
-    if (what == 0) host.project.ActivateNothing();
-    if (what == 1) host.project.ActivateFootage();
-    if (what == 2) host.project.open = false;
+    if (what == 0) {
+      host.project.ActivateNothing();
+    }
+    if (what == 1) {
+      host.project.ActivateFootage();
+    }
+    if (what == 2) {
+      host.project.open = false;
+    }
     EXPECT_EQ(host.Idle(), A_Err_NONE) << what;
     host.project.open = true;
     host.project.Activate(*composition);

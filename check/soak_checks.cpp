@@ -41,11 +41,15 @@ class Soak : public ::testing::Test {
     Slope textures;
     for (int round = 0; round < rounds && !HasFailure(); ++round) {
       runRound(round);
-      if ((round + 1) % (rounds / kSteps) != 0) continue;
+      if ((round + 1) % (rounds / kSteps) != 0) {
+        continue;
+      }
       const Usage usage = Usage::Now();
       memory.Add(usage.kilobytes);
       handles.Add(usage.handles);
-      if (TheSettings().glTextures) textures.Add(TheSettings().glTextures());
+      if (TheSettings().glTextures) {
+        textures.Add(TheSettings().glTextures());
+      }
     }
     const double roundsPerStep = rounds / kSteps;
     RecordProperty("rounds", std::to_string(rounds));
@@ -78,8 +82,12 @@ CHECK_F(Soak, FramesDoNotLeak,
     const std::uint32_t seed = TheSettings().seed + static_cast<std::uint32_t>(round);
     standin::Companion& bone = *rig.ActiveCompanions()[seed % 2];
     bone.pieces = WarpedPieces(seed, 1 + round % 4, kSmallArea, 8, 8);
-    if (round % 5 == 0) bone.imageA.Set(Pattern(8 + round % 3, 8, seed));
-    if (round % 50 == 0) rig.SetFast(round % 100 == 0);
+    if (round % 5 == 0) {
+      bone.imageA.Set(Pattern(8 + round % 3, 8, seed));
+    }
+    if (round % 50 == 0) {
+      rig.SetFast(round % 100 == 0);
+    }
     rig.Send();
     rig.Render();
   });
@@ -108,7 +116,9 @@ CHECK_F(Soak, InstancesDoNotLeak,
 CHECK_F(Soak, LibraryLoadsDoNotLeak,
         "Loading, setting up, rendering, setting down and unloading the plug-in repeatedly leaks "
         "nothing.") {
-  if (PluginFile().empty()) GTEST_SKIP() << "the plug-in is linked in";
+  if (PluginFile().empty()) {
+    GTEST_SKIP() << "the plug-in is linked in";
+  }
   Run(60, 1'000, [&](int /*round*/) {
     ReloadPlugin();
     Rig rig(PluginUnderCheck(), {.inspectPixels = false});

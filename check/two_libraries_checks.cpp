@@ -39,7 +39,9 @@ tarvo::Picture Draw(Rig& rig, unsigned seed) {
 
 CHECK(TwoLibraries, StartRenderAndStopIndependently,
       "Two files of the plug-in in one process draw and end independently.") {
-  if (PluginFile().empty()) GTEST_SKIP() << "the plug-in is linked in: there is one";
+  if (PluginFile().empty()) {
+    GTEST_SKIP() << "the plug-in is linked in: there is one";
+  }
   const OtherFile file;
   const standin::PluginLibrary other(file.Path());
   ASSERT_NE(other.EntryPoint(), PluginUnderCheck());

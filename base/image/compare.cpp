@@ -54,11 +54,17 @@ Comparison Compare(const Picture& one, const Picture& other, int tolerance,
   }
   Comparison result;
   for (std::size_t i = 0; i < one.pixels.size(); ++i) {
-    if (!where.empty() && !where[i]) continue;
+    if (!where.empty() && !where[i]) {
+      continue;
+    }
     const int difference = Difference(one.pixels[i], other.pixels[i]);
     ++result.compared;
-    if (difference > tolerance) ++result.beyond;
-    if (difference <= result.largest) continue;
+    if (difference > tolerance) {
+      ++result.beyond;
+    }
+    if (difference <= result.largest) {
+      continue;
+    }
     result.largest = difference;
     result.x = static_cast<int>(i % static_cast<std::size_t>(one.width));
     result.y = static_cast<int>(i / static_cast<std::size_t>(one.width));

@@ -15,7 +15,9 @@ constexpr std::array<const char*, 5> kVerdicts = {"passed", "failed", "skipped",
 
 Verdict VerdictNamed(const std::string& name) {
   const auto* const found = std::ranges::find(kVerdicts, name);
-  if (found == kVerdicts.end()) throw std::invalid_argument("no verdict: " + name);
+  if (found == kVerdicts.end()) {
+    throw std::invalid_argument("no verdict: " + name);
+  }
   return static_cast<Verdict>(found - kVerdicts.begin());
 }
 
@@ -27,7 +29,9 @@ bool IsBad(Verdict verdict) { return verdict != Verdict::kPassed && verdict != V
 
 nlohmann::ordered_json ToJson(const Result& result) {
   nlohmann::ordered_json figures = nlohmann::ordered_json::object();
-  for (const auto& [key, value] : result.figures) figures[key] = value;
+  for (const auto& [key, value] : result.figures) {
+    figures[key] = value;
+  }
   return {{"name", result.name},
           {"requirement", result.requirement},
           {"result", Name(result.verdict)},

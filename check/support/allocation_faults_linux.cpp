@@ -28,7 +28,9 @@ Place PlaceOf(const dl_phdr_info& file) {
   Place place{.begin = UINTPTR_MAX, .end = 0};
   for (int i = 0; i < file.dlpi_phnum; ++i) {
     const ElfW(Phdr)& part = file.dlpi_phdr[i];
-    if (part.p_type != PT_LOAD) continue;
+    if (part.p_type != PT_LOAD) {
+      continue;
+    }
     const std::uintptr_t begin = file.dlpi_addr + part.p_vaddr;
     place.begin = begin < place.begin ? begin : place.begin;
     place.end = begin + part.p_memsz > place.end ? begin + part.p_memsz : place.end;
@@ -46,7 +48,9 @@ Place PlaceAround(const void* address) {
       [](dl_phdr_info* file, std::size_t /*size*/, void* data) {
         auto& wanted = *static_cast<Search*>(data);
         const Place place = PlaceOf(*file);
-        if (!place.Holds(wanted.address)) return 0;
+        if (!place.Holds(wanted.address)) {
+          return 0;
+        }
         wanted.found = place;
         return 1;
       },
@@ -59,7 +63,9 @@ Place PlaceOfCppLibrary() {
   Place found;
   dl_iterate_phdr(
       [](dl_phdr_info* file, std::size_t /*size*/, void* data) {
-        if (std::string_view(file->dlpi_name).find("libstdc++") == std::string_view::npos) return 0;
+        if (std::string_view(file->dlpi_name).find("libstdc++") == std::string_view::npos) {
+          return 0;
+        }
         *static_cast<Place*>(data) = PlaceOf(*file);
         return 1;
       },
@@ -92,16 +98,22 @@ bool PluginAsks(const void* asker) {
 
 /// Counts one allocation; true iff it is to fail.
 bool IsDue(const void* asker) {
-  if (!PluginAsks(asker) || --gPlan.left != 0) return false;
+  if (!PluginAsks(asker) || --gPlan.left != 0) {
+    return false;
+  }
   gPlan.isOn = false;
   gPlan.fired = true;
   return true;
 }
 
 void* Allocate(std::size_t size, const void* asker) {
-  if (gPlan.isOn && IsDue(asker)) throw std::bad_alloc();
+  if (gPlan.isOn && IsDue(asker)) {
+    throw std::bad_alloc();
+  }
   void* const memory = std::malloc(size == 0 ? 1 : size);
-  if (memory == nullptr) throw std::bad_alloc();
+  if (memory == nullptr) {
+    throw std::bad_alloc();
+  }
   return memory;
 }
 

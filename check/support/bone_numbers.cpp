@@ -31,7 +31,9 @@ void BoneNumbers::SetUpBone(standin::Companion& companion, int number) {
 
 std::vector<int> BoneNumbers::Seen(standin::Host& host, standin::RendererInstance& renderer,
                                    int bones) {
-  for (int bone = 1; bone <= bones; ++bone) SetDepth(host, renderer, bone, 0);
+  for (int bone = 1; bone <= bones; ++bone) {
+    SetDepth(host, renderer, bone, 0);
+  }
   std::vector<int> seen;
   const standin::FrameExtent frame{.command = {}, .width = kBoneSide, .height = kBoneSide};
   for (int bone = 1; bone <= bones; ++bone) {

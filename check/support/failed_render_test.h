@@ -28,7 +28,9 @@ class FailedRenderTest : public RigTest {
   }
 
   void SendImages() {
-    for (standin::Companion* companion : rig.ActiveCompanions()) companion->SendImagesAgain();
+    for (standin::Companion* companion : rig.ActiveCompanions()) {
+      companion->SendImagesAgain();
+    }
     rig.Send();
   }
 

@@ -32,7 +32,9 @@ class HostTest : public ::testing::Test {
 
   /// Ends the host, for a case that makes several.
   void EndHost() {
-    if (host_ != nullptr) EndHostInOrder(*host_);
+    if (host_ != nullptr) {
+      EndHostInOrder(*host_);
+    }
     host_.reset();
   }
 

@@ -39,7 +39,9 @@ void LifecycleScenario::Do(const std::string& name, Action action) {
   Step step{.name = name, .result = action(), .injected = {}};
   if (host.injector.Injected() != before) {
     for (const standin::CallRecord& call : host.injector.Log()) {
-      if (call.injected) step.injected.push_back(call);
+      if (call.injected) {
+        step.injected.push_back(call);
+      }
     }
   }
   steps.push_back(std::move(step));
@@ -59,7 +61,9 @@ void LifecycleScenario::BuildStacks() {
 void LifecycleScenario::Send(RendererInstance& renderer) {
   for (const auto& effect : renderer.OnLayer().effects) {
     auto* bone = dynamic_cast<Companion*>(effect.get());
-    if (bone == nullptr) continue;
+    if (bone == nullptr) {
+      continue;
+    }
     bone->SendImagesAgain();
     Do("send " + bone->groupName, [&] { return host.Send(*bone, renderer).command; });
   }
@@ -101,7 +105,9 @@ Views LifecycleScenario::DrawAgain() {
     const bool setsUp = step.name == "apply" || step.name == "duplicate" || step.name == "reopen";
     return setsUp && !step.injected.empty();
   });
-  if (renderers_.empty() || !isWhole) ReplaceFirst();
+  if (renderers_.empty() || !isWhole) {
+    ReplaceFirst();
+  }
   Do("depth", [&] { return host.SetParameter(*renderers_.front(), StartZ(1), kDepth); });
   Views views;
   for (const bool fast : {true, false}) {
@@ -114,16 +120,22 @@ Views LifecycleScenario::DrawAgain() {
 
 bool LifecycleScenario::Start() {
   Do("global setup", [&] { return host.GlobalSetup(); });
-  if (!steps.back().result.Ok()) return false;  // a host gives up here
+  if (!steps.back().result.Ok()) {  // a host gives up here
+    return false;
+  }
   TheSettings().afterGlobalSetup();
   Do("parameters", [&] { return host.ParamsSetup(); });
-  if (!steps.back().result.Ok()) return false;
+  if (!steps.back().result.Ok()) {
+    return false;
+  }
   BuildStacks();
   return true;
 }
 
 void LifecycleScenario::Begin() {
-  if (!Start()) return;
+  if (!Start()) {
+    return;
+  }
   for (Layer* layer : {puppet_, other_}) {
     Do("apply", [&] {
       renderers_.push_back(&host.AddRenderer(*layer));
@@ -137,7 +149,9 @@ void LifecycleScenario::Begin() {
   Do("reopen", [&] {
     host.SaveAndReopen();
     for (const RendererInstance* renderer : renderers_) {
-      if (!renderer->setup.Ok()) return renderer->setup;
+      if (!renderer->setup.Ok()) {
+        return renderer->setup;
+      }
     }
     return CommandResult{};
   });

@@ -36,7 +36,9 @@ void ReloadPlugin() { UsePlugin(PluginFile()); }
 
 PF_EntryPoint PluginUnderCheck() {
   const PF_EntryPoint entryPoint = ThePlugin().entryPoint;
-  if (entryPoint == nullptr) throw std::logic_error("no plug-in was given to be checked");
+  if (entryPoint == nullptr) {
+    throw std::logic_error("no plug-in was given to be checked");
+  }
   return entryPoint;
 }
 

@@ -16,7 +16,9 @@ constexpr int kLayerHeight = 160;
 
 std::string Lines(const std::vector<std::string>& texts) {
   std::string lines;
-  for (const std::string& text : texts) lines += "\n  " + text;
+  for (const std::string& text : texts) {
+    lines += "\n  " + text;
+  }
   return lines;
 }
 
@@ -27,8 +29,9 @@ void EndHostInOrder(standin::Host& host,
   host.injector.FailNothing();
   host.ShowAllSuites();
   host.Close();
-  for (const std::string& violation : host.tracker.Violations())
+  for (const std::string& violation : host.tracker.Violations()) {
     EXPECT_TRUE(isExcused(violation)) << violation;
+  }
   for (const Kind kind : {Kind::kHandle, Kind::kWorld, Kind::kSuite, Kind::kLock}) {
     EXPECT_EQ(host.tracker.Count(kind), 0U) << Lines(host.tracker.Outstanding(kind));
   }
@@ -71,7 +74,9 @@ std::vector<Companion*> Rig::ActiveCompanions() const {
   std::vector<Companion*> active;
   for (const auto& effect : layer.effects) {
     auto* companion = dynamic_cast<Companion*>(effect.get());
-    if (companion != nullptr && companion->active) active.push_back(companion);
+    if (companion != nullptr && companion->active) {
+      active.push_back(companion);
+    }
   }
   return active;
 }

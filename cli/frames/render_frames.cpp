@@ -57,11 +57,15 @@ class FrameRender {
   /// The frames whose file is absent, does not decode or has another size; none where no files are
   /// made.
   [[nodiscard]] std::vector<int> Missing() const {
-    if (!MakesFiles()) return {};
+    if (!MakesFiles()) {
+      return {};
+    }
     const std::vector<char> whole = AreWhole();
     std::vector<int> missing;
     for (std::size_t place = 0; place < frames_.size(); ++place) {
-      if (whole[place] == 0) missing.push_back(frames_[place]);
+      if (whole[place] == 0) {
+        missing.push_back(frames_[place]);
+      }
     }
     return missing;
   }
@@ -83,10 +87,14 @@ class FrameRender {
         }
       }));
     }
-    for (std::future<void>& look : looks) look.get();
+    for (std::future<void>& look : looks) {
+      look.get();
+    }
     for (std::size_t place = 0; place < frames_.size(); ++place) {
       const FilePath file(FrameFile(settings_.output, frames_[place]));
-      if (StampOf(file.Get()) != stamps[place]) whole[place] = 0;
+      if (StampOf(file.Get()) != stamps[place]) {
+        whole[place] = 0;
+      }
     }
     return whole;
   }
@@ -129,9 +137,13 @@ class FrameRender {
     try {
       const std::unique_ptr<FrameOutput> output = MakeOutput();
       statistics = Pass(frames, *output, progress, interrupt);
-      if (!interrupt.Came()) output->Commit();
+      if (!interrupt.Came()) {
+        output->Commit();
+      }
     } catch (...) {
-      if (!interrupt.Came()) throw;
+      if (!interrupt.Came()) {
+        throw;
+      }
     }
     if (interrupt.Came()) {
       throw Unfinished(kInterrupted, ResumeHint("interrupted", progress.Count(), frames.size()));
@@ -143,7 +155,9 @@ class FrameRender {
   /// Renders the frames and passes them to the output. Throws when one of them does not come.
   std::optional<RunStatistics> Pass(const std::vector<int>& frames, FrameOutput& output,
                                     Progress& progress, const Interrupt& interrupt) {
-    if (frames.empty()) return std::nullopt;
+    if (frames.empty()) {
+      return std::nullopt;
+    }
     workers_.Start(frames, composer_.CropsToLayer(true), !MakesFiles());
     workers_.ExpectSize(composer_.Width(), composer_.Height());
     FrameQueue queue(

@@ -27,7 +27,9 @@ class Held {
   Held(const Held&) = delete;
   Held& operator=(const Held&) = delete;
   ~Held() {
-    if (suite_ != nullptr) host_->ReleaseSuite(name_, version_);
+    if (suite_ != nullptr) {
+      host_->ReleaseSuite(name_, version_);
+    }
   }
   explicit operator bool() const { return suite_ != nullptr; }
   const Suite* operator->() const { return suite_; }
@@ -56,7 +58,9 @@ A_Err IsRenderer(const Host& host, AEGP_EffectRefH effect, bool& isRenderer) {
   AEGP_InstalledEffectKey key = 0;
   A_char name[kMatchNameBytes] = "";
   A_Err err = host.effects->AEGP_GetInstalledKeyFromLayerEffect(effect, &key);
-  if (err == A_Err_NONE) err = host.effects->AEGP_GetEffectMatchName(key, name);
+  if (err == A_Err_NONE) {
+    err = host.effects->AEGP_GetEffectMatchName(key, name);
+  }
   isRenderer = std::string_view(name) == TARVO_RENDERER_MATCH_NAME;
   return err;
 }
@@ -67,11 +71,15 @@ A_Err FindRenderer(const Host& host, const PF_InData& in, AEGP_PluginID id,
   AEGP_LayerH layer = nullptr;
   A_long count = 0;
   A_Err err = host.layers->AEGP_GetEffectLayer(in.effect_ref, &layer);
-  if (err == A_Err_NONE) err = host.effects->AEGP_GetLayerNumEffects(layer, &count);
+  if (err == A_Err_NONE) {
+    err = host.effects->AEGP_GetLayerNumEffects(layer, &count);
+  }
   for (A_long index = 0; index < count && err == A_Err_NONE && renderer == nullptr; ++index) {
     AEGP_EffectRefH effect = nullptr;
     err = host.effects->AEGP_GetLayerEffectByIndex(id, layer, index, &effect);
-    if (err != A_Err_NONE || effect == nullptr) continue;
+    if (err != A_Err_NONE || effect == nullptr) {
+      continue;
+    }
     bool isRenderer = false;
     err = IsRenderer(host, effect, isRenderer);
     if (isRenderer && err == A_Err_NONE) {
@@ -117,7 +125,9 @@ A_Err AddImage(const Host& host, const PF_InData& in, PF_Pixel colour, Companion
   PF_EffectWorld world{};
   const A_Err err =
       host.worlds->new_world(in.effect_ref, kSide, kSide, PF_NewWorldFlag_NONE, &world);
-  if (err != A_Err_NONE) return err;
+  if (err != A_Err_NONE) {
+    return err;
+  }
   Paint(world, colour);
   std::memcpy(record.imageA, &world, sizeof world);
   record.newImageA = 1;
@@ -134,16 +144,24 @@ void DisposeOfImage(const Host& host, const PF_InData& in, const CompanionSlot& 
 
 A_Err SampleCompanion::Send(const PF_InData& in, A_long place, double left, double top) {
   const Host host(in);
-  if (!host.IsComplete()) return PF_Err_BAD_CALLBACK_PARAM;
+  if (!host.IsComplete()) {
+    return PF_Err_BAD_CALLBACK_PARAM;
+  }
   AEGP_EffectRefH renderer = nullptr;
   A_Err err = FindRenderer(host, in, id_, renderer);
-  if (renderer == nullptr) return err;
+  if (renderer == nullptr) {
+    return err;
+  }
 
   const PieceQuad piece = Square(left, top);
   CompanionSlot record = RecordOf(piece, place);
-  if (place != place_) imageIsNew_ = true;  // images belong to the place, not to the effect
+  if (place != place_) {  // images belong to the place, not to the effect
+    imageIsNew_ = true;
+  }
   place_ = place;
-  if (imageIsNew_) err = AddImage(host, in, colour_, record);
+  if (imageIsNew_) {
+    err = AddImage(host, in, colour_, record);
+  }
   if (err == A_Err_NONE) {
     const A_Time now{in.current_time, in.time_scale};
     err = host.effects->AEGP_EffectCallGeneric(id_, renderer, &now, PF_Cmd_COMPLETELY_GENERAL,
@@ -151,7 +169,9 @@ A_Err SampleCompanion::Send(const PF_InData& in, A_long place, double left, doub
     // A flag that is still set says that the image was not taken, and that its world is ours. A
     // cleared one says that the world is no longer ours; when the call failed, the image may be
     // lost all the same.
-    if (record.newImageA != 0) DisposeOfImage(host, in, record);
+    if (record.newImageA != 0) {
+      DisposeOfImage(host, in, record);
+    }
     imageIsNew_ = imageIsNew_ && (record.newImageA != 0 || err != A_Err_NONE);
   }
   host.effects->AEGP_DisposeEffect(renderer);

@@ -27,7 +27,9 @@ constexpr int kMostColorBits = 24;
 
 std::vector<EGLConfig> MatchingConfigs(const std::vector<EGLint>& attributes) {
   EGLint count = 0;
-  if (eglChooseConfig(Display(), attributes.data(), nullptr, 0, &count) != EGL_TRUE) return {};
+  if (eglChooseConfig(Display(), attributes.data(), nullptr, 0, &count) != EGL_TRUE) {
+    return {};
+  }
   std::vector<EGLConfig> configs(static_cast<std::size_t>(count));
   if (eglChooseConfig(Display(), attributes.data(), configs.data(), count, &count) != EGL_TRUE) {
     return {};
@@ -49,9 +51,13 @@ int ColorBits(EGLConfig config) {
 
 // A pixel format's number is its EGL configuration's.
 std::optional<EGLConfig> ConfigOf(int pixelFormat) {
-  if (pixelFormat <= 0) return std::nullopt;
+  if (pixelFormat <= 0) {
+    return std::nullopt;
+  }
   const auto configs = MatchingConfigs({EGL_CONFIG_ID, pixelFormat, EGL_NONE});
-  if (configs.empty()) return std::nullopt;
+  if (configs.empty()) {
+    return std::nullopt;
+  }
   return configs.front();
 }
 
@@ -77,8 +83,12 @@ std::optional<Drawable> DrawableOf(HDC deviceContext) {
   WindowRegistry& registry = Registry();
   const std::scoped_lock lock(registry.mutex);
   const Window* const window = registry.FindByDeviceContext(deviceContext);
-  if (window == nullptr) return registry.foreign.Find(deviceContext);
-  if (window->surface == EGL_NO_SURFACE) return std::nullopt;
+  if (window == nullptr) {
+    return registry.foreign.Find(deviceContext);
+  }
+  if (window->surface == EGL_NO_SURFACE) {
+    return std::nullopt;
+  }
   return Drawable{Display(), window->surface, window->surface};
 }
 
@@ -94,46 +104,70 @@ bool IsCurrentOnAnotherThread(EGLContext context) {
 }  // namespace
 
 int ChoosePixelFormat(HDC deviceContext, const PIXELFORMATDESCRIPTOR* descriptor) {
-  if (gWindowSystemFaults.pixelFormatNotFound || !IsUsable(descriptor)) return 0;
+  if (gWindowSystemFaults.pixelFormatNotFound || !IsUsable(descriptor)) {
+    return 0;
+  }
   WindowRegistry& registry = Registry();
   const std::scoped_lock lock(registry.mutex);
-  if (registry.FindByDeviceContext(deviceContext) == nullptr) return 0;
+  if (registry.FindByDeviceContext(deviceContext) == nullptr) {
+    return 0;
+  }
   return ClosestPixelFormat(*descriptor);
 }
 
 BOOL SetPixelFormat(HDC deviceContext, int format, const PIXELFORMATDESCRIPTOR* /*descriptor*/) {
-  if (gWindowSystemFaults.pixelFormatRefused) return FALSE;
+  if (gWindowSystemFaults.pixelFormatRefused) {
+    return FALSE;
+  }
   WindowRegistry& registry = Registry();
   const std::scoped_lock lock(registry.mutex);
   Window* const window = registry.FindByDeviceContext(deviceContext);
-  if (window == nullptr) return FALSE;
-  if (window->pixelFormat != 0) return window->pixelFormat == format ? TRUE : FALSE;
+  if (window == nullptr) {
+    return FALSE;
+  }
+  if (window->pixelFormat != 0) {
+    return window->pixelFormat == format ? TRUE : FALSE;
+  }
 
   const std::optional<EGLConfig> config = ConfigOf(format);
-  if (!config) return FALSE;
+  if (!config) {
+    return FALSE;
+  }
   const std::array<EGLint, 5> size = {EGL_WIDTH, window->width, EGL_HEIGHT, window->height,
                                       EGL_NONE};
   window->surface = eglCreatePbufferSurface(Display(), *config, size.data());
-  if (window->surface == EGL_NO_SURFACE) return FALSE;
+  if (window->surface == EGL_NO_SURFACE) {
+    return FALSE;
+  }
   window->pixelFormat = format;
   return TRUE;
 }
 
 HGLRC wglCreateContext(HDC deviceContext) {
-  if (gWindowSystemFaults.contextRefused) return nullptr;
+  if (gWindowSystemFaults.contextRefused) {
+    return nullptr;
+  }
   WindowRegistry& registry = Registry();
   const std::scoped_lock lock(registry.mutex);
   const Window* const window = registry.FindByDeviceContext(deviceContext);
   const std::optional<EGLConfig> config = ConfigOf(window == nullptr ? 0 : window->pixelFormat);
-  if (!config) return nullptr;
+  if (!config) {
+    return nullptr;
+  }
   const OpenGlApiScope openGl;
   return static_cast<HGLRC>(eglCreateContext(Display(), *config, EGL_NO_CONTEXT, nullptr));
 }
 
 BOOL wglDeleteContext(HGLRC context) {
-  if (context == nullptr) return FALSE;
-  if (eglGetCurrentContext() == context) Bind({});
-  if (IsCurrentOnAnotherThread(context)) return FALSE;
+  if (context == nullptr) {
+    return FALSE;
+  }
+  if (eglGetCurrentContext() == context) {
+    Bind({});
+  }
+  if (IsCurrentOnAnotherThread(context)) {
+    return FALSE;
+  }
   return eglDestroyContext(Display(), context) == EGL_TRUE ? TRUE : FALSE;
 }
 
@@ -146,7 +180,9 @@ BOOL wglMakeCurrent(HDC deviceContext, HGLRC context) {
   const std::optional<Drawable> drawable = DrawableOf(deviceContext);
   const auto refused = gWindowSystemFaults.makeCurrentRefused;
   const bool allowed = refused == nullptr || !refused(context);
-  if (drawable && allowed && Bind({*drawable, context})) return TRUE;
+  if (drawable && allowed && Bind({*drawable, context})) {
+    return TRUE;
+  }
   Bind({});
   return FALSE;
 }
@@ -155,12 +191,16 @@ HGLRC wglGetCurrentContext() { return static_cast<HGLRC>(eglGetCurrentContext())
 
 HDC wglGetCurrentDC() {
   const Binding current = CurrentBinding();
-  if (current.context == EGL_NO_CONTEXT) return nullptr;
+  if (current.context == EGL_NO_CONTEXT) {
+    return nullptr;
+  }
 
   WindowRegistry& registry = Registry();
   const std::scoped_lock lock(registry.mutex);
   for (const auto& [handle, window] : registry.windows) {
-    if (window.deviceContext == nullptr || window.surface == EGL_NO_SURFACE) continue;
+    if (window.deviceContext == nullptr || window.surface == EGL_NO_SURFACE) {
+      continue;
+    }
     if (current.drawable == Drawable{Display(), window.surface, window.surface}) {
       return window.deviceContext;
     }
@@ -169,6 +209,8 @@ HDC wglGetCurrentDC() {
 }
 
 PROC wglGetProcAddress(LPCSTR name) {
-  if (name == nullptr || eglGetCurrentContext() == EGL_NO_CONTEXT) return nullptr;
+  if (name == nullptr || eglGetCurrentContext() == EGL_NO_CONTEXT) {
+    return nullptr;
+  }
   return eglGetProcAddress(name);
 }

@@ -34,12 +34,16 @@ void GetSystemTime(SYSTEMTIME* time) {
 }
 
 HCURSOR LoadCursorA(HINSTANCE module, LPCSTR name) {
-  if (module != nullptr || name != IDC_ARROW) return nullptr;
+  if (module != nullptr || name != IDC_ARROW) {
+    return nullptr;
+  }
   return std::bit_cast<HCURSOR>(kArrowCursor);
 }
 
 HGDIOBJ GetStockObject(int number) {
-  if (number < 0 || number > kLastStockObject || number == kStockObjectGap) return nullptr;
+  if (number < 0 || number > kLastStockObject || number == kStockObjectGap) {
+    return nullptr;
+  }
   return std::bit_cast<HGDIOBJ>(kFirstStockObject + static_cast<std::uintptr_t>(number));
 }
 

@@ -22,13 +22,17 @@ HDC ForeignDrawables::DeviceContextOf(const Drawable& drawable) {
     std::rotate(found, found + 1, entries_.end());
     return entries_.back().first;
   }
-  if (entries_.size() == kMostForeignDrawables) entries_.erase(entries_.begin());
+  if (entries_.size() == kMostForeignDrawables) {
+    entries_.erase(entries_.begin());
+  }
   return entries_.emplace_back(std::bit_cast<HDC>(NextHandleNumber()), drawable).first;
 }
 
 std::optional<Drawable> ForeignDrawables::Find(HDC deviceContext) const {
   const auto found = std::ranges::find(entries_, deviceContext, &std::pair<HDC, Drawable>::first);
-  if (found == entries_.end()) return std::nullopt;
+  if (found == entries_.end()) {
+    return std::nullopt;
+  }
   return found->second;
 }
 
@@ -38,7 +42,9 @@ Window* WindowRegistry::Find(HWND window) {
 }
 
 Window* WindowRegistry::FindByDeviceContext(HDC deviceContext) {
-  if (deviceContext == nullptr) return nullptr;
+  if (deviceContext == nullptr) {
+    return nullptr;
+  }
   const auto found = std::ranges::find_if(windows, [deviceContext](const auto& entry) {
     return entry.second.deviceContext == deviceContext;
   });

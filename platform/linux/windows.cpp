@@ -39,10 +39,16 @@ bool HasWindow(const WindowRegistry& registry, std::string_view className) {
 }  // namespace
 
 ATOM RegisterClassExA(const WNDCLASSEXA* windowClass) {
-  if (gWindowSystemFaults.classRefused || windowClass == nullptr) return 0;
-  if (windowClass->cbSize != sizeof(WNDCLASSEXA)) return 0;
+  if (gWindowSystemFaults.classRefused || windowClass == nullptr) {
+    return 0;
+  }
+  if (windowClass->cbSize != sizeof(WNDCLASSEXA)) {
+    return 0;
+  }
   const std::string name = Folded(windowClass->lpszClassName);
-  if (name.empty() || name.size() > kLongestClassName) return 0;
+  if (name.empty() || name.size() > kLongestClassName) {
+    return 0;
+  }
 
   WindowRegistry& registry = Registry();
   const std::scoped_lock lock(registry.mutex);
@@ -53,18 +59,24 @@ BOOL UnregisterClassA(LPCSTR className, HINSTANCE /*module*/) {
   const std::string name = Folded(className);
   WindowRegistry& registry = Registry();
   const std::scoped_lock lock(registry.mutex);
-  if (HasWindow(registry, name)) return FALSE;
+  if (HasWindow(registry, name)) {
+    return FALSE;
+  }
   return registry.classes.erase(name) == 1 ? TRUE : FALSE;
 }
 
 HWND CreateWindowExA(DWORD /*extendedStyle*/, LPCSTR className, LPCSTR /*title*/, DWORD /*style*/,
                      int /*x*/, int /*y*/, int width, int height, HWND /*parent*/, HMENU /*menu*/,
                      HINSTANCE /*module*/, LPVOID /*parameter*/) {
-  if (gWindowSystemFaults.windowRefused) return nullptr;
+  if (gWindowSystemFaults.windowRefused) {
+    return nullptr;
+  }
   const std::string name = Folded(className);
   WindowRegistry& registry = Registry();
   const std::scoped_lock lock(registry.mutex);
-  if (!registry.classes.contains(name)) return nullptr;
+  if (!registry.classes.contains(name)) {
+    return nullptr;
+  }
 
   HWND handle = std::bit_cast<HWND>(NextHandleNumber());
   Window& window = registry.windows[handle];
@@ -79,19 +91,27 @@ BOOL DestroyWindow(HWND window) {
   WindowRegistry& registry = Registry();
   const std::scoped_lock lock(registry.mutex);
   const Window* const found = registry.Find(window);
-  if (found == nullptr || found->maker != std::this_thread::get_id()) return FALSE;
+  if (found == nullptr || found->maker != std::this_thread::get_id()) {
+    return FALSE;
+  }
   // EGL keeps a surface that is current until it no longer is.
-  if (found->surface != EGL_NO_SURFACE) eglDestroySurface(Display(), found->surface);
+  if (found->surface != EGL_NO_SURFACE) {
+    eglDestroySurface(Display(), found->surface);
+  }
   registry.windows.erase(window);
   return TRUE;
 }
 
 HDC GetDC(HWND window) {
-  if (gWindowSystemFaults.deviceContextRefused) return nullptr;
+  if (gWindowSystemFaults.deviceContextRefused) {
+    return nullptr;
+  }
   WindowRegistry& registry = Registry();
   const std::scoped_lock lock(registry.mutex);
   Window* const found = registry.Find(window);
-  if (found == nullptr) return nullptr;
+  if (found == nullptr) {
+    return nullptr;
+  }
   if (found->deviceContextUses++ == 0) {
     found->deviceContext = std::bit_cast<HDC>(NextHandleNumber());
   }
@@ -102,8 +122,14 @@ int ReleaseDC(HWND window, HDC deviceContext) {
   WindowRegistry& registry = Registry();
   const std::scoped_lock lock(registry.mutex);
   Window* const found = registry.Find(window);
-  if (found == nullptr || deviceContext == nullptr) return 0;
-  if (found->deviceContext != deviceContext) return 0;
-  if (--found->deviceContextUses == 0) found->deviceContext = nullptr;
+  if (found == nullptr || deviceContext == nullptr) {
+    return 0;
+  }
+  if (found->deviceContext != deviceContext) {
+    return 0;
+  }
+  if (--found->deviceContextUses == 0) {
+    found->deviceContext = nullptr;
+  }
   return 1;
 }

@@ -16,7 +16,9 @@ class QuietErrors {
  public:
   explicit QuietErrors(HostCalls& host) : host_(host) {}
   ~QuietErrors() {
-    if (open_) host_.RunCleanup(&AEGP_UtilitySuite5::AEGP_EndQuietErrors, A_Boolean{0}, &state_);
+    if (open_) {
+      host_.RunCleanup(&AEGP_UtilitySuite5::AEGP_EndQuietErrors, A_Boolean{0}, &state_);
+    }
   }
   QuietErrors(const QuietErrors&) = delete;
   QuietErrors& operator=(const QuietErrors&) = delete;
@@ -46,13 +48,17 @@ class UndoGroup {
  public:
   explicit UndoGroup(HostCalls& host) : host_(host) {}
   ~UndoGroup() {
-    if (open_) host_.RunCleanup(&AEGP_UtilitySuite6::AEGP_EndUndoGroup);
+    if (open_) {
+      host_.RunCleanup(&AEGP_UtilitySuite6::AEGP_EndUndoGroup);
+    }
   }
   UndoGroup(const UndoGroup&) = delete;
   UndoGroup& operator=(const UndoGroup&) = delete;
 
   void Start() {
-    if (!host_.Ok()) return;
+    if (!host_.Ok()) {
+      return;
+    }
     host_.Run(&AEGP_UtilitySuite6::AEGP_StartUndoGroup, "");
     open_ = host_.Ok();
   }
@@ -64,7 +70,9 @@ class UndoGroup {
 
 /// The composition that the item is, null if it is something else; chained.
 AEGP_CompH CompositionOf(HostCalls& host, AEGP_ItemH item) {
-  if (item == nullptr) return nullptr;
+  if (item == nullptr) {
+    return nullptr;
+  }
   alignas(A_long) std::array<AEGP_ItemType, 2> type{};  // hosts write 16 bits, or 32
   AEGP_CompH composition = nullptr;
   host.Run(&AEGP_ItemSuite6::AEGP_GetItemType, item, type.data());
@@ -79,7 +87,9 @@ AEGP_CompH CompositionOf(HostCalls& host, AEGP_ItemH item) {
 AEGP_CompH ActiveComposition(HostCalls& host) {
   A_long projects = 0;
   host.Run(&AEGP_ProjSuite5::AEGP_GetNumProjects, &projects);
-  if (projects == 0) return nullptr;
+  if (projects == 0) {
+    return nullptr;
+  }
   QuietErrors quiet(host);
   quiet.Start();
   AEGP_ItemH item = nullptr;
@@ -95,7 +105,9 @@ void SwitchHiddenOn(HostCalls& host, AEGP_EffectRefH effect) {
                 PARAM_HIDDEN);
   StreamValue hidden(host, stream.Get());
   hidden.Read();
-  if (hidden.Get() != 0.0) return;
+  if (hidden.Get() != 0.0) {
+    return;
+  }
   hidden.Set(1.0);
   hidden.Write();
 }
@@ -144,7 +156,9 @@ A_Err SetUpNewInstances() {
   {
     HostCalls host(gBasicSuite);
     composition = ActiveComposition(host);
-    if (!host.Ok() || composition == nullptr) return host.Code();
+    if (!host.Ok() || composition == nullptr) {
+      return host.Code();
+    }
   }
   return SwitchHiddenOnIn(composition);
 }

@@ -28,7 +28,9 @@ void NudgeCompanion(HostCalls& host, AEGP_EffectRefH companion) {
 void ResetUpdater(HostCalls& host, PF_ProgPtr effectRef) {
   EffectReference self(host);
   self.Obtain(&AEGP_PFInterfaceSuite1::AEGP_GetNewEffectForEffect, gPluginId, effectRef);
-  if (!self) return;  // the host has none to give: the popup stays as the user left it
+  if (!self) {  // the host has none to give: the popup stays as the user left it
+    return;
+  }
   StreamReference stream(host);
   stream.Obtain(&AEGP_StreamSuite4::AEGP_GetNewEffectStreamByIndex, gPluginId, self.Get(),
                 PARAM_UPDATER);
@@ -42,7 +44,9 @@ void ResetUpdater(HostCalls& host, PF_ProgPtr effectRef) {
 double Nudged(double counter) {
   using Limits = std::numeric_limits<A_long>;
   const double next = counter + 1.0;
-  if (std::isnan(next)) return 0.0;
+  if (std::isnan(next)) {
+    return 0.0;
+  }
   const auto whole = static_cast<A_long>(std::clamp<double>(next, Limits::min(), Limits::max()));
   return static_cast<double>(whole % kNudgeModulus);
 }
@@ -52,7 +56,9 @@ PF_Err UserChangedParam(PF_InData& in, const PF_UserChangedParamExtra& change) {
   const EffectStack stack = GetEffectStack(host, in.effect_ref);
   ForEachActiveCompanion(
       host, stack, [&](A_long, AEGP_EffectRefH companion) { NudgeCompanion(host, companion); });
-  if (change.param_index == PARAM_UPDATER) ResetUpdater(host, in.effect_ref);
+  if (change.param_index == PARAM_UPDATER) {
+    ResetUpdater(host, in.effect_ref);
+  }
   return host.Code();
 }
 

@@ -46,7 +46,9 @@ void SetHidden(HostCalls& host, AEGP_EffectRefH self, PF_ParamIndex index, bool 
   stream.Obtain(&AEGP_StreamSuite4::AEGP_GetNewEffectStreamByIndex, gPluginId, self, index);
   AEGP_DynStreamFlags flags = 0;
   host.Run(&AEGP_DynamicStreamSuite4::AEGP_GetDynamicStreamFlags, stream.Get(), &flags);
-  if (((flags & AEGP_DynStreamFlag_HIDDEN) != 0) == hidden) return;
+  if (((flags & AEGP_DynStreamFlag_HIDDEN) != 0) == hidden) {
+    return;
+  }
   host.Run(&AEGP_DynamicStreamSuite4::AEGP_SetDynamicStreamFlag, stream.Get(),
            AEGP_DynStreamFlag_HIDDEN, A_Boolean{0}, static_cast<A_Boolean>(hidden ? 1 : 0));
 }
@@ -56,7 +58,9 @@ void SetHidden(HostCalls& host, AEGP_EffectRefH self, PF_ParamIndex index, bool 
 bool ShowControls(HostCalls& host, PF_ProgPtr effectRef, PF_ParamIndex shownCount) {
   EffectReference self(host);
   self.Obtain(&AEGP_PFInterfaceSuite1::AEGP_GetNewEffectForEffect, gPluginId, effectRef);
-  if (!self) return false;
+  if (!self) {
+    return false;
+  }
   for (PF_ParamIndex index = 1; index <= PARAM_HIDDEN; ++index) {
     SetHidden(host, self.Get(), index, index >= shownCount);
   }
@@ -79,7 +83,9 @@ void SendLabels(HostCalls& host, PF_ProgPtr effectRef, PF_ParamDef* const* param
                 const std::vector<std::string>& labels) {
   PF_ParamIndex index = 1;
   for (const std::string& label : labels) {
-    if (index > PARAM_HIDDEN) return;
+    if (index > PARAM_HIDDEN) {
+      return;
+    }
     const PF_ParamDef& parameter = *params[index];
     if (TextIn(parameter.name, sizeof parameter.name) != label) {
       SendLabel(host, effectRef, index, parameter, label);

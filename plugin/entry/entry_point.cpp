@@ -80,16 +80,22 @@ bool TouchesOpenGl(PF_Cmd command) {
 class OpenGlBracket {
  public:
   explicit OpenGlBracket(bool needed) : needed_(needed) {
-    if (!needed_) return;
+    if (!needed_) {
+      return;
+    }
     AESDK_OpenGL_SaveCurrentContext(gState);
     AESDK_OpenGL_MakeCurrent(gState.deviceContext, gState.renderContext);
     isNested_ = depth_++ > 0;  // last: what throws above ends no bracket
   }
   ~OpenGlBracket() {
-    if (!needed_) return;
+    if (!needed_) {
+      return;
+    }
     --depth_;
     AESDK_OpenGL_MakeCurrent(gState.savedDeviceContext, gState.savedRenderContext);
-    if (!isNested_) return;
+    if (!isNested_) {
+      return;
+    }
     gState.savedDeviceContext = outerDeviceContext_;
     gState.savedRenderContext = outerRenderContext_;
   }
@@ -125,8 +131,12 @@ void ReportNoIdleHook(const PF_InData& in) {
 /// missing: that ends the command).
 PF_Err SetUpAndRegister(PF_InData& in, PF_OutData& out) {
   PF_Err result = GlobalSetup(in, out);
-  if (result == PF_Err_NONE) result = RegisterIdleHook(in);
-  if (result != PF_Err_NONE) ReportNoIdleHook(in);
+  if (result == PF_Err_NONE) {
+    result = RegisterIdleHook(in);
+  }
+  if (result != PF_Err_NONE) {
+    ReportNoIdleHook(in);
+  }
   return result;
 }
 
@@ -184,9 +194,13 @@ PF_Err NothingThrown(PF_Cmd command, const Call& call) {
 
 PF_Err EntryPointFunc(PF_Cmd cmd, PF_InData* in_data, PF_OutData* out_data, PF_ParamDef* params[],
                       PF_LayerDef* output, void* extra) {
-  if (in_data == nullptr) return PF_Err_BAD_CALLBACK_PARAM;
+  if (in_data == nullptr) {
+    return PF_Err_BAD_CALLBACK_PARAM;
+  }
   plugin::gBasicSuite = in_data->pica_basicP;
   const plugin::Call call{*in_data, out_data, params, output, extra};
-  if (!plugin::HasRecords(cmd, call)) return PF_Err_BAD_CALLBACK_PARAM;
+  if (!plugin::HasRecords(cmd, call)) {
+    return PF_Err_BAD_CALLBACK_PARAM;
+  }
   return plugin::NothingThrown(cmd, call);
 }

@@ -65,9 +65,13 @@ PF_Err StartFramework(PF_InData& in, PF_OutData& out) {
 
 PF_Err MakeGlobalData(SuiteHandler& suites, PF_OutData& out) {
   HostMemory memory(suites, sizeof(GlobalData));
-  if (!memory) return PF_Err_OUT_OF_MEMORY;
+  if (!memory) {
+    return PF_Err_OUT_OF_MEMORY;
+  }
   auto* const data = static_cast<GlobalData*>(memory.Lock());
-  if (data == nullptr) return PF_Err_NONE;
+  if (data == nullptr) {
+    return PF_Err_NONE;
+  }
   data->instanceCounter = 1;
   out.global_data = gGlobalData = memory.Release();
   return PF_Err_NONE;
@@ -76,7 +80,9 @@ PF_Err MakeGlobalData(SuiteHandler& suites, PF_OutData& out) {
 /// Best effort: no failure keeps the framework from being stopped.
 void ReleaseScenes(PF_InData& in) {
   std::optional<SuiteHandler> suites;
-  if (in.pica_basicP != nullptr) suites.emplace(in.pica_basicP);
+  if (in.pica_basicP != nullptr) {
+    suites.emplace(in.pica_basicP);
+  }
   gScenes.ReleaseAll(suites ? &*suites : nullptr, in.effect_ref);
 }
 
@@ -87,9 +93,13 @@ void ReleaseEarlierSetup(PF_InData& in, PF_OutData& out, SuiteHandler& suites) {
   IgnoreErrors([&] {
     ReleaseScenes(in);
     AESDK_OpenGL_DeleteRenderTarget(gState);
-    if (gState.renderContext != nullptr) AESDK_OpenGL_ShutDown(gState);
+    if (gState.renderContext != nullptr) {
+      AESDK_OpenGL_ShutDown(gState);
+    }
   });
-  if (gGlobalData == nullptr) return;
+  if (gGlobalData == nullptr) {
+    return;
+  }
   IgnoreErrors([&] {
     DisposeHandle(suites, std::exchange(gGlobalData, nullptr));
     in.global_data = nullptr;
@@ -110,7 +120,9 @@ PF_Err GlobalSetup(PF_InData& in, PF_OutData& out) {
   if (const PF_Err failed = CodeOf([&] { return StartFramework(in, out); }); failed != 0) {
     host.Chain().Replace(failed);
   }
-  if (const PF_Err failed = MakeGlobalData(host.Suites(), out); failed != 0) return failed;
+  if (const PF_Err failed = MakeGlobalData(host.Suites(), out); failed != 0) {
+    return failed;
+  }
   gState.targetWidth = kNoTargetYet;
   gState.targetHeight = kNoTargetYet;
   return host.Code();

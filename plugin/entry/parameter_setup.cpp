@@ -77,7 +77,9 @@ PF_Err ParamsSetup(PF_InData& in, PF_OutData& out) {
   declare(Checkbox, PARAM_HIDDEN, PF_ParamFlag_SUPERVISE, "Hidden", false);
   declare(UpdaterPopup);
   declare(Checkbox, PARAM_FAST_TRANSPARENCY, PF_ParamFlags{0}, "Fast transparency", true);
-  if (chain.Ok()) out.num_params = PARAM_COUNT;
+  if (chain.Ok()) {
+    out.num_params = PARAM_COUNT;
+  }
   return chain.Code();
 }
 

@@ -54,7 +54,9 @@ std::string FolderOf(std::string_view path) {
 }
 
 std::string PathText(const unsigned char* bytes, std::size_t size) {
-  if (size >= 2 && bytes[0] != 0 && bytes[1] == 0) return Utf8FromUtf16(bytes, size);
+  if (size >= 2 && bytes[0] != 0 && bytes[1] == 0) {
+    return Utf8FromUtf16(bytes, size);
+  }
   return {bytes, std::find(bytes, bytes + size, 0)};
 }
 

@@ -29,7 +29,9 @@ GlobalData* GlobalDataOf(const PF_InData& in) {
 
 A_long NextInstanceNumber(const PF_InData& in) {
   GlobalData* const data = GlobalDataOf(in);
-  if (data == nullptr) return 0;
+  if (data == nullptr) {
+    return 0;
+  }
   const A_long number = data->instanceCounter % kInstanceNumbers;
   data->instanceCounter = (data->instanceCounter + 1) % kInstanceNumbers;
   return number;
@@ -38,7 +40,9 @@ A_long NextInstanceNumber(const PF_InData& in) {
 /// Makes an empty store in `memory` and hands it to the host. False if there is no lock on it.
 bool HandOverStore(HostMemory& memory, const PF_InData& in, PF_OutData& out) {
   void* const bytes = memory.Lock();
-  if (bytes == nullptr) return false;
+  if (bytes == nullptr) {
+    return false;
+  }
   std::memset(bytes, 0, sizeof(SceneStore));
   new (bytes) SceneStore{.instanceNumber = NextInstanceNumber(in), .scene = nullptr};
   out.sequence_data = memory.Release();
@@ -48,7 +52,9 @@ bool HandOverStore(HostMemory& memory, const PF_InData& in, PF_OutData& out) {
 /// Replaces the store in a handle that has bytes. Without memory the old handle stays.
 PF_Err ReplaceStore(SuiteHandler& suites, PF_InData& in, PF_OutData& out) {
   HostMemory memory(suites, sizeof(SceneStore));
-  if (!memory) return PF_Err_NONE;
+  if (!memory) {
+    return PF_Err_NONE;
+  }
   if (!HandOverStore(memory, in, out)) {
     memory.Unlock();  // only this command unlocks after a failed lock; hosts rely on it
     return PF_Err_INTERNAL_STRUCT_DAMAGED;
@@ -75,7 +81,9 @@ PF_Err Prepared(PF_InData& in, PF_OutData& out, PF_Err result) {
 PF_Err SequenceSetup(PF_InData& in, PF_OutData& out) {
   SuiteHandler suites(in.pica_basicP);
   HostMemory memory(suites, sizeof(SceneStore));
-  if (!memory) return PF_Err_OUT_OF_MEMORY;
+  if (!memory) {
+    return PF_Err_OUT_OF_MEMORY;
+  }
   HandOverStore(memory, in, out);
   return Prepared(in, out, PF_Err_NONE);
 }
@@ -101,7 +109,9 @@ PF_Err SequenceSetdown(PF_InData& in, PF_OutData& out) {
   }
   in.sequence_data = nullptr;
   out.sequence_data = nullptr;
-  if (GlobalData* const data = GlobalDataOf(in); data != nullptr) --data->instanceCounter;
+  if (GlobalData* const data = GlobalDataOf(in); data != nullptr) {
+    --data->instanceCounter;
+  }
   return PF_Err_NONE;
 }
 

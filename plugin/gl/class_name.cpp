@@ -28,7 +28,9 @@ std::uint32_t NextRandom() { return TheGenerator()() >> 16 & 0x7FFF; }
 void AESDK_OpenGL_SeedClassNames(std::uint32_t seed) { TheGenerator().seed(seed); }
 
 void AESDK_OpenGL_MakeClassName(char* buffer, std::int32_t length) {
-  if (length < 0) return;
+  if (length < 0) {
+    return;
+  }
   for (std::int32_t position = 0; position < length; ++position) {
     buffer[position] = kAlphabet[NextRandom() % kAlphabet.size()];
   }

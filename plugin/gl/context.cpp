@@ -68,28 +68,36 @@ void CreateContext(AESDK_OpenGL_State& state) {
 }
 
 void DeleteShaderObjects(const AESDK_OpenGL_State& state) {
-  if (!AESDK_OpenGL_IsCurrent(state)) return;  // the context takes its objects with it
+  if (!AESDK_OpenGL_IsCurrent(state)) {  // the context takes its objects with it
+    return;
+  }
   gEntryPoints.glDeleteObjectARB(state.vertexShader);
   gEntryPoints.glDeleteObjectARB(state.fragmentShader);
   gEntryPoints.glDeleteObjectARB(state.program);
 }
 
 void DeleteContext(AESDK_OpenGL_State& state) {
-  if (state.renderContext == nullptr) return;
+  if (state.renderContext == nullptr) {
+    return;
+  }
   AESDK_OpenGL_MakeCurrent(nullptr, nullptr);
   wglDeleteContext(state.renderContext);
   state.renderContext = nullptr;
 }
 
 void ReleaseDeviceContext(AESDK_OpenGL_State& state) {
-  if (state.deviceContext == nullptr) return;
+  if (state.deviceContext == nullptr) {
+    return;
+  }
   ReleaseDC(state.window, state.deviceContext);
   state.deviceContext = nullptr;
 }
 
 // NOTE: before its class, which cannot be unregistered while it has a window.
 void DestroyHiddenWindow(AESDK_OpenGL_State& state) {
-  if (state.window == nullptr) return;
+  if (state.window == nullptr) {
+    return;
+  }
   DestroyWindow(state.window);
   state.window = nullptr;
 }
@@ -98,10 +106,14 @@ void DestroyHiddenWindow(AESDK_OpenGL_State& state) {
 
 AESDK_OpenGL_Err AESDK_OpenGL_StartUp(AESDK_OpenGL_State& state,
                                       const AESDK_OpenGL_LookUp& lookUp) {
-  if (IsRunning(state)) return AESDK_OpenGL_Err_None;
+  if (IsRunning(state)) {
+    return AESDK_OpenGL_Err_None;
+  }
   // A start-up that failed has left a class, perhaps with a window, which this one would put out of
   // reach.
-  if (state.className.front() != '\0') AESDK_OpenGL_ShutDown(state);
+  if (state.className.front() != '\0') {
+    AESDK_OpenGL_ShutDown(state);
+  }
   const AESDK_OpenGL_Err result = ResultOf([&] {
     RegisterWindowClass(state);
     CreateHiddenWindow(state);

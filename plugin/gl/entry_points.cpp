@@ -101,8 +101,12 @@ void RequireExtension(const char* extensions, const char* name, AESDK_OpenGL_Err
 void Fetch(Group group, const AESDK_OpenGL_LookUp& lookUp) {
   bool complete = true;
   for (const EntryPoint& entryPoint : kEntryPoints) {
-    if (entryPoint.group != group) continue;
-    if (!entryPoint.store(lookUp.entryPoint(entryPoint.name))) complete = false;
+    if (entryPoint.group != group) {
+      continue;
+    }
+    if (!entryPoint.store(lookUp.entryPoint(entryPoint.name))) {
+      complete = false;
+    }
   }
   Require(complete, AESDK_OpenGL_Err_Extensions);
 }

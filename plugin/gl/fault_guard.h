@@ -17,7 +17,9 @@ AESDK_OpenGL_Err ResultOf(const Body& body) {
 
 /// Ends the operation with the code unless the condition holds.
 inline void Require(bool condition, AESDK_OpenGL_Err code) {
-  if (!condition) throw AESDK_OpenGL_Fault(code);
+  if (!condition) {
+    throw AESDK_OpenGL_Fault(code);
+  }
 }
 
 /// Returns true iff start-up has completed and its context still exists: only then are there entry

@@ -27,7 +27,9 @@ std::uint16_t LargestTargetSide() {
 }
 
 bool HoldsTarget(const AESDK_OpenGL_State& state, std::uint16_t width, std::uint16_t height) {
-  if (state.targetWidth < width || state.targetHeight < height) return false;
+  if (state.targetWidth < width || state.targetHeight < height) {
+    return false;
+  }
   return state.framebuffer != 0 && state.colorTexture != 0;
 }
 
@@ -42,12 +44,16 @@ bool ColorTextureHolds(GLuint texture, std::uint16_t width, std::uint16_t height
 }
 
 void BuildFramebuffer(AESDK_OpenGL_State& state) {
-  if (state.framebuffer == 0) gEntryPoints.glGenFramebuffersEXT(1, &state.framebuffer);
+  if (state.framebuffer == 0) {
+    gEntryPoints.glGenFramebuffersEXT(1, &state.framebuffer);
+  }
   gEntryPoints.glBindFramebufferEXT(GL_FRAMEBUFFER_EXT, state.framebuffer);
 }
 
 void BuildDepth(AESDK_OpenGL_State& state) {
-  if (state.depthRenderbuffer == 0) gEntryPoints.glGenRenderbuffersEXT(1, &state.depthRenderbuffer);
+  if (state.depthRenderbuffer == 0) {
+    gEntryPoints.glGenRenderbuffersEXT(1, &state.depthRenderbuffer);
+  }
   gEntryPoints.glBindRenderbufferEXT(GL_RENDERBUFFER_EXT, state.depthRenderbuffer);
   gEntryPoints.glRenderbufferStorageEXT(GL_RENDERBUFFER_EXT, GL_DEPTH_COMPONENT, state.targetWidth,
                                         state.targetHeight);
@@ -56,7 +62,9 @@ void BuildDepth(AESDK_OpenGL_State& state) {
 }
 
 void BuildColor(AESDK_OpenGL_State& state) {
-  if (state.colorTexture == 0) glGenTextures(1, &state.colorTexture);
+  if (state.colorTexture == 0) {
+    glGenTextures(1, &state.colorTexture);
+  }
   glBindTexture(GL_TEXTURE_RECTANGLE_ARB, state.colorTexture);
   glTexImage2D(GL_TEXTURE_RECTANGLE_ARB, 0, kFourComponents, state.targetWidth, state.targetHeight,
                0, GL_ABGR_EXT, GL_UNSIGNED_BYTE, nullptr);
@@ -83,7 +91,9 @@ void Prepare(AESDK_OpenGL_State& state, std::uint16_t width, std::uint16_t heigh
   }
   state.targetWidth = std::max(state.targetWidth, width);
   state.targetHeight = std::max(state.targetHeight, height);
-  if (!rebuild) return;
+  if (!rebuild) {
+    return;
+  }
 
   glEnable(GL_TEXTURE_RECTANGLE_ARB);
   SettleSize(state, width);
@@ -106,8 +116,12 @@ std::uint16_t DefaultTargetSide(GLint largestRenderbuffer) {
 AESDK_OpenGL_Err AESDK_OpenGL_PrepareRenderTarget(AESDK_OpenGL_State& state, std::uint16_t width,
                                                   std::uint16_t height) {
   return ResultOf([&] {
-    if (!AESDK_OpenGL_IsCurrent(state)) return;
-    if (width == 0) return Prepare(state, width, height);
+    if (!AESDK_OpenGL_IsCurrent(state)) {
+      return;
+    }
+    if (width == 0) {
+      return Prepare(state, width, height);
+    }
     // A request beyond the limit, kept as it is, would find every target too small.
     Prepare(state, std::min(width, LargestTargetSide()), std::min(height, LargestTargetSide()));
   });

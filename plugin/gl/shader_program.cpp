@@ -29,7 +29,9 @@ void BuildShader(GLenum type, const char* source, GLuint& shader) {
   shader = gEntryPoints.glCreateShaderObjectARB(type);
   gEntryPoints.glShaderSourceARB(shader, 1, &source, nullptr);
   gEntryPoints.glCompileShaderARB(shader);
-  if (Succeeded(shader, GL_OBJECT_COMPILE_STATUS_ARB)) return;
+  if (Succeeded(shader, GL_OBJECT_COMPILE_STATUS_ARB)) {
+    return;
+  }
   ReadLog(shader);
   throw AESDK_OpenGL_Fault(AESDK_OpenGL_Err_Shader);
 }
@@ -51,7 +53,9 @@ GLint UniformLocation(const AESDK_OpenGL_State& state, const char* name) {
 AESDK_OpenGL_Err AESDK_OpenGL_InitShaders(AESDK_OpenGL_State& state,
                                           std::string_view /*vertexPath*/,
                                           std::string_view /*fragmentPath*/) {
-  if (state.shadersReady) return AESDK_OpenGL_Err_None;
+  if (state.shadersReady) {
+    return AESDK_OpenGL_Err_None;
+  }
   return ResultOf([&] {
     Require(AESDK_OpenGL_IsCurrent(state), AESDK_OpenGL_Err_Shader);
     BuildShader(GL_VERTEX_SHADER_ARB, kVertexSource, state.vertexShader);
@@ -69,8 +73,12 @@ void AESDK_OpenGL_UseNoProgram() { gEntryPoints.glUseProgramObjectARB(0); }
 
 AESDK_OpenGL_Err AESDK_OpenGL_BindSampler(const AESDK_OpenGL_State& state, GLuint texture,
                                           const char* name, GLuint unit) {
-  if (texture == kNoTexture) return AESDK_OpenGL_Err_Shader;
-  if (unit < kTextureUnits) gEntryPoints.glActiveTexture(GL_TEXTURE0 + unit);
+  if (texture == kNoTexture) {
+    return AESDK_OpenGL_Err_Shader;
+  }
+  if (unit < kTextureUnits) {
+    gEntryPoints.glActiveTexture(GL_TEXTURE0 + unit);
+  }
   glBindTexture(GL_TEXTURE_RECTANGLE_ARB, texture);
   gEntryPoints.glUniform1iARB(UniformLocation(state, name), static_cast<GLint>(unit));
   return AESDK_OpenGL_Err_None;
@@ -78,7 +86,9 @@ AESDK_OpenGL_Err AESDK_OpenGL_BindSampler(const AESDK_OpenGL_State& state, GLuin
 
 AESDK_OpenGL_Err AESDK_OpenGL_SetUniform4(const AESDK_OpenGL_State& state, GLfloat x, GLfloat y,
                                           GLfloat z, GLfloat w, const char* name) {
-  if (x == kNoValue) return AESDK_OpenGL_Err_Shader;
+  if (x == kNoValue) {
+    return AESDK_OpenGL_Err_Shader;
+  }
   return AESDK_OpenGL_SetUniform4Unchecked(state, x, y, z, w, name);
 }
 

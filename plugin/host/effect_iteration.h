@@ -21,7 +21,9 @@ inline EffectStack GetEffectStack(HostCalls& host, PF_ProgPtr effectRef) {
   if (stack.layer != nullptr) {
     host.Run(&AEGP_EffectSuite3::AEGP_GetLayerNumEffects, stack.layer, &stack.count);
   }
-  if (!host.Ok()) stack.count = 0;
+  if (!host.Ok()) {
+    stack.count = 0;
+  }
   return stack;
 }
 
@@ -51,7 +53,9 @@ void ForEachActiveCompanion(HostCalls& host, const EffectStack& stack, Visitor v
   for (A_long position = 0; position < stack.count && host.Ok(); ++position) {
     EffectReference effect(host);
     effect.Obtain(&AEGP_EffectSuite2::AEGP_GetLayerEffectByIndex, gPluginId, stack.layer, position);
-    if (effect && IsActiveCompanion(host, effect.Get())) visit(position, effect.Get());
+    if (effect && IsActiveCompanion(host, effect.Get())) {
+      visit(position, effect.Get());
+    }
   }
 }
 

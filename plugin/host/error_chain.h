@@ -16,12 +16,16 @@ class ErrorChain {
   /// Runs `call` only while the code is 0; its result becomes the code.
   template <class Call>
   void Run(Call&& call) {
-    if (Ok()) code_ = std::forward<Call>(call)();
+    if (Ok()) {
+      code_ = std::forward<Call>(call)();
+    }
   }
 
   /// A result from elsewhere, which counts only if the code was still 0.
   void Note(PF_Err result) {
-    if (Ok()) code_ = result;
+    if (Ok()) {
+      code_ = result;
+    }
   }
 
   /// Replaces whatever was there.

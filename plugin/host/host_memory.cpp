@@ -10,9 +10,13 @@ HostMemory::HostMemory(SuiteHandler& suites, A_HandleSize bytes)
     : memory_(suites.Get<PF_HandleSuite1>()), handle_(memory_.host_new_handle(bytes)) {}
 
 HostMemory::~HostMemory() {
-  if (handle_ == nullptr) return;
+  if (handle_ == nullptr) {
+    return;
+  }
   // Separately: a host that throws at the first must still get the second call.
-  if (locked_) IgnoreErrors([&] { memory_.host_unlock_handle(handle_); });
+  if (locked_) {
+    IgnoreErrors([&] { memory_.host_unlock_handle(handle_); });
+  }
   IgnoreErrors([&] { memory_.host_dispose_handle(handle_); });
 }
 
@@ -28,7 +32,9 @@ void HostMemory::Unlock() {
 }
 
 PF_Handle HostMemory::Release() {
-  if (locked_) Unlock();
+  if (locked_) {
+    Unlock();
+  }
   return std::exchange(handle_, nullptr);
 }
 

@@ -18,7 +18,9 @@ class HostReference {
  public:
   explicit HostReference(HostCalls& host) : host_(host) {}
   ~HostReference() {
-    if (reference_ != nullptr) host_.RunCleanup(Dispose, reference_);
+    if (reference_ != nullptr) {
+      host_.RunCleanup(Dispose, reference_);
+    }
   }
   HostReference(const HostReference&) = delete;
   HostReference& operator=(const HostReference&) = delete;
@@ -28,7 +30,9 @@ class HostReference {
   /// of.
   template <class Operation, class... Arguments>
   void Obtain(Operation operation, Arguments... arguments) {
-    if (!host_.Ok()) return;
+    if (!host_.Ok()) {
+      return;
+    }
     host_.Need(Dispose);
     host_.Run(operation, arguments..., &reference_);
   }
@@ -52,14 +56,18 @@ class StreamValue {
     value_.streamH = stream;
   }
   ~StreamValue() {
-    if (read_) host_.RunCleanup(&AEGP_StreamSuite4::AEGP_DisposeStreamValue, &value_);
+    if (read_) {
+      host_.RunCleanup(&AEGP_StreamSuite4::AEGP_DisposeStreamValue, &value_);
+    }
   }
   StreamValue(const StreamValue&) = delete;
   StreamValue& operator=(const StreamValue&) = delete;
 
   /// Asks the host for the value; chained. It is then disposed of when the scope ends.
   void Read() {
-    if (!host_.Ok()) return;
+    if (!host_.Ok()) {
+      return;
+    }
     const A_Time start{.value = 0, .scale = 1};
     host_.Run(&AEGP_StreamSuite4::AEGP_GetNewStreamValue, gPluginId, stream_,
               AEGP_LTimeMode_LayerTime, &start, A_Boolean{0}, &value_);

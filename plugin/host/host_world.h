@@ -18,10 +18,14 @@ class HostWorld {
 
   /// Asks for a world of that size in pixels, its pixels not cleared; chained.
   void Make(A_long width, A_long height) {
-    if (!host_.Ok()) return;
+    if (!host_.Ok()) {
+      return;
+    }
     host_.Run(&PF_WorldSuite1::new_world, effectRef_, width, height, PF_NewWorldFlag_NONE, &world_);
     made_ = host_.Ok();
-    if (!made_) world_ = {};
+    if (!made_) {
+      world_ = {};
+    }
   }
 
   /// Disposes of the world, if there is one; its error counts only if the code was still 0.

@@ -16,7 +16,9 @@ void WriteMessage(const PF_InData& in, PF_OutData& out, const char* text, Displa
 template <class Code, class TextOf>
 void Require(const PF_InData& in, PF_OutData& out, Code code, TextOf textOf,
              Display display = Display::kNo) {
-  if (code == Code{}) return;
+  if (code == Code{}) {
+    return;
+  }
   WriteMessage(in, out, textOf(code), display);
   throw PF_Err{PF_Err_INTERNAL_STRUCT_DAMAGED};
 }

@@ -5,7 +5,9 @@
 namespace plugin {
 
 SuiteHandler::SuiteHandler(SPBasicSuite* basicSuite) : basicSuite_(basicSuite) {
-  if (basicSuite_ == nullptr) throw PF_Err{PF_Err_BAD_CALLBACK_PARAM};
+  if (basicSuite_ == nullptr) {
+    throw PF_Err{PF_Err_BAD_CALLBACK_PARAM};
+  }
 }
 
 SuiteHandler::~SuiteHandler() {

@@ -79,7 +79,9 @@ void SetModelView(const Frame& frame) {
 std::vector<Tile> TilesOf(A_long outWidth, A_long outHeight, A_long targetWidth,
                           A_long targetHeight) {
   std::vector<Tile> tiles;
-  if (targetWidth <= 0 || targetHeight <= 0) return tiles;
+  if (targetWidth <= 0 || targetHeight <= 0) {
+    return tiles;
+  }
   const Parts columns{.whole = outWidth, .part = targetWidth};
   const Parts rows{.whole = outHeight, .part = targetHeight};
   for (A_long row = 0; row < rows.Count(); ++row) {

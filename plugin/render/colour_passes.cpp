@@ -39,7 +39,9 @@ void BindMaps(Frame& frame, const OwnershipMaps::Pair& pair) {
 }
 
 void BindImage(Frame& frame, OwnershipMaps* maps, const DrawPiece& piece) {
-  if (maps != nullptr) BindMaps(frame, maps->Of(piece.slot, piece.family));
+  if (maps != nullptr) {
+    BindMaps(frame, maps->Of(piece.slot, piece.family));
+  }
   Bind(frame, frame.ImageOf(piece).texture, "videoTexture", 0);
 }
 
@@ -48,7 +50,9 @@ void DrawPieces(Frame& frame, OwnershipMaps* maps) {
   const SlotImage* bound = nullptr;
   for (const DrawPiece& piece : frame.drawList) {
     const SlotImage& image = frame.ImageOf(piece);
-    if (&image != bound) BindImage(frame, maps, piece);
+    if (&image != bound) {
+      BindImage(frame, maps, piece);
+    }
     bound = &image;
     glColor4f(1.0F, 1.0F, 1.0F, static_cast<GLfloat>(image.opacity));
     DrawQuad(frame, piece, 0.0F);

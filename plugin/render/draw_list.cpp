@@ -33,24 +33,34 @@ BoneDepth DepthOfBone(A_long ordinal, PF_ParamDef* const* params) {
   const A_long pair = std::min(ordinal, kBoneCount - 1);
   const double start = params[StartZIndex(pair)]->u.fs_d.value;
   double end = params[EndZIndex(pair)]->u.fs_d.value;
-  if (end == start) end -= kLeastFall;
+  if (end == start) {
+    end -= kLeastFall;
+  }
   return {start * kDepthPerZ, end * kDepthPerZ, static_cast<double>(ordinal)};
 }
 
 std::optional<ImageFamily> FamilyOf(const PieceQuad& quad) {
-  if (quad.imageSelect == TARVO_IMAGE_A) return kImageA;
-  if (quad.imageSelect == TARVO_IMAGE_B) return kImageB;
+  if (quad.imageSelect == TARVO_IMAGE_A) {
+    return kImageA;
+  }
+  if (quad.imageSelect == TARVO_IMAGE_B) {
+    return kImageB;
+  }
   return std::nullopt;
 }
 
 void GatherSlot(const Scene& scene, std::size_t place, PF_ParamDef* const* params,
                 std::vector<DrawPiece>& pieces) {
-  if (place >= scene.boneOrdinal.size() || scene.boneOrdinal[place] < 0) return;
+  if (place >= scene.boneOrdinal.size() || scene.boneOrdinal[place] < 0) {
+    return;
+  }
   const Slot& slot = scene.slots[place];
   const BoneDepth depth = DepthOfBone(scene.boneOrdinal[place], params);
   for (const PieceQuad& quad : slot.quads) {
     const std::optional<ImageFamily> family = FamilyOf(quad);
-    if (!family || slot.images[*family].texture == 0) continue;
+    if (!family || slot.images[*family].texture == 0) {
+      continue;
+    }
     pieces.push_back(
         {.quad = &quad, .depth = depth.At(quad.boneT), .slot = place, .family = *family});
   }
@@ -67,9 +77,15 @@ void SortRange(std::vector<DrawPiece>& pieces, std::ptrdiff_t lo, std::ptrdiff_t
     std::ptrdiff_t j = hi;
     const double pivot = at((lo + hi) / 2).depth;
     while (i <= j) {
-      while (at(i).depth > pivot) ++i;
-      while (pivot > at(j).depth) --j;
-      if (i <= j) std::swap(at(i++), at(j--));
+      while (at(i).depth > pivot) {
+        ++i;
+      }
+      while (pivot > at(j).depth) {
+        --j;
+      }
+      if (i <= j) {
+        std::swap(at(i++), at(j--));
+      }
     }
     if (j - lo < hi - i) {
       SortRange(pieces, lo, j);
@@ -96,7 +112,9 @@ std::vector<DrawPiece> BuildDrawList(const Scene& scene, PF_ParamDef* const* par
   std::vector<DrawPiece> pieces;
   pieces.reserve(CountOfPieces(scene));
   for (std::size_t place = 0; place < scene.slots.size(); ++place) {
-    if (!scene.slots[place].quads.empty()) GatherSlot(scene, place, params, pieces);
+    if (!scene.slots[place].quads.empty()) {
+      GatherSlot(scene, place, params, pieces);
+    }
   }
   SortByFallingDepth(pieces);
   return pieces;

@@ -45,9 +45,13 @@ struct ImagePieces {
 std::vector<ImagePieces> ImagesOf(const Frame& frame, const Tile& tile, ImageFamily family) {
   std::vector<ImagePieces> images(frame.scene.slots.size());
   std::for_each(frame.drawList.rbegin(), frame.drawList.rend(), [&](const DrawPiece& piece) {
-    if (piece.family == family) images[piece.slot].pieces.push_back(&piece);
+    if (piece.family == family) {
+      images[piece.slot].pieces.push_back(&piece);
+    }
   });
-  for (ImagePieces& image : images) image.area = AreaOf(frame, tile, image.pieces);
+  for (ImagePieces& image : images) {
+    image.area = AreaOf(frame, tile, image.pieces);
+  }
   return images;
 }
 
@@ -55,7 +59,9 @@ void DrawCoordinates(Frame& frame, const ImagePieces& image, GLuint texture, GLf
   LimitDrawing(image.area);
   glClear(GL_COLOR_BUFFER_BIT);
   RequireFramework(frame, AESDK_OpenGL_BindSampler(gState, texture, "videoTexture", 0));
-  for (const DrawPiece* const piece : image.pieces) DrawQuad(frame, *piece, selector);
+  for (const DrawPiece* const piece : image.pieces) {
+    DrawQuad(frame, *piece, selector);
+  }
 }
 
 /// Moves an area of the tile from the render target into a texture of its own, at the same place; 0
@@ -63,7 +69,9 @@ void DrawCoordinates(Frame& frame, const ImagePieces& image, GLuint texture, GLf
 GLuint KeepAsMap(Frame& frame, const Tile& tile, const Area& area) {
   HostMemory buffer(frame.host.Suites(), PackedBytes(tile.width, tile.height));
   void* const pixels = buffer ? buffer.Lock() : nullptr;
-  if (pixels == nullptr) return 0;
+  if (pixels == nullptr) {
+    return 0;
+  }
   GLuint map = 0;
   glGenTextures(1, &map);
   ReadRenderTarget(area, pixels);
@@ -77,7 +85,9 @@ void RenderFamily(Frame& frame, const Tile& tile, ImageFamily family, OwnershipM
   for (const Coordinate& coordinate : kCoordinates) {
     for (std::size_t slot = 0; slot < images.size(); ++slot) {
       const GLuint texture = frame.scene.slots[slot].images[family].texture;
-      if (texture == 0) continue;
+      if (texture == 0) {
+        continue;
+      }
       DrawCoordinates(frame, images[slot], texture, coordinate.selector);
       maps.Of(slot, family).*coordinate.map = KeepAsMap(frame, tile, images[slot].area);
     }
@@ -87,7 +97,9 @@ void RenderFamily(Frame& frame, const Tile& tile, ImageFamily family, OwnershipM
 }  // namespace
 
 OwnershipMaps::OwnershipMaps(std::size_t slotCount) {
-  for (std::vector<Pair>& pairs : pairs_) pairs.resize(slotCount);
+  for (std::vector<Pair>& pairs : pairs_) {
+    pairs.resize(slotCount);
+  }
 }
 
 OwnershipMaps::~OwnershipMaps() {
@@ -101,9 +113,13 @@ OwnershipMaps::~OwnershipMaps() {
 
 OwnershipMaps RenderOwnershipMaps(Frame& frame, const Tile& tile) {
   OwnershipMaps maps(frame.scene.slots.size());
-  if (frame.fastTransparency) return maps;
+  if (frame.fastTransparency) {
+    return maps;
+  }
   SetCoordinatePass(frame);
-  for (const ImageFamily family : kImageFamilies) RenderFamily(frame, tile, family, maps);
+  for (const ImageFamily family : kImageFamilies) {
+    RenderFamily(frame, tile, family, maps);
+  }
   return maps;
 }
 

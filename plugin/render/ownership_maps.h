@@ -11,6 +11,12 @@ namespace plugin {
 /// texture, the horizontal and the vertical texture coordinate of the front-most piece that covers
 /// the pixel with an alpha of at least one half, packed into the colours of two textures.
 ///
+/// The pieces of an image are drawn from the nearest to the deepest with blending that keeps the
+/// first fragment of each pixel, once for each coordinate, and the target is copied into a texture.
+/// In the colour passes a fragment is dropped where its own coordinate differs from the one in the
+/// map: there another piece of its image is in front. The cost for each image is two draws of its
+/// pieces and two copies of the area that they cover.
+///
 /// Made for one tile, deleted with the object. [framework's context current]
 class OwnershipMaps {
  public:

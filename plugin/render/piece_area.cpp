@@ -45,7 +45,9 @@ Area Box(const Tile& tile, const Reach& x, const Reach& y) {
   const A_long top = y.First(tile.height);
   const A_long width = x.Last(tile.width) - left;
   const A_long height = y.Last(tile.height) - top;
-  if (width <= 0 || height <= 0) return {};
+  if (width <= 0 || height <= 0) {
+    return {};
+  }
   return {.x = left, .y = top, .width = width, .height = height};
 }
 
@@ -66,7 +68,9 @@ Area AreaOf(const Frame& frame, const Tile& tile, const std::vector<const DrawPi
     for (std::size_t corner = 0; corner < 4; ++corner) {
       const double x = piece->quad->corners[corner][0] * frame.scaleX;
       const double y = piece->quad->corners[corner][1] * frame.scaleY;
-      if (!AreNear({x, y})) return WholeOf(tile);
+      if (!AreNear({x, y})) {
+        return WholeOf(tile);
+      }
       reachX.Include(x + originX);
       reachY.Include(y + originY);
     }

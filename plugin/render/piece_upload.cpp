@@ -18,7 +18,9 @@ PF_Err PackRows(const Frame& frame, PF_EffectWorld& world, A_u_char* packed) {
   return Guarded([&] {
     for (A_long row = 0; row < world.height; ++row, packed += rowBytes) {
       const A_u_char* const source = RowOf(*frame.in.utils, world, row);
-      if (source == nullptr) return PF_Interrupt_CANCEL;
+      if (source == nullptr) {
+        return PF_Interrupt_CANCEL;
+      }
       std::memcpy(packed, source, rowBytes);
     }
     return PF_Err_NONE;
@@ -27,7 +29,9 @@ PF_Err PackRows(const Frame& frame, PF_EffectWorld& world, A_u_char* packed) {
 
 void DefineTexture(SlotImage& image, const void* packed) {
   image.opacity = image.sentOpacity;
-  if (image.texture == 0) glGenTextures(1, &image.texture);
+  if (image.texture == 0) {
+    glGenTextures(1, &image.texture);
+  }
   DefineRectangleTexture(image.texture, image.taken->width, image.taken->height, packed, GL_LINEAR);
 }
 
@@ -36,9 +40,15 @@ void DefineTexture(SlotImage& image, const void* packed) {
 PF_Err Upload(Frame& frame, SlotImage& image) {
   HostMemory buffer(frame.host.Suites(), PackedBytes(image.taken->width, image.taken->height));
   auto* const packed = buffer ? static_cast<A_u_char*>(buffer.Lock()) : nullptr;
-  if (packed == nullptr) return PF_Interrupt_CANCEL;
-  if (const PF_Err stopped = PackRows(frame, *image.taken, packed); stopped != 0) return stopped;
-  if (!frame.host.Ok()) return PF_Interrupt_CANCEL;
+  if (packed == nullptr) {
+    return PF_Interrupt_CANCEL;
+  }
+  if (const PF_Err stopped = PackRows(frame, *image.taken, packed); stopped != 0) {
+    return stopped;
+  }
+  if (!frame.host.Ok()) {
+    return PF_Interrupt_CANCEL;
+  }
   DefineTexture(image, packed);
   return PF_Err_NONE;
 }
@@ -48,7 +58,9 @@ PF_Err Upload(Frame& frame, SlotImage& image) {
 void Finish(Frame& frame, SlotImage& image) {
   std::optional<PF_EffectWorld> uploaded = std::exchange(image.taken, std::nullopt);
   image.pending = false;
-  if (uploaded) frame.host.Run(&PF_WorldSuite1::dispose_world, frame.in.effect_ref, &*uploaded);
+  if (uploaded) {
+    frame.host.Run(&PF_WorldSuite1::dispose_world, frame.in.effect_ref, &*uploaded);
+  }
 }
 
 /// Disposes of what the failed render would leave behind: the scratch world and the slot's images.
@@ -68,9 +80,13 @@ void DiscardImages(Frame& frame, Slot& slot) {
 
 void UploadPieceImages(Frame& frame) {
   for (Slot& slot : frame.scene.slots) {
-    if (slot.quads.empty()) continue;
+    if (slot.quads.empty()) {
+      continue;
+    }
     for (SlotImage& image : slot.images) {
-      if (!image.pending) continue;
+      if (!image.pending) {
+        continue;
+      }
       // Before anything is dropped: without it the worlds stay recorded for the next frame.
       frame.host.Need(&PF_WorldSuite1::dispose_world);
       const PF_Err stopped = image.taken ? Upload(frame, image) : PF_Err_NONE;

@@ -17,7 +17,9 @@ constexpr A_HandleSize PackedBytes(A_long width, A_long height) {
 inline A_u_char* RowOf(const PF_UtilCallbacks& utils, PF_EffectWorld& world, A_long row) {
   PF_Pixel* first = nullptr;
   utils.get_pixel_data8(&world, nullptr, &first);
-  if (first == nullptr) return nullptr;
+  if (first == nullptr) {
+    return nullptr;
+  }
   return reinterpret_cast<A_u_char*>(first) + std::ptrdiff_t{row} * world.rowbytes;
 }
 

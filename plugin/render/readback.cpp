@@ -12,7 +12,9 @@ namespace plugin {
 bool ReadBack(Frame& frame, const Tile& tile) {
   HostMemory buffer(frame.host.Suites(), PackedBytes(tile.width, tile.height));
   auto* const pixels = buffer ? static_cast<A_u_char*>(buffer.Lock()) : nullptr;
-  if (pixels == nullptr) return false;
+  if (pixels == nullptr) {
+    return false;
+  }
   ReadRenderTarget(WholeOf(tile), pixels);
 
   PF_EffectWorld& world = frame.scratchWorld.Get();
@@ -22,7 +24,9 @@ bool ReadBack(Frame& frame, const Tile& tile) {
   const A_long rows = columns == 0 ? 0 : std::clamp(world.height - tile.y, 0, tile.height);
   for (A_long row = 0; row < rows; ++row) {
     A_u_char* const destination = RowOf(*frame.in.utils, world, tile.y + row);
-    if (destination == nullptr) return false;
+    if (destination == nullptr) {
+      return false;
+    }
     std::memcpy(destination + PackedBytes(tile.x, 1),
                 pixels + static_cast<A_HandleSize>(row) * rowBytes, PackedBytes(columns, 1));
   }

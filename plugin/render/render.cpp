@@ -32,7 +32,9 @@ constexpr A_long kSmallestSide = 4;
 
 /// Tells the stage watch, if there is one, that a stage is over.
 void EndStage(FrameStage stage) {
-  if (gStageWatch != nullptr) gStageWatch(stage);
+  if (gStageWatch != nullptr) {
+    gStageWatch(stage);
+  }
 }
 
 /// Null stands for all fields of the fill, and for transparent black.
@@ -66,7 +68,9 @@ bool RenderTile(Frame& frame, const Tile& tile) {
 /// False if a part could not be read back, or if the output is too large to be copied; rendering
 /// its tiles could take minutes.
 bool RenderTiles(Frame& frame) {
-  if (frame.outWidth > kLargestSide || frame.outHeight > kLargestSide) return false;
+  if (frame.outWidth > kLargestSide || frame.outHeight > kLargestSide) {
+    return false;
+  }
   bool whole = true;
   for (const Tile& tile :
        TilesOf(frame.outWidth, frame.outHeight, gState.targetWidth, gState.targetHeight)) {
@@ -78,7 +82,9 @@ bool RenderTiles(Frame& frame) {
 /// A framebuffer that became incomplete during the passes holds no frame.
 void RequireCompleteFramebuffer(Frame& frame) {
   const char* const status = AESDK_OpenGL_FramebufferStatusText();
-  if (status == std::string_view("OK")) return;
+  if (status == std::string_view("OK")) {
+    return;
+  }
   WriteMessage(frame.in, frame.out, status, Display::kYes);
   throw PF_Err{PF_Err_INTERNAL_STRUCT_DAMAGED};
 }
@@ -93,11 +99,15 @@ bool IsCopied(const PF_Rect& area) {
 
 /// Turns the frame into straight colour and copies it into the output.
 void Transfer(Frame& frame) {
-  if (!frame.scratchWorld.Made()) return;
+  if (!frame.scratchWorld.Made()) {
+    return;
+  }
   PF_EffectWorld& world = frame.scratchWorld.Get();
   frame.host.Run(&PF_FillMatteSuite2::premultiply, frame.in.effect_ref, A_long{0}, &world);
   PF_Rect area = world.extent_hint;
-  if (!IsCopied(area)) return;
+  if (!IsCopied(area)) {
+    return;
+  }
   frame.host.Run(frame.in.utils->copy, frame.in.effect_ref, &world, &frame.output, nullptr, &area);
 }
 
@@ -114,7 +124,9 @@ void RenderFrame(Frame& frame) {
   glFlush();
   AESDK_OpenGL_UseNoProgram();
   RequireCompleteFramebuffer(frame);
-  if (whole) Transfer(frame);
+  if (whole) {
+    Transfer(frame);
+  }
 }
 
 /// One frame at a time: another one, requested from within a host call, would be drawn into the
@@ -145,10 +157,14 @@ PF_Err Render(PF_InData& in, PF_OutData& out, PF_ParamDef* const* params, PF_Eff
   }
   const ScopedFlag underWay(gFrameIsUnderWay);
   std::optional<ScopedFlag> use;
-  if (scene != nullptr) use.emplace(scene->isInUse);
+  if (scene != nullptr) {
+    use.emplace(scene->isInUse);
+  }
   const PF_Err stopped = StoppedWith([&] {
     ClearOutput(host, in, output);
-    if (scene == nullptr) return;
+    if (scene == nullptr) {
+      return;
+    }
     Frame frame(in, out, params, output, host, *scene);
     RenderFrame(frame);
   });

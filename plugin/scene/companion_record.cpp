@@ -43,20 +43,30 @@ CompanionRecord::Image ReadImage(const void* sender, const ImageOffsets& at) {
 std::optional<std::vector<PieceQuad>> ReadQuads(const PieceQuadList& list) {
   const auto first = reinterpret_cast<std::uintptr_t>(list.first);
   const auto last = reinterpret_cast<std::uintptr_t>(list.last);
-  if (last < first || (first == 0 && last != 0)) return std::nullopt;
+  if (last < first || (first == 0 && last != 0)) {
+    return std::nullopt;
+  }
   const std::uintptr_t bytes = last - first;
-  if (bytes % sizeof(PieceQuad) != 0 || bytes / sizeof(PieceQuad) > kMostQuads) return std::nullopt;
+  if (bytes % sizeof(PieceQuad) != 0 || bytes / sizeof(PieceQuad) > kMostQuads) {
+    return std::nullopt;
+  }
   return std::vector<PieceQuad>(list.first, list.last);
 }
 
 }  // namespace
 
 std::optional<CompanionRecord> ReadCompanionRecord(const void* sender) {
-  if (sender == nullptr) return std::nullopt;
+  if (sender == nullptr) {
+    return std::nullopt;
+  }
   const auto effectIndex = ReadAt<A_long>(sender, offsetof(CompanionSlot, effectIndex));
-  if (effectIndex < 0 || effectIndex > kLargestEffectIndex) return std::nullopt;
+  if (effectIndex < 0 || effectIndex > kLargestEffectIndex) {
+    return std::nullopt;
+  }
   auto quads = ReadQuads(ReadAt<PieceQuadList>(sender, offsetof(CompanionSlot, quads)));
-  if (!quads) return std::nullopt;
+  if (!quads) {
+    return std::nullopt;
+  }
   return CompanionRecord{.effectIndex = effectIndex,
                          .quads = *std::move(quads),
                          .images = {ReadImage(sender, kImageOffsets[kImageA]),

@@ -16,7 +16,9 @@ constexpr A_long kNoBone = -1;
 
 /// Makes room for `count` slots. Allocates first, so that a scene out of memory stays as it was.
 void GrowTo(Scene& scene, std::size_t count) {
-  if (count <= scene.slots.size()) return;
+  if (count <= scene.slots.size()) {
+    return;
+  }
   scene.boneOrdinal.reserve(count);
   scene.slots.resize(count);
   scene.boneOrdinal.resize(count, kNoBone);
@@ -33,7 +35,9 @@ void File(CompanionRecord& record, Slot& slot) {
 /// Disposes of an image of an earlier message that no frame has uploaded yet: a new one replaces
 /// it. Returns what the host said.
 PF_Err DisposePending(HostCalls& host, PF_ProgPtr effectRef, SlotImage& image) {
-  if (!image.taken) return PF_Err_NONE;
+  if (!image.taken) {
+    return PF_Err_NONE;
+  }
   host.Need(&PF_WorldSuite1::dispose_world);
   const PF_Err result = host.Attempt(&PF_WorldSuite1::dispose_world, effectRef, &*image.taken);
   image.taken.reset();
@@ -70,7 +74,9 @@ void TakeImage(HostCalls& host, const PF_InData& in, void* sender, ImageFamily f
 /// Numbers the layer's active companions from the top; without a layer the old numbers stay.
 void NumberBones(HostCalls& host, PF_ProgPtr effectRef, std::vector<A_long>& boneOrdinal) {
   const EffectStack stack = GetEffectStack(host, effectRef);
-  if (stack.count <= 0) return;
+  if (stack.count <= 0) {
+    return;
+  }
   boneOrdinal.assign(static_cast<std::size_t>(stack.count), kNoBone);
   A_long bone = 0;
   ForEachActiveCompanion(host, stack, [&](A_long position, AEGP_EffectRefH) {
@@ -81,19 +87,29 @@ void NumberBones(HostCalls& host, PF_ProgPtr effectRef, std::vector<A_long>& bon
 void ClearUnusedSlots(Scene& scene) {
   for (std::size_t place = 0; place < scene.slots.size(); ++place) {
     const bool alive = place < scene.boneOrdinal.size() && scene.boneOrdinal[place] != kNoBone;
-    if (!alive) scene.slots[place].quads.clear();
+    if (!alive) {
+      scene.slots[place].quads.clear();
+    }
   }
 }
 
 }  // namespace
 
 PF_Err CompletelyGeneral(PF_InData& in, void* extra) {
-  if (in.sequence_data == nullptr) return PF_Err_NONE;
+  if (in.sequence_data == nullptr) {
+    return PF_Err_NONE;
+  }
   std::optional<CompanionRecord> record = ReadCompanionRecord(extra);
-  if (!record) return PF_Err_BAD_CALLBACK_PARAM;
+  if (!record) {
+    return PF_Err_BAD_CALLBACK_PARAM;
+  }
   Scene* const scene = gScenes.Reach(in.sequence_data);
-  if (scene == nullptr) return PF_Err_NONE;
-  if (scene->isInUse) return PF_Err_BAD_CALLBACK_PARAM;
+  if (scene == nullptr) {
+    return PF_Err_NONE;
+  }
+  if (scene->isInUse) {
+    return PF_Err_BAD_CALLBACK_PARAM;
+  }
 
   const ScopedFlag use(scene->isInUse);
   HostCalls host(in.pica_basicP);
@@ -104,7 +120,9 @@ PF_Err CompletelyGeneral(PF_InData& in, void* extra) {
   ErrorChain disposals;
   for (const ImageFamily family : kImageFamilies) {
     CompanionRecord::Image& sent = record->images[family];
-    if (!BringsImage(sent)) continue;
+    if (!BringsImage(sent)) {
+      continue;
+    }
     disposals.Note(DisposePending(host, in.effect_ref, slot.images[family]));
     TakeImage(host, in, extra, family, sent, slot.images[family]);
   }

@@ -20,8 +20,12 @@ struct Bounds {
 
   void Fold(double value) {
     const auto rounded = static_cast<float>(std::clamp<double>(value, -kFarthest, kFarthest));
-    if (!(value > static_cast<double>(least))) least = rounded;
-    if (!(static_cast<double>(greatest) > value)) greatest = rounded;
+    if (!(value > static_cast<double>(least))) {
+      least = rounded;
+    }
+    if (!(static_cast<double>(greatest) > value)) {
+      greatest = rounded;
+    }
   }
 
   void Divide(A_u_long denominator) {
@@ -39,9 +43,15 @@ struct Bounds {
 /// Truncates toward zero; what a 32-bit integer cannot hold becomes the nearest that it can.
 A_long Saturated(float value) {
   using Limits = std::numeric_limits<A_long>;
-  if (std::isnan(value)) return 0;
-  if (value >= static_cast<float>(Limits::max())) return Limits::max();
-  if (value <= static_cast<float>(Limits::min())) return Limits::min();
+  if (std::isnan(value)) {
+    return 0;
+  }
+  if (value >= static_cast<float>(Limits::max())) {
+    return Limits::max();
+  }
+  if (value <= static_cast<float>(Limits::min())) {
+    return Limits::min();
+  }
   return static_cast<A_long>(value);
 }
 
@@ -67,7 +77,9 @@ bool FoldCorners(const Scene& scene, Bounds& x, Bounds& y) {
       for (std::size_t corner = 0; corner < 4; ++corner) {
         const double cornerX = quad.corners[corner][0];
         const double cornerY = quad.corners[corner][1];
-        if (!std::isfinite(cornerX) || !std::isfinite(cornerY)) continue;
+        if (!std::isfinite(cornerX) || !std::isfinite(cornerY)) {
+          continue;
+        }
         x.Fold(cornerX);
         y.Fold(cornerY);
         folded = true;
@@ -98,7 +110,9 @@ OutputExtent ComputeOutputExtent(const Scene& scene, const LayerFrame& layer) {
 
 PF_Err FrameSetup(PF_InData& in, PF_OutData& out) {
   const Scene* const scene = gScenes.Reach(in.sequence_data);
-  if (scene == nullptr) return PF_Err_NONE;
+  if (scene == nullptr) {
+    return PF_Err_NONE;
+  }
   const OutputExtent extent =
       ComputeOutputExtent(*scene, {.width = in.width,
                                    .height = in.height,

@@ -15,7 +15,9 @@ using AESDK_OpenGL::AESDK_OpenGL_IsCurrent;
 using AESDK_OpenGL::gState;
 
 void DisposeTakenWorld(SlotImage& image, const PF_WorldSuite1& worlds, PF_ProgPtr effectRef) {
-  if (!image.taken) return;
+  if (!image.taken) {
+    return;
+  }
   std::optional<PF_EffectWorld> world = std::exchange(image.taken, std::nullopt);
   IgnoreErrors([&] { worlds.dispose_world(effectRef, &*world); });
 }
@@ -29,11 +31,15 @@ bool AnyImage(const Scene& scene, Property property) {
 
 /// False if worlds are left because the host does not hand out the suite that disposes of them.
 bool DisposeWorlds(Scene& scene, SuiteHandler& suites, PF_ProgPtr effectRef) {
-  if (!AnyImage(scene, [](const SlotImage& image) { return image.taken.has_value(); })) return true;
+  if (!AnyImage(scene, [](const SlotImage& image) { return image.taken.has_value(); })) {
+    return true;
+  }
   try {
     const auto& worlds = suites.Get<PF_WorldSuite1>();
     for (Slot& slot : scene.slots) {
-      for (SlotImage& image : slot.images) DisposeTakenWorld(image, worlds, effectRef);
+      for (SlotImage& image : slot.images) {
+        DisposeTakenWorld(image, worlds, effectRef);
+      }
     }
     return true;
   } catch (...) {
@@ -44,8 +50,12 @@ bool DisposeWorlds(Scene& scene, SuiteHandler& suites, PF_ProgPtr effectRef) {
 /// False if textures are left because their context is not current: in another one their names are
 /// another instance's.
 bool DeleteTextures(Scene& scene) {
-  if (!AnyImage(scene, [](const SlotImage& image) { return image.texture != 0; })) return true;
-  if (!AESDK_OpenGL_IsCurrent(gState)) return false;
+  if (!AnyImage(scene, [](const SlotImage& image) { return image.texture != 0; })) {
+    return true;
+  }
+  if (!AESDK_OpenGL_IsCurrent(gState)) {
+    return false;
+  }
   for (Slot& slot : scene.slots) {
     for (SlotImage& image : slot.images) {
       glDeleteTextures(1, &image.texture);  // 0 is ignored
@@ -66,9 +76,13 @@ bool ReleaseContents(Scene& scene, SuiteHandler& suites, PF_ProgPtr effectRef) {
 SceneRegistry gScenes;
 
 Scene* SceneRegistry::Reach(PF_Handle sequenceData) {
-  if (sequenceData == nullptr || *sequenceData == nullptr) return nullptr;
+  if (sequenceData == nullptr || *sequenceData == nullptr) {
+    return nullptr;
+  }
   auto& store = *static_cast<SceneStore*>(*sequenceData);
-  if (store.scene == nullptr) return store.scene = &scenes_[sequenceData].emplace_back();
+  if (store.scene == nullptr) {
+    return store.scene = &scenes_[sequenceData].emplace_back();
+  }
   const auto own = scenes_.find(sequenceData);
   const auto isNamed = [&](const Scene& scene) { return &scene == store.scene; };
   const bool isOwn = own != scenes_.end() && std::ranges::any_of(own->second, isNamed);
@@ -77,7 +91,9 @@ Scene* SceneRegistry::Reach(PF_Handle sequenceData) {
 
 void SceneRegistry::Release(PF_Handle owner, SuiteHandler& suites, PF_ProgPtr effectRef) {
   auto entry = scenes_.extract(owner);
-  if (entry.empty()) return;
+  if (entry.empty()) {
+    return;
+  }
   Scenes& scenes = entry.mapped();
   for (auto scene = scenes.begin(); scene != scenes.end();) {
     const bool isGone = !scene->isInUse && ReleaseContents(*scene, suites, effectRef);
@@ -88,14 +104,18 @@ void SceneRegistry::Release(PF_Handle owner, SuiteHandler& suites, PF_ProgPtr ef
 
 void SceneRegistry::ReleaseAll(SuiteHandler* suites, PF_ProgPtr effectRef) {
   Scenes all = std::exchange(leftOver_, {});
-  for (auto& [owner, scenes] : std::exchange(scenes_, {})) all.splice(all.end(), scenes);
+  for (auto& [owner, scenes] : std::exchange(scenes_, {})) {
+    all.splice(all.end(), scenes);
+  }
   for (auto scene = all.begin(); scene != all.end();) {
     if (scene->isInUse) {
       ++scene;
       continue;
     }
     DeleteTextures(*scene);
-    if (suites != nullptr) DisposeWorlds(*scene, *suites, effectRef);
+    if (suites != nullptr) {
+      DisposeWorlds(*scene, *suites, effectRef);
+    }
     scene = all.erase(scene);
   }
   leftOver_.splice(leftOver_.end(), all);

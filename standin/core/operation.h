@@ -66,16 +66,24 @@ Result CallOperation(std::string_view name, FailurePoint point, Body body, Say s
   const bool works = !failure || point != FailurePoint::kBeforeEffect;
   if constexpr (std::is_void_v<Result>) {
     Guarded<void>(*core, name, body);
-    if (core->injector.IsRecording()) leave(true, "");
-    if (failure && failure->throws) Throw(*failure);
+    if (core->injector.IsRecording()) {
+      leave(true, "");
+    }
+    if (failure && failure->throws) {
+      Throw(*failure);
+    }
   } else {
     Result result = works ? Guarded<Result>(*core, name, body) : Result{};
     if (failure && point != FailurePoint::kThrowOnly) {
       result = FailedResult<Result>(failure->code);
     }
     const bool done = std::is_same_v<Result, PF_Err> ? result == Result{} : !failure;
-    if (core->injector.IsRecording()) leave(done, ArgumentFormatter(core->tracker, true)(result));
-    if (failure && failure->throws) Throw(*failure);
+    if (core->injector.IsRecording()) {
+      leave(done, ArgumentFormatter(core->tracker, true)(result));
+    }
+    if (failure && failure->throws) {
+      Throw(*failure);
+    }
     return result;
   }
 }

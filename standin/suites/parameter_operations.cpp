@@ -40,8 +40,12 @@ bool IsInRange(const PF_PopupDef& popup) {
 
 /// What is wrong with a declared parameter; null when nothing is.
 const char* FaultOf(const PF_ParamDef& definition) {
-  if (!IsKnownType(definition.param_type)) return "a type that this host does not have";
-  if (!IsTerminated(definition)) return "a name without a terminating zero";
+  if (!IsKnownType(definition.param_type)) {
+    return "a type that this host does not have";
+  }
+  if (!IsTerminated(definition)) {
+    return "a name without a terminating zero";
+  }
   if (definition.param_type == PF_Param_FLOAT_SLIDER && !IsInRange(definition.u.fs_d)) {
     return "a slider whose ranges or value do not fit each other";
   }

@@ -28,7 +28,9 @@ PF_Err NewWorld(Core& core, PF_ProgPtr effect, A_long width, A_long height, PF_N
 
 PF_Err DisposeWorld(Core& core, PF_ProgPtr effect, PF_EffectWorld* world) {
   // A world may outlive its instance: at its end the plug-in gives it back in its own name.
-  if (effect != core.pluginRef) core.Instance(effect, "dispose_world");
+  if (effect != core.pluginRef) {
+    core.Instance(effect, "dispose_world");
+  }
   return core.worlds.Dispose(world, "dispose_world");
 }
 

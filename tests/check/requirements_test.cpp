@@ -27,7 +27,9 @@ TEST(RequirementsTest, AreListedOnThePageAboutChecking) {
   std::string latest;
   for (const check::Check& check : Checks()) {
     const std::string name = check.name.substr(0, check.name.find('/'));
-    if (name != latest) list += "- `" + name + "`: " + check.requirement + "\n";
+    if (name != latest) {
+      list += "- `" + name + "`: " + check.requirement + "\n";
+    }
     latest = name;
   }
   const std::string page = tarvo::ReadWholeFile(TARVO_PAGE);

@@ -87,7 +87,9 @@ void Print(bool isBadFrame) {
 void StartProcess(const char* name, bool leavesGroup) {
   const pid_t process = fork();
   if (process == 0) {
-    if (leavesGroup) setsid();
+    if (leavesGroup) {
+      setsid();
+    }
     sleep(30);  // longer than the test, but not for good
     _exit(0);
   }
@@ -107,7 +109,9 @@ void RunOutOfMemory() noexcept { ThrowOutOfMemory(); }
 
 struct CrashesAtTheEnd {
   ~CrashesAtTheEnd() {
-    if (BAD_PLUGIN == 13) Crash();
+    if (BAD_PLUGIN == 13) {
+      Crash();
+    }
   }
 };
 const CrashesAtTheEnd kAtTheEnd;

@@ -95,7 +95,9 @@ TEST_F(Frames, EndWithTheCodesOfThePage) {
     SCOPED_TRACE(situation);
     table += "| " + std::to_string(code) + " | " + situation + " |\n";
 #if defined(__SANITIZE_ADDRESS__)  // which itself needs more memory than is left
-    if (line == kShortOfMemory) continue;
+    if (line == kShortOfMemory) {
+      continue;
+    }
 #endif
     tarvo::WriteWholeFile(folder_ / "script.sh",
                           "cd " + Quoted(folder_.string()) +

@@ -20,9 +20,13 @@ bool IsWorker() {
   char words[4096]{};
   std::FILE* const file = std::fopen("/proc/self/cmdline", "r");
   const std::size_t size = file != nullptr ? std::fread(words, 1, sizeof words - 1, file) : 0;
-  if (file != nullptr) std::fclose(file);
+  if (file != nullptr) {
+    std::fclose(file);
+  }
   for (std::size_t i = 0; i < size; ++i) {
-    if (words[i] == '\0') words[i] = ' ';
+    if (words[i] == '\0') {
+      words[i] = ' ';
+    }
   }
   return std::strstr(words, " --worker=") != nullptr;
 }
@@ -46,7 +50,9 @@ __attribute__((visibility("default"))) int pthread_create(pthread_t* thread,
                                                           const pthread_attr_t* attributes,
                                                           void* (*start)(void*), void* argument) {
   static int calls = 0;
-  if (IsDue("PRELOAD_THREADS", calls)) return EAGAIN;
+  if (IsDue("PRELOAD_THREADS", calls)) {
+    return EAGAIN;
+  }
   return Original<decltype(&pthread_create)>("pthread_create")(thread, attributes, start, argument);
 }
 
@@ -85,7 +91,9 @@ __attribute__((visibility("default"))) int rename(const char* from, const char* 
   static int calls = 0;
   if (IsDue("PRELOAD_RENAMES", calls)) {
     std::fputs("blocking in rename\n", stderr);
-    while (true) pause();
+    while (true) {
+      pause();
+    }
   }
   return Original<decltype(&rename)>("rename")(from, to);
 }

@@ -197,7 +197,9 @@ TEST_F(Processes, AreRefusedWithASentenceWhenThereAreNoMore) {
       for (const int allowed : {0, 1}) {
         const bool isEnough = kind == "PROCESSES" && allowed == 1 &&
                               command.find("jobs 2") == std::string::npos && command[0] == 'r';
-        if (isEnough) continue;  // a single worker is all that this command starts
+        if (isEnough) {  // a single worker is all that this command starts
+          continue;
+        }
         const Outcome outcome = Script(Preload("PRELOAD_" + kind, std::to_string(allowed)) +
                                        "\"$tarvo\" " + command + Quoted(TARVO_PRINTING_PLUGIN) +
                                        " 2>said; echo code $?; grep ' cannot be started: ' said\n");

@@ -58,14 +58,20 @@ double AnyNumber(FuzzedDataProvider& bytes) {
   constexpr std::array kEdges{-0.0,          1.0,   1e-310, 1e9,   -1e12,  3.5e38,   2147483647.0,
                               -2147483648.0, 1e300, -1e300, kNone, -kNone, kEndless, -kEndless};
   const auto choice = bytes.ConsumeIntegral<std::uint8_t>();
-  if (choice < 200) return choice / 4.0 - 8.0;
-  if (choice < 240) return bytes.PickValueInArray(kEdges);
+  if (choice < 200) {
+    return choice / 4.0 - 8.0;
+  }
+  if (choice < 240) {
+    return bytes.PickValueInArray(kEdges);
+  }
   return std::bit_cast<double>(bytes.ConsumeIntegral<std::uint64_t>());
 }
 
 PieceQuad AnyPiece(FuzzedDataProvider& bytes) {
   std::array<double, 18> numbers{};  // corners, texture coordinates, place on the bone, opacity
-  for (double& number : numbers) number = AnyNumber(bytes);
+  for (double& number : numbers) {
+    number = AnyNumber(bytes);
+  }
   PieceQuad piece{};
   std::memcpy(&piece, numbers.data(), sizeof numbers);
   piece.imageSelect = bytes.PickValueInArray({TARVO_IMAGE_A, TARVO_IMAGE_B, TARVO_IMAGE_A, 7U});
@@ -74,7 +80,9 @@ PieceQuad AnyPiece(FuzzedDataProvider& bytes) {
 
 std::vector<PieceQuad> AnyPieces(FuzzedDataProvider& bytes) {
   std::vector<PieceQuad> pieces(bytes.ConsumeIntegralInRange<std::size_t>(0, 4));
-  for (PieceQuad& piece : pieces) piece = AnyPiece(bytes);
+  for (PieceQuad& piece : pieces) {
+    piece = AnyPiece(bytes);
+  }
   return pieces;
 }
 
@@ -137,7 +145,9 @@ class AnyRecord {
   /// What was not taken is the sender's.
   ~AnyRecord() {
     for (const PF_EffectWorld& world : worlds_) {
-      if (host_.worlds.IsLive(world)) host_.worlds.Dispose(&world, "the companion");
+      if (host_.worlds.IsLive(world)) {
+        host_.worlds.Dispose(&world, "the companion");
+      }
     }
   }
 
@@ -158,7 +168,9 @@ class AnyRecord {
     }
     now.newImageA = record_.newImageA;
     now.newImageB = record_.newImageB;
-    if (std::memcmp(&now, &record_, sizeof now) != 0) Finding("the sender's record was changed");
+    if (std::memcmp(&now, &record_, sizeof now) != 0) {
+      Finding("the sender's record was changed");
+    }
   }
 
  private:
@@ -170,7 +182,9 @@ class AnyRecord {
                                             std::numeric_limits<A_long>::max(),
                                             300};
     const A_long place = bytes.PickValueInArray(kPlaces);
-    if (place < 0 || place > kLargestPlace) canBeMeant_ = false;
+    if (place < 0 || place > kLargestPlace) {
+      canBeMeant_ = false;
+    }
     return place;
   }
 
@@ -179,7 +193,9 @@ class AnyRecord {
     const std::uintptr_t end = start + pieces_.size() * sizeof(PieceQuad);
     record_.quads.first = Piece(start);
     record_.quads.last = Piece(end);
-    if (bytes.ConsumeIntegralInRange(0, 3) != 0) return;
+    if (bytes.ConsumeIntegralInRange(0, 3) != 0) {
+      return;
+    }
     const auto noise = bytes.ConsumeIntegral<std::uintptr_t>();
     switch (bytes.ConsumeIntegralInRange(0, 5)) {
       case 0:  // a part of the list
@@ -213,7 +229,9 @@ class AnyRecord {
     if (whole && end > held && (end - start) / sizeof(PieceQuad) <= 1'000'000 && start != 0) {
       record_.quads.last = Piece(end + 1);
     }
-    if (!whole || end > held || (start == 0 && end != 0)) canBeMeant_ = false;
+    if (!whole || end > held || (start == 0 && end != 0)) {
+      canBeMeant_ = false;
+    }
   }
 
   static const PieceQuad* Piece(std::uintptr_t address) {
@@ -228,22 +246,34 @@ class AnyRecord {
       world = host_.worlds.From(AnyPicture(bytes), "an image");
       worlds_.push_back(world);
     }
-    if (kind >= 3) worldsMayBeRefused_ = worldsMayBeRefused_ || flag != 0;
-    if (kind == 3) host_.worlds.Dispose(&world, "the companion");
-    if (kind == 5) bytes.ConsumeData(&world, sizeof world);
-    if (kind >= 4) Resize(world, bytes);
+    if (kind >= 3) {
+      worldsMayBeRefused_ = worldsMayBeRefused_ || flag != 0;
+    }
+    if (kind == 3) {
+      host_.worlds.Dispose(&world, "the companion");
+    }
+    if (kind == 5) {
+      bytes.ConsumeData(&world, sizeof world);
+    }
+    if (kind >= 4) {
+      Resize(world, bytes);
+    }
     std::memcpy(field, &world, sizeof world);
   }
 
   void ExpectCleared(std::uint8_t before, std::uint8_t now) const {
     const bool right = now == before || (now == 0 && canBeMeant_);
-    if (!right) Finding("a flag was " + std::to_string(before) + " and is " + std::to_string(now));
+    if (!right) {
+      Finding("a flag was " + std::to_string(before) + " and is " + std::to_string(now));
+    }
   }
 
   void ExpectHandedOver(const std::uint8_t* field, bool taken) const {
     PF_EffectWorld world{};
     std::memcpy(&world, field, sizeof world);
-    if (taken && host_.worlds.IsLive(world)) Finding("an image was taken, and its world kept");
+    if (taken && host_.worlds.IsLive(world)) {
+      Finding("an image was taken, and its world kept");
+    }
   }
 
   standin::Host& host_;
@@ -309,7 +339,9 @@ class Stage {
   template <typename Failed>
   void Act(int action, FuzzedDataProvider& bytes, Failed failed) {
     const auto expectOk = [&](const CommandResult& result, const std::string& what) {
-      if (!failed()) ExpectOk(result, what);
+      if (!failed()) {
+        ExpectOk(result, what);
+      }
     };
     switch (action) {
       case 0:
@@ -323,13 +355,17 @@ class Stage {
       case 5:
         return expectOk(host.UpdateParamsUi(*renderer_), "labels");
       case 6:
-        if (bytes.ConsumeBool()) return expectOk(SwitchFast(bytes.ConsumeBool()), "fast");
+        if (bytes.ConsumeBool()) {
+          return expectOk(SwitchFast(bytes.ConsumeBool()), "fast");
+        }
         return expectOk(ChangeParameter(bytes), "a parameter");
       case 7:
         AskForExtent(bytes);
         return;
       case 8:
-        if (host.Idle() != 0) Finding("idle failed");
+        if (host.Idle() != 0) {
+          Finding("idle failed");
+        }
         return;
       case 9:
         return AddEffect(bytes);
@@ -357,7 +393,9 @@ class Stage {
   }
 
   void AddEffect(FuzzedDataProvider& bytes) {
-    if (layer_.effects.size() >= kMostEffects) return;
+    if (layer_.effects.size() >= kMostEffects) {
+      return;
+    }
     const auto place = bytes.ConsumeIntegralInRange(0, static_cast<int>(layer_.effects.size()));
     if (bytes.ConsumeIntegralInRange(0, 3) == 0) {
       host.AddEffect(layer_, bytes.PickValueInArray({"X Glow", "qez_tarvo", "QEZ_Tarvo "}), place);
@@ -370,7 +408,9 @@ class Stage {
     standin::Effect& effect = AnyEffect(bytes);
     switch (bytes.ConsumeIntegralInRange(0, 3)) {
       case 0:
-        if (&effect != renderer_) ExpectOk(host.Remove(effect), "remove");
+        if (&effect != renderer_) {
+          ExpectOk(host.Remove(effect), "remove");
+        }
         return;
       case 1:
         effect.withoutReference = !effect.withoutReference;
@@ -391,14 +431,22 @@ class Stage {
   template <typename Failed>
   void SendAsTaught(FuzzedDataProvider& bytes, Failed failed) {
     auto* companion = dynamic_cast<Companion*>(&AnyEffect(bytes));
-    if (companion == nullptr) companion = &host.AddCompanion(layer_, "Bone");
+    if (companion == nullptr) {
+      companion = &host.AddCompanion(layer_, "Bone");
+    }
     companion->pieces = AnyPieces(bytes);
-    if (bytes.ConsumeBool()) companion->imageA.Set(AnyPicture(bytes));
-    if (bytes.ConsumeBool()) companion->imageB.Set(AnyPicture(bytes));
+    if (bytes.ConsumeBool()) {
+      companion->imageA.Set(AnyPicture(bytes));
+    }
+    if (bytes.ConsumeBool()) {
+      companion->imageB.Set(AnyPicture(bytes));
+    }
     companion->imageA.opacity = AnyNumber(bytes);
     companion->imageB.opacity = AnyNumber(bytes);
     const CommandResult result = host.Send(*companion, *renderer_).command;
-    if (!failed()) ExpectOk(result, "a companion's message");
+    if (!failed()) {
+      ExpectOk(result, "a companion's message");
+    }
   }
 
   template <typename Failed>
@@ -407,9 +455,15 @@ class Stage {
     const CommandResult result = host.SendRecord(*renderer_, record.Address());
     record.ExpectOnlyFlagsCleared(failed());
     const bool refused = result.code == PF_Err_BAD_CALLBACK_PARAM;
-    if (!record.CanBeMeant() && !refused) Finding("a record that cannot be meant was accepted");
-    if (record.WorldsMayBeRefused()) return ForgiveTheSender();
-    if (record.CanBeMeant() && !failed()) ExpectOk(result, "a record");
+    if (!record.CanBeMeant() && !refused) {
+      Finding("a record that cannot be meant was accepted");
+    }
+    if (record.WorldsMayBeRefused()) {
+      return ForgiveTheSender();
+    }
+    if (record.CanBeMeant() && !failed()) {
+      ExpectOk(result, "a record");
+    }
   }
 
   /// Takes note of no world that was refused to the plug-in: the sender gave it.
@@ -417,7 +471,9 @@ class Stage {
     for (const std::string& violation : host.tracker.Violations()) {
       const bool sendersFault = violation.starts_with("copy was given") ||
                                 violation.starts_with("dispose_world was given");
-      if (!sendersFault) Finding(violation);
+      if (!sendersFault) {
+        Finding(violation);
+      }
     }
     host.tracker.ClearViolations();
   }
@@ -452,37 +508,53 @@ class Stage {
     if (extent.width > kLargestOutputSide || extent.height > kLargestOutputSide) {
       extent.width = bytes.ConsumeIntegralInRange<A_long>(0, kLargestOutputSide);
       extent.height = bytes.ConsumeIntegralInRange<A_long>(0, kLargestOutputSide);
-      if (bytes.ConsumeBool()) extent.originX = extent.originY = 0;
+      if (bytes.ConsumeBool()) {
+        extent.originX = extent.originY = 0;
+      }
     }
     const standin::RenderResult result = host.RenderInto(*renderer_, extent, request);
-    if (failed()) return;
+    if (failed()) {
+      return;
+    }
     ExpectOk(result.command, "render");
-    if (result.unwritten != 0) Finding("a frame with pixels that nobody wrote");
+    if (result.unwritten != 0) {
+      Finding("a frame with pixels that nobody wrote");
+    }
   }
 
   static void ExpectOk(const CommandResult& result, const std::string& what) {
-    if (!result.Ok()) Finding(what + ": " + std::to_string(result.code) + " " + result.message);
+    if (!result.Ok()) {
+      Finding(what + ": " + std::to_string(result.code) + " " + result.message);
+    }
   }
 
   void ExpectNoViolation() const {
-    if (!host.tracker.Violations().empty()) Finding(host.tracker.FirstViolation());
+    if (!host.tracker.Violations().empty()) {
+      Finding(host.tracker.FirstViolation());
+    }
   }
 
   void ExpectCount(Kind kind, std::size_t most) const {
-    if (host.tracker.Count(kind) > most)
+    if (host.tracker.Count(kind) > most) {
       Finding("left behind: " + host.tracker.Outstanding(kind).back());
+    }
   }
 
   /// Takes everything off the layer; what then is left of the plug-in's is a leak.
   void Clear() {
-    while (!layer_.effects.empty()) ExpectOk(host.Remove(*layer_.effects.back()), "remove");
+    while (!layer_.effects.empty()) {
+      ExpectOk(host.Remove(*layer_.effects.back()), "remove");
+    }
     host.ClearChanges();
     ExpectNoViolation();
-    if (!host.tracker.Balanced())
+    if (!host.tracker.Balanced()) {
       Finding("left behind: " + host.tracker.OutstandingAfterCall().front());
+    }
     ExpectCount(Kind::kHandle, handles_);
     ExpectCount(Kind::kWorld, 1);  // the host's own input layer, after the first frame
-    if (!host.ContextIsCurrent()) Finding("the host's context is not current");
+    if (!host.ContextIsCurrent()) {
+      Finding("the host's context is not current");
+    }
   }
 
   standin::Layer& layer_;
@@ -505,7 +577,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   if (++played % kInputsPerHost == 0) {
     stage->Close();
     stage.reset();  // before the next one begins: the plug-in is the same
-    if (__lsan_do_recoverable_leak_check() != 0) Finding("memory was lost");
+    if (__lsan_do_recoverable_leak_check() != 0) {
+      Finding("memory was lost");
+    }
     stage = std::make_unique<Stage>();
   }
   return 0;

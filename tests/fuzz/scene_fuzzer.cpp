@@ -31,7 +31,9 @@ using tarvo::Json;
 // ---- What must hold
 
 void Expect(bool holds, const std::string& otherwise) {
-  if (!holds) Finding(otherwise);
+  if (!holds) {
+    Finding(otherwise);
+  }
 }
 
 bool IsOpacity(double value) { return value >= 0.0 && value <= 1.0; }
@@ -57,7 +59,9 @@ void ExpectBone(const tarvo::Scene& scene, const tarvo::Bone& bone) {
 void ExpectScene(const tarvo::Scene& scene) {
   Expect(scene.width >= 1 && scene.height >= 1, "a layer without a size");
   Expect(scene.stack.size() == scene.bones.size() + scene.effects.size() + 1, "a stack with gaps");
-  for (const tarvo::Bone& bone : scene.bones) ExpectBone(scene, bone);
+  for (const tarvo::Bone& bone : scene.bones) {
+    ExpectBone(scene, bone);
+  }
   for (const tarvo::Setting& setting : scene.settings) {
     Expect(std::isfinite(setting.value), "a setting is no number");
   }
@@ -78,15 +82,21 @@ void Draw(const tarvo::Scene& scene) {
   constexpr std::size_t kMostPieces = 12;
   std::vector<tarvo::OverlapBone> bones;
   for (const std::size_t index : tarvo::ActiveBones(scene)) {
-    if (bones.size() == kMostBones) break;
+    if (bones.size() == kMostBones) {
+      break;
+    }
     const tarvo::Bone& bone = scene.bones[index];
     tarvo::OverlapBone& drawn = bones.emplace_back();
     drawn.imageA = scene.images[bone.image].picture;
-    if (bone.imageB) drawn.imageB = scene.images[*bone.imageB].picture;
+    if (bone.imageB) {
+      drawn.imageB = scene.images[*bone.imageB].picture;
+    }
     const auto count = static_cast<std::ptrdiff_t>(std::min(bone.pieces.size(), kMostPieces));
     std::transform(bone.pieces.begin(), bone.pieces.begin() + count,
                    std::back_inserter(drawn.pieces), ToQuad);
-    if (bone.z) std::tie(drawn.startZ, drawn.endZ) = std::pair(bone.z->start, bone.z->end);
+    if (bone.z) {
+      std::tie(drawn.startZ, drawn.endZ) = std::pair(bone.z->start, bone.z->end);
+    }
   }
   const bool exact = scene.fast.has_value() && !*scene.fast;
   tarvo::DrawOverlap({std::move(bones), {.width = 12, .height = 9, .exact = exact}});
@@ -168,7 +178,9 @@ void Change(Json& root, RandomSource& random) {
       node = std::move(other);
       break;
     case 1:
-      if (node.is_structured() && !node.empty()) EraseChild(node, random);
+      if (node.is_structured() && !node.empty()) {
+        EraseChild(node, random);
+      }
       break;
     case 2:
       AddChild(node, std::move(other), random);
@@ -177,8 +189,9 @@ void Change(Json& root, RandomSource& random) {
       AddChild(node, EdgeValue(random), random);
       break;
     case 4:
-      if (node.is_number())
+      if (node.is_number()) {
         node = node.get<double>() * (static_cast<double>(Roll(random, 9)) - 4.0);
+      }
       break;
     default:
       node = EdgeValue(random);
@@ -197,12 +210,20 @@ bool IsShallow(const std::uint8_t* data, std::size_t size) {
 extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t size,
                                                std::size_t most, unsigned int seed) {
   RandomSource random(seed);
-  if (Roll(random, 4) == 0 || !IsShallow(data, size)) return LLVMFuzzerMutate(data, size, most);
+  if (Roll(random, 4) == 0 || !IsShallow(data, size)) {
+    return LLVMFuzzerMutate(data, size, most);
+  }
   Json root = Json::parse(data, data + size, nullptr, /*allow_exceptions=*/false);
-  if (root.is_discarded()) return LLVMFuzzerMutate(data, size, most);
-  for (std::size_t changes = 1 + Roll(random, 3); changes > 0; --changes) Change(root, random);
+  if (root.is_discarded()) {
+    return LLVMFuzzerMutate(data, size, most);
+  }
+  for (std::size_t changes = 1 + Roll(random, 3); changes > 0; --changes) {
+    Change(root, random);
+  }
   const std::string text = root.dump();
-  if (text.size() > most) return LLVMFuzzerMutate(data, size, most);
+  if (text.size() > most) {
+    return LLVMFuzzerMutate(data, size, most);
+  }
   std::memcpy(data, text.data(), text.size());
   return text.size();
 }

@@ -74,7 +74,9 @@ class ForeignContext : public RefusedContext {
   void TearDown() override {
     RefusedContext::TearDown();
     eglMakeCurrent(display_, EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
-    for (EGLSurface surface : surfaces_) eglDestroySurface(display_, surface);
+    for (EGLSurface surface : surfaces_) {
+      eglDestroySurface(display_, surface);
+    }
     eglDestroyContext(display_, context_);
   }
 

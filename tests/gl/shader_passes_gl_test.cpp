@@ -47,7 +47,9 @@ class ShaderPass : public StartedFramework {
 
   void SetTexture(const char* name, GLuint unit, const std::vector<Texel>& row) {
     GLuint& texture = textures_.at(unit);
-    if (texture == 0) glGenTextures(1, &texture);
+    if (texture == 0) {
+      glGenTextures(1, &texture);
+    }
     EXPECT_EQ(AESDK_OpenGL_BindSampler(gState, texture, name, unit), AESDK_OpenGL_Err_None);
     glTexImage2D(GL_TEXTURE_RECTANGLE_ARB, 0, GL_RGBA32F_ARB, static_cast<GLsizei>(row.size()), 1,
                  0, GL_RGBA, GL_FLOAT, row.data());

@@ -35,7 +35,9 @@ class OneRefusal {
 
   /// Counts a call; true iff it is the one.
   bool Now() {
-    if (left_ < 0) return false;
+    if (left_ < 0) {
+      return false;
+    }
     happened_ = left_-- == 0;
     return happened_;
   }
@@ -70,7 +72,9 @@ void __real_glTexImage2D(GLenum target, GLint level, GLint format, GLsizei width
 [[gnu::visibility("default")]] void __wrap_glGetIntegerv(GLenum name, GLint* values);
 void __wrap_glGetIntegerv(GLenum name, GLint* values) {
   __real_glGetIntegerv(name, values);
-  if (name == GL_MAX_RENDERBUFFER_SIZE_EXT && gLargest != 0) *values = gLargest;
+  if (name == GL_MAX_RENDERBUFFER_SIZE_EXT && gLargest != 0) {
+    *values = gLargest;
+  }
   if (name == GL_MAX_VIEWPORT_DIMS && gLargestViewport != 0) {
     values[0] = values[1] = gLargestViewport;
   }
@@ -79,7 +83,9 @@ void __wrap_glGetIntegerv(GLenum name, GLint* values) {
 void __real_glDeleteTextures(GLsizei count, const GLuint* textures);
 [[gnu::visibility("default")]] void __wrap_glDeleteTextures(GLsizei count, const GLuint* textures);
 void __wrap_glDeleteTextures(GLsizei count, const GLuint* textures) {
-  if (wglGetCurrentContext() == nullptr) gDeletedWithoutContext = true;
+  if (wglGetCurrentContext() == nullptr) {
+    gDeletedWithoutContext = true;
+  }
   __real_glDeleteTextures(count, textures);
 }
 
@@ -89,7 +95,9 @@ void __wrap_glDeleteTextures(GLsizei count, const GLuint* textures) {
                                                         const void* pixels);
 void __wrap_glTexImage2D(GLenum target, GLint level, GLint format, GLsizei width, GLsizei height,
                          GLint border, GLenum pixelFormat, GLenum type, const void* pixels) {
-  if (gTexturesLeft == 0) return;  // without memory the texture keeps what it had
+  if (gTexturesLeft == 0) {  // without memory the texture keeps what it had
+    return;
+  }
   gTexturesLeft = std::max(gTexturesLeft - 1, -1);
   __real_glTexImage2D(target, level, format, width, height, border, pixelFormat, type, pixels);
 }
@@ -110,7 +118,9 @@ void ExpectContext() { EXPECT_NE(wglGetCurrentContext(), nullptr) << "an entry p
 
 GLenum APIENTRY Status(GLenum target) {
   ExpectContext();
-  if (gCompleteness.Now()) return GL_FRAMEBUFFER_UNSUPPORTED_EXT;
+  if (gCompleteness.Now()) {
+    return GL_FRAMEBUFFER_UNSUPPORTED_EXT;
+  }
   return gTrue.glCheckFramebufferStatusEXT(target);
 }
 
@@ -236,7 +246,9 @@ TEST_F(GlLifecycle, OutlivesEachSingleRefusal) {
           return context == AESDK_OpenGL::gState.renderContext && gMakeCurrent.Now();
         };
       });
-      if (!refusal->Happened()) break;
+      if (!refusal->Happened()) {
+        break;
+      }
     }
     EXPECT_LT(lives, kMost);
     EXPECT_GE(failed, 3);  // every frame's are among them

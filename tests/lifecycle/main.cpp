@@ -19,7 +19,9 @@ double CountTextures() {
   glGenTextures(1, &next);
   glDeleteTextures(1, &next);
   double count = 0;
-  for (GLuint name = 1; name < next; ++name) count += glIsTexture(name) == GL_TRUE ? 1 : 0;
+  for (GLuint name = 1; name < next; ++name) {
+    count += glIsTexture(name) == GL_TRUE ? 1 : 0;
+  }
   AESDK_OpenGL_MakeCurrent(gState.savedDeviceContext, gState.savedRenderContext);
   return count;
 }

@@ -96,7 +96,9 @@ TEST(Overlap, PiecesOfOneImageShowThroughOnlyInFastMode) {
   // 168 * 0.4 = 67.2, 153 + 214 * 0.4 = 238.6.
   EXPECT_EQ(CentreOf({bone}, false), (Rgba{.red = 148, .green = 71, .blue = 0, .alpha = 239}));
   // Below half alpha no piece owns the pixel, and both are drawn again.
-  for (Rgba& pixel : bone.imageA.pixels) pixel.alpha = 120;
+  for (Rgba& pixel : bone.imageA.pixels) {
+    pixel.alpha = 120;
+  }
   EXPECT_EQ(CentreOf({bone}, true), CentreOf({bone}, false));
 }
 

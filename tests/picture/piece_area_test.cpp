@@ -98,16 +98,24 @@ class Boxes : public PieceAreaTest, public ::testing::WithParamInterface<Sight> 
     for (std::uint32_t bone = 0; bone < bones_.size(); ++bone) {
       std::vector<PieceQuad> pieces =
           check::WarpedPieces(seed * 10 + bone, 4, GetParam().area, 32, 32);
-      if (GetParam().oddX) pieces.front().corners[2][0] = *GetParam().oddX;
+      if (GetParam().oddX) {
+        pieces.front().corners[2][0] = *GetParam().oddX;
+      }
       for (const int axis : {0, 1}) {
-        for (const int c : {0, 1}) pieces[1].corners[3 - c][axis] = pieces[1].corners[c][axis];
+        for (const int c : {0, 1}) {
+          pieces[1].corners[3 - c][axis] = pieces[1].corners[c][axis];
+        }
       }
       for (PieceQuad copy : std::vector(pieces)) {
         copy.boneT += 0.01;
-        for (const int c : {0, 1, 2, 3}) copy.texCoords[c][0] = 32 - copy.texCoords[c][0];
+        for (const int c : {0, 1, 2, 3}) {
+          copy.texCoords[c][0] = 32 - copy.texCoords[c][0];
+        }
         pieces.push_back(copy);
       }
-      if (isWidened) pieces.push_back(Line());
+      if (isWidened) {
+        pieces.push_back(Line());
+      }
       bones_[bone]->pieces = pieces;
     }
     rig.Send();

@@ -13,10 +13,14 @@ TEST(SortTest, EqualDepthsKeepTheOrderOfThePartition) {
   // Worked by hand: [1a 1b] exchanges its two, [1a 1b 1c] its outer two.
   const auto order = [](std::vector<double> depths) {
     std::vector<plugin::DrawPiece> pieces;
-    for (const double depth : depths) pieces.push_back({nullptr, depth, pieces.size(), {}});
+    for (const double depth : depths) {
+      pieces.push_back({nullptr, depth, pieces.size(), {}});
+    }
     plugin::SortByFallingDepth(pieces);
     std::vector<std::size_t> places;
-    for (const auto& piece : pieces) places.push_back(piece.slot);
+    for (const auto& piece : pieces) {
+      places.push_back(piece.slot);
+    }
     return places;
   };
   using Places = std::vector<std::size_t>;

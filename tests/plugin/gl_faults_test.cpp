@@ -50,7 +50,9 @@ TEST_F(GlFaultsTest, AMissingExtensionIsToldInWords) {
     SCOPED_TRACE(missing);
     offered.clear();
     for (const std::string name : names) {
-      if (name != missing && !missing.empty()) offered += "GL_" + name + " ";
+      if (name != missing && !missing.empty()) {
+        offered += "GL_" + name + " ";
+      }
     }
     gLookUp.extensions = []() -> const char* { return offered.c_str(); };
     ExpectRefusal(missing == "GL_ARB_shading_language_100"

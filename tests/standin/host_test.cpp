@@ -418,8 +418,12 @@ TEST_F(HostTest, HandOverOfImagesFollowsTheFlags) {
       std::memcpy(&world, record->imageA, sizeof world);
       EXPECT_EQ(world.data->alpha, 40);
       EXPECT_EQ(world.data->red, 10);
-      if (row.disposes) DisposeOf(c, world);
-      if (row.clearsFlag) record->newImageA = 0;
+      if (row.disposes) {
+        DisposeOf(c, world);
+      }
+      if (row.clearsFlag) {
+        record->newImageA = 0;
+      }
       return row.result;
     });
     EXPECT_EQ(host.Send(Arm(), Renderer()).tookA, row.taken);

@@ -12,7 +12,9 @@ AEGP_PluginID gPluginId = 0;
 
 PF_Err Register(const Command& command) {
   const auto* utility = command.Acquire<AEGP_UtilitySuite5>("AEGP Utility Suite", 11);
-  if (utility == nullptr) return PF_Err_BAD_CALLBACK_PARAM;
+  if (utility == nullptr) {
+    return PF_Err_BAD_CALLBACK_PARAM;
+  }
   const A_Err result = utility->AEGP_RegisterWithAEGP(nullptr, "probe", &gPluginId);
   command.Release("AEGP Utility Suite", 11);
   return result;
@@ -44,7 +46,9 @@ PF_Err Declare(const Command& command) {
 
   for (PF_ParamDef* definition : {&slider, &checkbox, &popup}) {
     const PF_Err result = command.in.inter.add_param(command.in.effect_ref, -1, definition);
-    if (result != PF_Err_NONE) return result;
+    if (result != PF_Err_NONE) {
+      return result;
+    }
   }
   command.out.num_params = 4;
   return PF_Err_NONE;
@@ -53,7 +57,9 @@ PF_Err Declare(const Command& command) {
 /// A handle that says in its first byte how often an instance was set up.
 PF_Err SetUp(const Command& command) {
   const auto* handles = command.Acquire<PF_HandleSuite1>("PF Handle Suite", 2);
-  if (handles == nullptr) return PF_Err_BAD_CALLBACK_PARAM;
+  if (handles == nullptr) {
+    return PF_Err_BAD_CALLBACK_PARAM;
+  }
   PF_Handle handle = handles->host_new_handle(kSequenceBytes);
   if (handle != nullptr) {
     auto* bytes = static_cast<std::uint8_t*>(handles->host_lock_handle(handle));

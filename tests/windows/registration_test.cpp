@@ -47,7 +47,9 @@ class TableReader {
 
   Table Read() {
     Table table{Number<std::uint16_t>(), Number<std::uint32_t>(), Number<std::uint32_t>(), {}};
-    while (!rest_.empty()) table.properties.push_back(ReadProperty());
+    while (!rest_.empty()) {
+      table.properties.push_back(ReadProperty());
+    }
     return table;
   }
 
@@ -58,7 +60,9 @@ class TableReader {
     return property;
   }
   std::string Take(std::size_t size) {
-    if (size > rest_.size()) throw std::out_of_range("a property reaches beyond the resource");
+    if (size > rest_.size()) {
+      throw std::out_of_range("a property reaches beyond the resource");
+    }
     const std::string taken(rest_.substr(0, size));
     rest_.remove_prefix(size);
     return taken;
@@ -110,7 +114,9 @@ std::filesystem::path FileOf(HMODULE module) {
 std::string_view Registration() {
   const HRSRC found =
       FindResourceExA(Module(), "PIPL", MAKEINTRESOURCEA(16000), MAKELANGID(LANG_ENGLISH, 1));
-  if (found == nullptr) throw std::runtime_error("no resource PIPL 16000 in language 1033");
+  if (found == nullptr) {
+    throw std::runtime_error("no resource PIPL 16000 in language 1033");
+  }
   const auto* bytes = static_cast<const char*>(LockResource(LoadResource(Module(), found)));
   return {bytes, SizeofResource(Module(), found)};
 }
@@ -150,7 +156,9 @@ int CountThreads() {
   thread.dwSize = sizeof thread;
   int count = 0;
   for (BOOL more = Thread32First(snapshot, &thread); more; more = Thread32Next(snapshot, &thread)) {
-    if (thread.th32OwnerProcessID == GetCurrentProcessId()) ++count;
+    if (thread.th32OwnerProcessID == GetCurrentProcessId()) {
+      ++count;
+    }
   }
   CloseHandle(snapshot);
   return count;

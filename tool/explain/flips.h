@@ -13,7 +13,13 @@
 #include "tool/rig/animation.h"
 
 /// \file
-/// Frames of an animation at which bones that lie on one another change places.
+/// Frames of an animation at which overlapping bones swap their order.
+///
+/// Each frame is compared with the one before it: of every pair of overlapping pieces of different
+/// bones, both places in the depth order are looked up, and a pair whose sign of the difference
+/// changed is a flip of its two bones. The cause is then searched among the keyed values that moved
+/// the depths of the two bones. The cost of a frame is that of finding its overlapping pairs
+/// (OverlapPairs), and of looking at the shared pixels of the pairs that flipped.
 
 namespace tarvo {
 

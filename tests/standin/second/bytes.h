@@ -39,7 +39,9 @@ struct Record {
   }
   [[nodiscard]] bool IsIntactBehind() const {
     for (std::size_t i = kSize; i < sizeof bytes; ++i) {
-      if (bytes[i] != kCanary) return false;
+      if (bytes[i] != kCanary) {
+        return false;
+      }
     }
     return true;
   }

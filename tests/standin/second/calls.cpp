@@ -371,7 +371,9 @@ void ExpectUnused(S slot, const Callback& callback) {
   const auto code = slot.Call<A_long>();
   const std::vector<std::string> violations = session.observer.violations();
   const bool ran = !session.observer.operations().empty();
-  if (code == 515 && !ran && violations == std::vector<std::string>{expected}) return;
+  if (code == 515 && !ran && violations == std::vector<std::string>{expected}) {
+    return;
+  }
   const std::string found = ran ? "an operation" : violations.empty() ? "nothing" : violations[0];
   session.findings.push_back("expected: " + expected + "; found: " + found);
 }
@@ -379,7 +381,9 @@ void ExpectUnused(S slot, const Callback& callback) {
 void CallUnused(const void* table, const std::vector<Callback>& callbacks,
                 const std::set<std::size_t>& used) {
   for (const Callback& callback : callbacks) {
-    if (used.count(callback.byte) == 0) ExpectUnused({table, callback.byte}, callback);
+    if (used.count(callback.byte) == 0) {
+      ExpectUnused({table, callback.byte}, callback);
+    }
   }
 }
 
@@ -389,12 +393,16 @@ using Used = std::map<std::pair<std::string, A_long>, std::set<std::size_t>>;
 void Run(const Step& step, std::size_t byte, const void* table,
          const std::vector<Callback>& callbacks) {
   HOLDS(table != nullptr);
-  if (table == nullptr) return;
+  if (table == nullptr) {
+    return;
+  }
   step.call({table, byte});
   const auto callback = std::find_if(callbacks.begin(), callbacks.end(),
                                      [&](const Callback& each) { return each.byte == byte; });
   HOLDS(callback != callbacks.end());
-  if (callback != callbacks.end()) ExpectOperation(callback->operation, step.argument);
+  if (callback != callbacks.end()) {
+    ExpectOperation(callback->operation, step.argument);
+  }
 }
 
 Used RunSteps(const std::vector<Suite>& suites) {
@@ -410,11 +418,15 @@ Used RunSteps(const std::vector<Suite>& suites) {
         return each.name == step.suite && each.version == step.version;
       });
       HOLDS(suite != suites.end());
-      if (suite == suites.end()) break;
+      if (suite == suites.end()) {
+        break;
+      }
       Run(step, byte, Acquire(step.suite, step.version), suite->slots);
       Release(step.suite, step.version);
     }
-    if (!session.findings.empty()) break;
+    if (!session.findings.empty()) {
+      break;
+    }
   }
   return used;
 }
@@ -431,7 +443,9 @@ void Note(bool holds, const char* what, const char* file, int line) {
 
 void Expect(const void* record, const std::string& what, std::initializer_list<Number> numbers) {
   HOLDS(record != nullptr);
-  if (record == nullptr) return;
+  if (record == nullptr) {
+    return;
+  }
   for (const Number& number : numbers) {
     const auto found = Read<A_long>(record, number.byte);
     if (found != number.value) {
@@ -451,7 +465,9 @@ void ExpectOperation(const std::string& name, const std::string& argument) {
   }
   ran.insert(ran.end(), operations.begin(), operations.end());
   std::string finding = name + " was to run; what ran:";
-  for (const std::string& text : ran) finding += " " + text + ";";
+  for (const std::string& text : ran) {
+    finding += " " + text + ";";
+  }
   session.findings.push_back(finding);
 }
 
@@ -486,7 +502,9 @@ void CallEverything(const void* interaction) {
   const std::vector<Suite> suites = Suites();
   Used used = RunSteps(suites);
   // A filled slot without a step would now be called as if it were unused, without arguments.
-  if (!session.findings.empty()) return;
+  if (!session.findings.empty()) {
+    return;
+  }
   for (const Suite& suite : suites) {
     CallUnused(Acquire(suite.name, suite.version), suite.slots, used[{suite.name, suite.version}]);
     Release(suite.name, suite.version);

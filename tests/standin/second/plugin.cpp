@@ -271,7 +271,9 @@ std::int32_t EntryPoint(std::int32_t command, void* in, void* out, void* const* 
   session.parameters = parameters;
   session.observer.operations();
   HOLDS(session.effect != nullptr && session.utilities != nullptr && session.basic != nullptr);
-  if (!session.findings.empty()) return 0;
+  if (!session.findings.empty()) {
+    return 0;
+  }
   return Answer(command, {in, out, parameters, output, extra});
 }
 

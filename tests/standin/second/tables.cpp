@@ -156,7 +156,9 @@ std::vector<std::string> Split(const std::string& names, const std::string& pref
       split.push_back(prefix + name);
       continue;
     }
-    for (const std::string& shared : Split(kUtility, prefix)) split.push_back(shared);
+    for (const std::string& shared : Split(kUtility, prefix)) {
+      split.push_back(shared);
+    }
   }
   return split;
 }
