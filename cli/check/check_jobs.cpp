@@ -11,6 +11,7 @@
 #include <optional>
 #include <stdexcept>
 #include <string>
+#include <system_error>
 #include <utility>
 
 #include <nlohmann/json.hpp>
@@ -29,10 +30,16 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using json = nlohmann::ordered_json;
 
-/// The program that holds the checks, beside this one.
+/// The program that holds the checks, beside this one. Throws Unfinished if it is missing.
 std::string CheckWorker() {
   std::filesystem::path file = ThisProgram();
   file.replace_filename("tarvo-check-worker" + file.extension().string());
+  std::error_code ignored;
+  if (!std::filesystem::exists(file, ignored)) {
+    throw Unfinished(kCannotRun,
+                     {file.string() + ": missing; \"tarvo check\" needs this program, which is "
+                                      "built with tarvo where GoogleTest is installed"});
+  }
   return file.string();
 }
 

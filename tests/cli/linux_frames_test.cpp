@@ -24,10 +24,10 @@ TEST_F(Frames, GoesOnAfterAnInterruption) {
     const Outcome outcome = Shell("sh " + Quoted(File("interrupt.sh")));
     EXPECT_EQ(outcome.code, 130) << outcome.err;
     EXPECT_FALSE(std::filesystem::exists(File(name + "299.png")));
-    const std::size_t command = outcome.err.find("this goes on:\n");
+    const std::size_t command = outcome.err.find("to continue:\n");
     ASSERT_NE(command, std::string::npos) << outcome.err;
     const Outcome rest = Shell(
-        outcome.err.substr(command + 14, outcome.err.find(".png --", command) - command - 14) +
+        outcome.err.substr(command + 13, outcome.err.find(".png --", command) - command - 13) +
         ".png --missing" + jobs);
     EXPECT_EQ(rest.code, 0) << rest.err;
     EXPECT_EQ(rest.out.find("%d.png: 300 frames"), std::string::npos) << rest.out;

@@ -62,6 +62,10 @@ TEST_F(LinuxOutputs, NeverTakeThePlaceOfWhatSymbolicLinksLeadTo) {
 
 TEST_F(LinuxOutputs, NeverTakeThePlaceOfTheProgramsThemselves) {
   std::filesystem::copy_file(TARVO_COMMAND, folder_ / "tarvo");
+  const Outcome alone =
+      Shell("cd " + Quoted(folder_.string()) + " && ./tarvo check " + Quoted(TARVO_PLUGIN));
+  EXPECT_EQ(alone.code, 4) << alone.err;
+  EXPECT_NE(alone.err.find("tarvo-check-worker: missing; "), std::string::npos) << alone.err;
   std::filesystem::copy_file(TARVO_CHECK_WORKER, folder_ / "tarvo-check-worker");
   const std::string check =
       " --only Commands.AboutShowsNameAndVersion " + Quoted(TARVO_PLUGIN) + " --junit ";
