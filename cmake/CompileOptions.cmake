@@ -39,7 +39,7 @@ set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bin)
 # For the sources of this folder and those below it, in which no time is spent: compiled in two thirds
 # of the time. Not in builds for a debugger, which are not optimised anyway.
 macro(optimise_little)
-  add_compile_options($<$<NOT:$<CONFIG:Debug>>:-O1>)
+  add_compile_options($<$<NOT:$<CONFIG:Debug>>:-O1> $<$<CONFIG:RelWithDebInfo>:-g1>)
 endmacro()
 
 # Compiles a target's sources in groups of so many, unless a preset says how many: where large
