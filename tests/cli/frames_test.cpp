@@ -57,7 +57,7 @@ TEST_F(Frames, AFrameIsTheSameWhateverCameBeforeIt) {
     const std::string alone = "--layer --frames " + std::to_string(frame);
     EXPECT_EQ(Render(kRich, "d" + std::to_string(frame) + ".png", alone).code, 0);
     const Picture picture = ReadPng(folder_ / ("a" + std::to_string(frame) + ".png"));
-    raw.append(reinterpret_cast<const char*>(picture.Bytes()), 60U * 40U * 4U);
+    raw.append(reinterpret_cast<const char*>(picture.Bytes()), std::size_t{60} * 40 * 4);
   }
   ExpectSame("a", "d", 0, 11);
   EXPECT_EQ(Render(kRich, "-", "--raw --frames 0-11").out, raw);

@@ -89,7 +89,7 @@ TEST_F(Guarded, WhatThePluginPrintsGoesToStandardErrorBehindANameAndNowhereElse)
   const std::string plugin = " --plugin " + Quoted(TARVO_PRINTING_PLUGIN);
   std::string expected;
   for (int frame = 0; frame < 12; ++frame) {
-    expected.append(60U * 40U * 4U, static_cast<char>(frame));
+    expected.append(std::size_t{60} * 40 * 4, static_cast<char>(frame));
   }
   for (const std::string jobs : {"1", "2"}) {
     const Outcome outcome = Run(Arguments("-", "--raw --frames 0-11 --jobs " + jobs + plugin));

@@ -19,6 +19,7 @@ extern "C" const char* __asan_default_options() {
 }
 
 /// The leak checker crashes in the thread-local storage of libraries that are loaded late.
+// NOLINTNEXTLINE(readability-redundant-declaration): the sanitizer declares it, too.
 extern "C" const char* __lsan_default_options() { return "intercept_tls_get_addr=0"; }
 
 extern "C" const char* __ubsan_default_options() { return "print_stacktrace=1"; }

@@ -224,7 +224,7 @@ extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t s
   if (text.size() > most) {
     return LLVMFuzzerMutate(data, size, most);
   }
-  std::memcpy(data, text.data(), text.size());
+  std::copy(text.begin(), text.end(), data);
   return text.size();
 }
 

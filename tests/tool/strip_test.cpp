@@ -90,7 +90,7 @@ TEST_P(EveryStrip, CutsStandAtEqualDistancesAlongTheCurve) {
     if ((i + 1) % kFiner == 0) {
       const auto& cut = pieces[i / kFiner].corners;
       EXPECT_NEAR(Distance(to, Middle(cut[1], cut[2])), 0, 1e-6);
-      EXPECT_NEAR(walked, share * static_cast<double>((i + 1) / kFiner), 0.1);
+      EXPECT_NEAR(walked, share * std::floor(static_cast<double>(i + 1) / kFiner), 0.1);
     }
   }
 }
