@@ -84,8 +84,10 @@ void CairoPainter::Paint(const Drawing& drawing) {
   cairo_set_antialias(painter, CAIRO_ANTIALIAS_NONE);
   for (const Run& run : drawing.runs) {
     for (GLsizei vertex = 0; vertex < run.count; vertex += 4) {
-      PaintPiece(painter, images_[run.image].get(),
-                 &drawing.vertices[static_cast<std::size_t>(run.first + vertex)]);
+      PaintPiece(
+          painter, images_[run.image].get(),
+          &drawing
+               .vertices[static_cast<std::size_t>(run.first) + static_cast<std::size_t>(vertex)]);
     }
   }
   cairo_destroy(painter);

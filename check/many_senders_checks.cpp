@@ -51,8 +51,8 @@ class Model {
     }
     places_[index].sender = sender;
     int bone = 0;
-    for (std::size_t at = 0; at < places_.size(); ++at) {
-      places_[at].bone.reset();
+    for (auto& each : places_) {
+      each.bone.reset();
     }
     for (std::size_t at = 0; at < layer.effects.size(); ++at) {
       const auto* companion = dynamic_cast<const Companion*>(layer.effects[at].get());

@@ -51,7 +51,7 @@ class Soak : public ::testing::Test {
         textures.Add(TheSettings().glTextures());
       }
     }
-    const double roundsPerStep = rounds / kSteps;
+    const int roundsPerStep = rounds / kSteps;
     RecordProperty("rounds", std::to_string(rounds));
     RecordProperty("memory, bytes a round", Text(memory.PerStep() * 1024 / roundsPerStep));
     RecordProperty("handles a step", Text(handles.PerStep()));

@@ -168,7 +168,6 @@ class AnyRecord {
     }
     now.newImageA = record_.newImageA;
     now.newImageB = record_.newImageB;
-    // NOLINTNEXTLINE(bugprone-suspicious-memory-comparison): any changed byte is a finding.
     if (std::memcmp(&now, &record_, sizeof now) != 0) {
       Finding("the sender's record was changed");
     }

@@ -83,7 +83,7 @@ TEST_F(GlFaultsTest, EachEntryPointIsNeeded) {
     ExpectRefusal("Appropriate OpenGL extensions not found!");
   }
   for (const std::intptr_t saysNone : {1, 3, -1}) {
-    // NOLINTNEXTLINE(performance-no-int-to-ptr): what drivers return instead of null.
+    // What drivers return instead of null.
     none = reinterpret_cast<PROC>(saysNone);
     gLookUp = lookUp;
     ExpectRefusal("Appropriate OpenGL extensions not found!");
