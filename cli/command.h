@@ -35,6 +35,10 @@ void AddWatch(CLI::App& program, Work& chosen);
 /// `tarvo check`: whether a build of the plug-in is conformant.
 void AddCheck(CLI::App& program, Work& chosen);
 
+/// Gives the program `tarvo` its commands with their options, and the text of --help; parsing a
+/// command line sets `chosen`.
+void AddCommands(CLI::App& program, Work& chosen);
+
 /// The program: reads the command line and does what it says; the exit code.
 int RunTarvo(const Console& console);
 

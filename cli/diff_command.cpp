@@ -107,7 +107,8 @@ void AddDiff(CLI::App& program, Work& chosen) {
       ->type_name("N");
   AddSyncOption(*command, options->sync);
   command->footer(R"(Colours are compared as displayed, multiplied by their alpha.
-Exit codes: 0 the same, 1 different, 2 wrong input.
+
+Exit codes: 0 the same; 1 different; 2 wrong input.
 
 Example:
   tarvo diff before.png after.png -o diff.png --tolerance 2)");

@@ -19,6 +19,7 @@
 #include "cli/options/hosted_plugin.h"
 #include "cli/options/output_guard.h"
 #include "cli/options/scene_options.h"
+#include "cli/options/suggestions.h"
 #include "tool/player/scene_player.h"
 #include "tool/rig/file/scene_file.h"
 
@@ -119,7 +120,7 @@ class SheetMaker {
     }
     background_ = ReadBackground(options_.background);
     if (!background_) {
-      faults_.Expected("--background", kBackgroundWords, options_.background);
+      faults_.Expected("--background", BackgroundWords(), options_.background);
     }
     if (!options_.sweep.empty()) {
       sweep_ = ReadSweep(options_.sweep);
@@ -258,9 +259,9 @@ void AddSheet(CLI::App& program, Work& chosen) {
       ->check(CLI::Range(16, 4096))
       ->capture_default_str();
   command->add_option("--columns", options->columns, "Cells in a row")->check(CLI::Range(1, 1000));
-  command
-      ->add_option("--background", options->background,
-                   std::string("Background behind the rig: ") + kBackgroundWords)
+  Suggest(command->add_option("--background", options->background,
+                              "Background behind the rig: " + BackgroundWords()),
+          kBackgroundNames)
       ->type_name("COLOUR")
       ->capture_default_str();
   AddSyncOption(*command, options->sync);

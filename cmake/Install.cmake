@@ -30,6 +30,15 @@ write_basic_package_version_file(${PROJECT_BINARY_DIR}/install/tarvo-companion-c
 install(FILES ${PROJECT_BINARY_DIR}/install/tarvo-companion-config-version.cmake
   DESTINATION ${package_folder})
 
+# Pages for man, and completion scripts where bash, zsh and fish look for them. Left out where only
+# `tarvo` was built, as scripts/demo does.
+if(TARGET tarvo_manual_pages)
+  install(DIRECTORY ${PROJECT_BINARY_DIR}/cli/manual/share/man/ DESTINATION ${CMAKE_INSTALL_MANDIR}
+    OPTIONAL)
+  install(DIRECTORY ${PROJECT_BINARY_DIR}/cli/manual/share/ DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}
+    OPTIONAL PATTERN man EXCLUDE)
+endif()
+
 set(doc_folder ${CMAKE_INSTALL_DATAROOTDIR}/doc/tarvo)
 install(FILES LICENSE CHANGELOG.md DESTINATION ${doc_folder})
 install(DIRECTORY docs/ DESTINATION ${doc_folder})

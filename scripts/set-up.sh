@@ -9,7 +9,7 @@ packages_of() {
       echo g++ cmake ninja-build nlohmann-json3-dev libcli11-dev libstb-dev zlib1g-dev \
         libegl-dev libgl-dev libopengl-dev libglu1-mesa-dev libegl-mesa0 libgl1-mesa-dri
       ;;
-    tests) echo libgtest-dev python3 python3-jsonschema ffmpeg git ;;
+    tests) echo libgtest-dev python3 python3-jsonschema ffmpeg git groff-base man-db zsh fish ;;
     bench) echo libbenchmark-dev libcairo2-dev pkg-config ;;
     lint) echo clang-format clang-tidy ;;
     fuzz) echo clang libclang-rt-dev llvm ;;

@@ -6,9 +6,11 @@
 #include <cstdint>
 #include <map>
 #include <string_view>
+#include <vector>
 
 #include "base/files/input_error.h"
 #include "base/image/image_file.h"
+#include "cli/options/suggestions.h"
 
 namespace tarvo {
 namespace {
@@ -70,6 +72,12 @@ std::optional<Background> ReadBackground(const std::string& text) {
     return [colour = *colour](int /*x*/, int /*y*/) { return colour; };
   }
   return std::nullopt;
+}
+
+std::string BackgroundWords() {
+  std::vector<const char*> words(kBackgroundNames.begin(), kBackgroundNames.end());
+  words.insert(words.end(), {"#rgb", "#rrggbb"});
+  return Alternatives(words);
 }
 
 Picture CropToLayer(const Picture& picture, int width, int height) {

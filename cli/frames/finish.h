@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <functional>
 #include <optional>
 #include <string>
@@ -12,10 +13,14 @@ namespace tarvo {
 /// An opaque colour for each place of a picture.
 using Background = std::function<Rgba(int x, int y)>;
 
-/// What kBackgroundWords promises; none for any other text.
+/// The background of one of kBackgroundNames, or of a colour "#rgb" or "#rrggbb"; none for any
+/// other text.
 std::optional<Background> ReadBackground(const std::string& text);
-inline constexpr const char* kBackgroundWords =
-    "checker, black, white, grey, red, green, blue, #rgb or #rrggbb";
+inline constexpr std::array kBackgroundNames = {"checker", "black", "white", "grey",
+                                                "red",     "green", "blue"};
+
+/// All that ReadBackground takes, for descriptions and messages.
+std::string BackgroundWords();
 
 /// The part of a picture that lies in the layer's frame, in pixels of the picture: `width` x
 /// `height` from the layer's corner; transparent where the picture does not reach.

@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 
 #include "cli/frames/finish.h"
+#include "cli/options/suggestions.h"
 #include "tool/explain/visualization.h"
 
 namespace tarvo {
@@ -20,12 +21,14 @@ void AddLookOptions(CLI::App& command, RenderOptions& options) {
   command.add_flag(
       "--layer", options.layer,
       "Crop to the layer's frame instead of everything drawn; frames of an animation always are");
-  NotEmpty(command.add_option("--background", options.background,
-                              std::string("Paint over a background: ") + kBackgroundWords))
+  Suggest(NotEmpty(command.add_option("--background", options.background,
+                                      "Paint over a background: " + BackgroundWords())),
+          kBackgroundNames)
       ->type_name("COLOUR");
-  NotEmpty(command.add_option("--show", options.show,
-                              std::string("Show the overlap over the frame or in its place: ") +
-                                  kVisualizationNames))
+  Suggest(NotEmpty(command.add_option("--show", options.show,
+                                      "Show the overlap over the frame or in its place: " +
+                                          Alternatives(kVisualizationNames))),
+          kVisualizationNames)
       ->type_name("WHAT");
   command.add_flag("--quiet", options.quiet, "Do not report files and progress");
   AddSyncOption(command, options.sync);

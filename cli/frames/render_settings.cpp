@@ -9,6 +9,7 @@
 #include "base/files/input_error.h"
 #include "cli/frames/frame_list.h"
 #include "cli/frames/movie.h"
+#include "cli/options/suggestions.h"
 #include "cli/process/system.h"
 
 namespace tarvo {
@@ -41,7 +42,7 @@ std::optional<Background> ReadBackgroundOption(const RenderOptions& options, Out
   const std::string word = options.background.empty() && isOpaque ? "black" : options.background;
   std::optional<Background> background = ReadBackground(word);
   if (!background && !word.empty()) {
-    faults.Expected("--background", kBackgroundWords, word);
+    faults.Expected("--background", BackgroundWords(), word);
   }
   return background;
 }
@@ -49,7 +50,7 @@ std::optional<Background> ReadBackgroundOption(const RenderOptions& options, Out
 std::optional<Visualization> ReadShow(const std::string& text, OptionFaults& faults) {
   const std::optional<Visualization> visualization = ReadVisualization(text);
   if (!visualization && !text.empty()) {
-    faults.Expected("--show", kVisualizationNames, text);
+    faults.Expected("--show", Alternatives(kVisualizationNames), text);
   }
   return visualization;
 }

@@ -13,6 +13,10 @@ cd "$work"
 ln -s usr/bin/tarvo mine
 ./mine render usr/share/doc/tarvo/examples/wave/wave.json --scale 1/8 -o wave.png --quiet
 test -s wave.png
+for file in man/man1/tarvo.1 man/man1/tarvo-render.1 bash-completion/completions/tarvo \
+  zsh/site-functions/_tarvo fish/vendor_completions.d/tarvo.fish; do
+  test -s "usr/share/$file"
+done
 usr/bin/tarvo check --only Commands.AboutShowsNameAndVersion | grep -q '^conformant: 1 check passed'
 
 cat >maker/CMakeLists.txt <<'END'

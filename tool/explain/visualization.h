@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <optional>
 #include <string>
 
@@ -16,9 +17,9 @@ enum class Visualization {
   kOwner,   ///< false colours by the piece that owns the pixel: the nearest half-opaque one
 };
 
-/// What kVisualizationNames promises; none for any other text.
+/// The visualization of one of kVisualizationNames; none for any other text.
 std::optional<Visualization> ReadVisualization(const std::string& text);
-inline constexpr const char* kVisualizationNames = "bones, pieces, depth or owner";
+inline constexpr std::array kVisualizationNames = {"bones", "pieces", "depth", "owner"};
 
 /// A frame with a visualization of its overlap in place of it or on it; of the frame's size. The
 /// legend is in the lower left corner of what the layer's frame and the picture share, if it
