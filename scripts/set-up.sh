@@ -12,6 +12,7 @@ packages_of() {
     tests) echo libgtest-dev python3 python3-jsonschema ffmpeg git groff-base man-db zsh fish ;;
     bench) echo libbenchmark-dev libcairo2-dev pkg-config ;;
     lint) echo clang-format clang-tidy ;;
+    docs) echo doxygen ;;
     fuzz) echo clang libclang-rt-dev llvm ;;
     windows)
       echo g++-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64 libz-mingw-w64-dev googletest \

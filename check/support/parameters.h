@@ -2,7 +2,7 @@
 
 namespace check {
 
-// The plug-in's parameters by number, as users' projects have them saved.
+/// The plug-in's parameters by number, as users' projects have them saved.
 inline constexpr int kHidden = 51;
 inline constexpr int kUpdater = 52;
 inline constexpr int kFastTransparency = 53;

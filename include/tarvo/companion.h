@@ -1,4 +1,5 @@
-/*
+/**
+ * \file
  * What a companion effect sends: one CompanionSlot record per bone.
  *
  * A companion stands for one bone of a rig. It hands this record to the renderer on the same layer
@@ -68,54 +69,54 @@ extern "C" {
 #define TARVO_LAYOUT(condition) _Static_assert(condition, #condition)
 #endif
 
-/* The match names of the two effects. */
+/** The match names of the two effects. */
 #define TARVO_COMPANION_MATCH_NAME "QEZ_Tarvo"
 #define TARVO_RENDERER_MATCH_NAME "QEZ_Tarvo_renderer"
 
-/* The index of the companion's parameter that the renderer counts up, modulo 1000. */
+/** The index of the companion's parameter that the renderer counts up, modulo 1000. */
 #define TARVO_NUDGE_PARAMETER 89
 
-/* The longest side, in pixels, of a layer and of an image that the host makes. */
+/** The longest side, in pixels, of a layer and of an image that the host makes. */
 #define TARVO_LONGEST_SIDE 30000
 
-/* Bytes of the host's image record, PF_EffectWorld. */
+/** Bytes of the host's image record, PF_EffectWorld. */
 #define TARVO_WORLD_BYTES 120
 
-/* Values of PieceQuad.imageSelect. */
+/** Values of PieceQuad.imageSelect. */
 #define TARVO_IMAGE_A 0u
 #define TARVO_IMAGE_B 0xFFFFFFFFu
 
 #pragma pack(push, 1)
 
-/* One piece: a textured quadrilateral, corners in the order 0, 1, 2, 3 around it. */
+/** One piece: a textured quadrilateral, corners in the order 0, 1, 2, 3 around it. */
 typedef struct PieceQuad {
-  double corners[4][2];   /* (x, y) in pixels of the layer at full resolution */
-  double texCoords[4][2]; /* (u, v) in pixels of the chosen image */
-  double boneT;           /* place along the bone: 0 at its start, 1 at its end */
-  double opacity;         /* not read by the receiver */
-  uint32_t imageSelect;   /* TARVO_IMAGE_A or TARVO_IMAGE_B */
-  uint8_t reserved[8];    /* not read by the receiver */
+  double corners[4][2];   /**< (x, y) in pixels of the layer at full resolution */
+  double texCoords[4][2]; /**< (u, v) in pixels of the chosen image */
+  double boneT;           /**< place along the bone: 0 at its start, 1 at its end */
+  double opacity;         /**< not read by the receiver */
+  uint32_t imageSelect;   /**< TARVO_IMAGE_A or TARVO_IMAGE_B */
+  uint8_t reserved[8];    /**< not read by the receiver */
 } PieceQuad;
 
-/* Where the pieces lie in the sender's memory, back to back. The sender keeps owning them. */
+/** Where the pieces lie in the sender's memory, back to back. The sender keeps owning them. */
 typedef struct PieceQuadList {
   const PieceQuad* first;
-  const PieceQuad* last;        /* one past the last piece */
-  const PieceQuad* reservedEnd; /* one past the storage kept for pieces */
+  const PieceQuad* last;        /**< one past the last piece */
+  const PieceQuad* reservedEnd; /**< one past the storage kept for pieces */
   uint8_t unused[8];
 } PieceQuadList;
 
-/* The record of one companion. The receiver writes nothing in it but the two newImage flags. */
+/** The record of one companion. The receiver writes nothing in it but the two newImage flags. */
 typedef struct CompanionSlot {
   PieceQuadList quads;
-  uint8_t imageA[TARVO_WORLD_BYTES]; /* a PF_EffectWorld, 8 bits a channel */
+  uint8_t imageA[TARVO_WORLD_BYTES]; /**< a PF_EffectWorld, 8 bits a channel */
   uint8_t imageB[TARVO_WORLD_BYTES];
-  uint8_t newImageA; /* nonzero: imageA is new and passes to the receiver, who clears the flag; */
-  uint8_t newImageB; /* a flag still set afterwards says that the world is yours */
+  uint8_t newImageA; /**< nonzero: imageA is new and passes to the receiver, who clears the flag; */
+  uint8_t newImageB; /**< a flag still set afterwards says that the world is yours */
   uint8_t padding[2];
-  double opacityA; /* 0 to 1, for pieces drawn from image A; counts from the next new image on */
-  double opacityB; /* the same for image B */
-  int32_t effectIndex; /* the sender's own 0-based place in the layer's effect stack */
+  double opacityA; /**< 0 to 1, for pieces drawn from image A; counts from the next new image on */
+  double opacityB; /**< the same for image B */
+  int32_t effectIndex; /**< the sender's own 0-based place in the layer's effect stack */
 } CompanionSlot;
 
 #pragma pack(pop)

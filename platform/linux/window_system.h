@@ -1,17 +1,18 @@
 #pragma once
 
-// The part of Win32, GDI and WGL that an offscreen OpenGL program needs, under its own names, over
-// EGL without a display server. Every operation succeeds and fails as the one of Windows does; what
-// a caller of ours never reads (last error codes, messages, painting) is left out.
-//
-// Rules that hold for all of it:
-// - Handles are numbers that are never used twice and never followed, so a null, stale or unknown
-// handle is refused, not crashed on. An HGLRC is the EGL context itself.
-// - What is "current" belongs to EGL, not to this layer: contexts that others made current on the
-//   thread are read, saved and restored like the layer's own, by any number of copies of it.
-// - The EGL display is shared with the whole process and never terminated, and the API that
-//   the thread has bound is the same after a call as before.
-// - All operations may be called from any thread.
+/// \file
+/// The part of Win32, GDI and WGL that an offscreen OpenGL program needs, under its own names, over
+/// EGL without a display server. Every operation succeeds and fails as the one of Windows does;
+/// what a caller of ours never reads (last error codes, messages, painting) is left out.
+///
+/// Rules that hold for all of it:
+/// - Handles are numbers that are never used twice and never followed, so a null, stale or unknown
+///   handle is refused, not crashed on. An HGLRC is the EGL context itself.
+/// - What is "current" belongs to EGL, not to this layer: contexts that others made current on the
+///   thread are read, saved and restored like the layer's own, by any number of copies of it.
+/// - The EGL display is shared with the whole process and never terminated, and the API that
+///   the thread has bound is the same after a call as before.
+/// - All operations may be called from any thread.
 
 #include <cstdint>
 

@@ -1,7 +1,8 @@
 #pragma once
 
-// The window system of Windows: Win32, GDI and WGL, with OpenGL and GLU. The order matters: the GL
-// headers need the types of <windows.h>.
+/// \file
+/// The window system of Windows: Win32, GDI and WGL, with OpenGL and GLU. The order matters: the GL
+/// headers need the types of <windows.h>.
 
 #ifndef WIN32_LEAN_AND_MEAN
 #define WIN32_LEAN_AND_MEAN

@@ -1,12 +1,13 @@
 #pragma once
 
-// The offscreen OpenGL framework: a hidden window, a rendering context, one render target and one
-// shader program, all process-wide. Nothing here is ever drawn in a context of the host's.
-//
-// Operations return failures as codes. The only exception that leaves one is std::bad_alloc, from
-// the window layer for Linux. A tag at the end of a comment says when an operation may be called:
-//   [context current]  the framework's own context is current on the calling thread
-//   [started]          that, and start-up has succeeded (AESDK_OpenGL_IsCurrent)
+/// \file
+/// The offscreen OpenGL framework: a hidden window, a rendering context, one render target and one
+/// shader program, all process-wide. Nothing here is ever drawn in a context of the host's.
+///
+/// Operations return failures as codes. The only exception that leaves one is std::bad_alloc, from
+/// the window layer for Linux. A tag at the end of a comment says when an operation may be called:
+/// - `[context current]`: the framework's own context is current on the calling thread
+/// - `[started]`: that, and start-up has succeeded (AESDK_OpenGL_IsCurrent)
 
 #include <array>
 #include <cstdint>

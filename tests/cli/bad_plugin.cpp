@@ -1,5 +1,6 @@
 #include <chrono>
 #include <csignal>
+#include <cstddef>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -46,7 +47,7 @@ PF_Err KeepAHandle(const PF_InData* in) {
 /// Every channel of every pixel is the frame's number.
 void Paint(const PF_InData* in, PF_LayerDef* output) {
   for (A_long y = 0; y < output->height; ++y) {
-    auto* const row = reinterpret_cast<char*>(output->data) + y * output->rowbytes;
+    auto* const row = reinterpret_cast<char*>(output->data) + std::ptrdiff_t{y} * output->rowbytes;
     std::memset(row, static_cast<int>(in->current_time),
                 static_cast<std::size_t>(output->width) * sizeof(PF_Pixel));
   }

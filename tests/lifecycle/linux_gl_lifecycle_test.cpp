@@ -31,7 +31,7 @@ class OneRefusal {
     happened_ = false;
   }
   void Cease() { left_ = -1; }
-  bool Happened() const { return happened_; }
+  [[nodiscard]] bool Happened() const { return happened_; }
 
   /// Counts a call; true iff it is the one.
   bool Now() {
