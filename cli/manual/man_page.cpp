@@ -26,7 +26,7 @@ std::string Upper(std::string text) {
   return text;
 }
 
-std::string WithCapital(std::string text) {
+std::string WithCapital(const std::string& text) {
   return Upper(text.substr(0, 1)) + text.substr(std::min<std::size_t>(1, text.size()));
 }
 
@@ -36,10 +36,12 @@ std::string WithFullStop(const std::string& text) {
 
 std::string Section(const std::string& title) { return ".SH " + title + '\n'; }
 
+std::string Quoted(const std::string& text) { return '"' + text + '"'; }
+
 std::string PageTitle(const std::string& page, const std::string& version) {
   // No date: the same source gives the same bytes on every day.
-  return ".TH \"" + RoffText(Upper(page)) + "\" 1 \"\" \"" + RoffText(version) +
-         "\" \"User Commands\"\n.ad l\n.nh\n";
+  return ".TH " + Quoted(RoffText(Upper(page))) + " 1 " + Quoted("") + ' ' +
+         Quoted(RoffText(version)) + ' ' + Quoted("User Commands") + "\n.ad l\n.nh\n";
 }
 
 /// A section's title where a paragraph of the notes begins one; none for the description.
