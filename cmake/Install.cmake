@@ -30,8 +30,8 @@ write_basic_package_version_file(${PROJECT_BINARY_DIR}/install/tarvo-companion-c
 install(FILES ${PROJECT_BINARY_DIR}/install/tarvo-companion-config-version.cmake
   DESTINATION ${package_folder})
 
-# Pages for man, and completion scripts where bash, zsh and fish look for them. Left out where only
-# `tarvo` was built, as scripts/demo does.
+# Pages for man, and completion scripts where bash, zsh and fish look for them. They, and the page of
+# requirements, are left out where only `tarvo` was built, as scripts/demo does.
 if(TARGET tarvo_manual_pages)
   install(DIRECTORY ${PROJECT_BINARY_DIR}/cli/manual/share/man/ DESTINATION ${CMAKE_INSTALL_MANDIR}
     OPTIONAL)
@@ -42,5 +42,9 @@ endif()
 set(doc_folder ${CMAKE_INSTALL_DATAROOTDIR}/doc/tarvo)
 install(FILES LICENSE CHANGELOG.md DESTINATION ${doc_folder})
 install(DIRECTORY docs/ DESTINATION ${doc_folder})
+if(TARGET tarvo_requirements)
+  install(FILES ${PROJECT_BINARY_DIR}/check/requirements.md DESTINATION ${doc_folder}
+    OPTIONAL)
+endif()
 install(DIRECTORY examples DESTINATION ${doc_folder} PATTERN CMakeLists.txt EXCLUDE
   PATTERN broken EXCLUDE)  # scenes with one fault each, for tests

@@ -1,9 +1,7 @@
-#include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
 
-#include "base/files/whole_file.h"
 #include "check/run.h"
 
 namespace {
@@ -20,22 +18,6 @@ TEST(RequirementsTest, EveryCheckHasOneSentence) {
   for (const check::Check& check : Checks()) {
     EXPECT_TRUE(check.requirement.ends_with('.')) << check.name << ": " << check.requirement;
   }
-}
-
-TEST(RequirementsTest, AreListedOnThePageAboutChecking) {
-  std::string list;
-  std::string latest;
-  for (const check::Check& check : Checks()) {
-    const std::string name = check.name.substr(0, check.name.find('/'));
-    if (name != latest) {
-      list += "- `" + name + "`: " + check.requirement + "\n";
-    }
-    latest = name;
-  }
-  const std::string page = tarvo::ReadWholeFile(TARVO_PAGE);
-  EXPECT_NE(page.find("## The requirements\n\n" + list + "\n#"), std::string::npos)
-      << TARVO_PAGE << " must list them so:\n"
-      << list;
 }
 
 }  // namespace

@@ -17,6 +17,7 @@ for file in man/man1/tarvo.1 man/man1/tarvo-render.1 bash-completion/completions
   zsh/site-functions/_tarvo fish/vendor_completions.d/tarvo.fish; do
   test -s "usr/share/$file"
 done
+grep -q '^- `Commands.AboutShowsNameAndVersion`: About shows ' usr/share/doc/tarvo/requirements.md
 usr/bin/tarvo check --only Commands.AboutShowsNameAndVersion | grep -q '^conformant: 1 check passed'
 
 cat >maker/CMakeLists.txt <<'END'
