@@ -19,6 +19,7 @@ packages_of() {
         wine wine64 xvfb xauth
       ;;
     archives) echo binutils git zip ;;
+    debian) echo binutils dpkg-dev file gzip mmdebstrap ;;
   esac
 }
 
@@ -45,3 +46,12 @@ build() {
   cmake --preset "${2:-$1}" >/dev/null
   cmake --build --preset "$1"
 }
+
+# make_package FOLDER: the Debian package of a build folder, in its folder package.
+make_package() {
+  cpack --config "$1/CPackConfig.cmake" -B "$1/package" >"$1/package.log" 2>&1 ||
+    { cat "$1/package.log" >&2; return 1; }
+}
+
+# What a test ends with that cannot run here; it has said why.
+skipped=77
