@@ -108,16 +108,16 @@ class ManySenders : public RigTest {
     }
   }
 
-  std::size_t Roll(std::size_t sides) { return random_() % sides; }
+  std::size_t RandomBelow(std::size_t limit) { return random_() % limit; }
 
   /// A companion comes, goes, or is switched.
   void ChangeStack() {
-    const auto sender = Roll(kMostSenders);
+    const auto sender = RandomBelow(kMostSenders);
     Companion*& companion = companions_[sender];
     if (companion == nullptr) {
-      const auto place = static_cast<int>(Roll(rig.layer.effects.size() + 1));
+      const auto place = static_cast<int>(RandomBelow(rig.layer.effects.size() + 1));
       companion = &rig.host.AddCompanion(rig.layer, std::to_string(sender), place);
-    } else if (Roll(2) == 0) {
+    } else if (RandomBelow(2) == 0) {
       companion->active = !companion->active;
     } else {
       rig.host.Remove(*companion);
@@ -127,10 +127,11 @@ class ManySenders : public RigTest {
 
   /// One message with an image and a piece, from its sender's place or from any.
   void SendOne() {
-    const auto sender = static_cast<int>(Roll(kMostSenders));
+    const auto sender = static_cast<int>(RandomBelow(kMostSenders));
     const Companion* const companion = companions_[static_cast<std::size_t>(sender)];
-    const bool lies = companion == nullptr || Roll(10) == 0;
-    const int place = lies ? static_cast<int>(Roll(kMostSenders + 5)) : companion->Position();
+    const bool lies = companion == nullptr || RandomBelow(10) == 0;
+    const int place =
+        lies ? static_cast<int>(RandomBelow(kMostSenders + 5)) : companion->Position();
     const std::vector<PieceQuad> pieces{
         Piece({static_cast<double>(sender * kCell), 0, 2 * kCell, kHeight}, {1, 1, 2, 2}, 0.5)};
     CompanionSlot record = RecordOf(pieces, place);
@@ -171,7 +172,7 @@ CHECK_F(ManySenders, KeepTheirBoneNumbers,
         "After each of 10,000 messages from 40 companions, which are added, removed and send wrong "
         "positions, every bone has its number.") {
   for (int message = 0; message < kMessages && !HasFatalFailure(); ++message) {
-    if (Roll(3) == 0) {
+    if (RandomBelow(3) == 0) {
       ChangeStack();
     }
     SendOne();

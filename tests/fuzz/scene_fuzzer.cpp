@@ -106,7 +106,7 @@ void Draw(const tarvo::Scene& scene) {
 
 using RandomSource = std::minstd_rand;
 
-std::size_t Roll(RandomSource& random, std::size_t sides) { return random() % sides; }
+std::size_t RandomBelow(RandomSource& random, std::size_t limit) { return random() % limit; }
 
 constexpr std::array kWords{
     "size",      "images",  "fast",  "set",    "effects", "renderer", "bones",    "frames",
@@ -138,16 +138,16 @@ Json EdgeValue(RandomSource& random) {
                                     true,
                                     Json::array(),
                                     Json::object(),
-                                    kWords[Roll(random, kWords.size())]};
-  return values[Roll(random, values.size())];
+                                    kWords[RandomBelow(random, kWords.size())]};
+  return values[RandomBelow(random, values.size())];
 }
 
 /// Some value in the file, the outer ones as likely as the inner ones.
 Json& AnyNode(Json& root, RandomSource& random) {
   Json* node = &root;
-  while (node->is_structured() && !node->empty() && Roll(random, 5) != 0) {
+  while (node->is_structured() && !node->empty() && RandomBelow(random, 5) != 0) {
     auto child = node->begin();
-    std::advance(child, static_cast<std::ptrdiff_t>(Roll(random, node->size())));
+    std::advance(child, static_cast<std::ptrdiff_t>(RandomBelow(random, node->size())));
     node = &*child;
   }
   return *node;
@@ -155,16 +155,16 @@ Json& AnyNode(Json& root, RandomSource& random) {
 
 void EraseChild(Json& node, RandomSource& random) {
   auto child = node.begin();
-  std::advance(child, static_cast<std::ptrdiff_t>(Roll(random, node.size())));
+  std::advance(child, static_cast<std::ptrdiff_t>(RandomBelow(random, node.size())));
   node.erase(child);
 }
 
 void AddChild(Json& node, Json child, RandomSource& random) {
   if (node.is_array()) {
-    node.insert(node.begin() + static_cast<std::ptrdiff_t>(Roll(random, node.size() + 1)),
+    node.insert(node.begin() + static_cast<std::ptrdiff_t>(RandomBelow(random, node.size() + 1)),
                 std::move(child));
   } else if (node.is_object()) {
-    node[kWords[Roll(random, kWords.size())]] = std::move(child);
+    node[kWords[RandomBelow(random, kWords.size())]] = std::move(child);
   } else {
     node = std::move(child);
   }
@@ -173,7 +173,7 @@ void AddChild(Json& node, Json child, RandomSource& random) {
 void Change(Json& root, RandomSource& random) {
   Json other = AnyNode(root, random);
   Json& node = AnyNode(root, random);
-  switch (Roll(random, 6)) {
+  switch (RandomBelow(random, 6)) {
     case 0:
       node = std::move(other);
       break;
@@ -190,7 +190,7 @@ void Change(Json& root, RandomSource& random) {
       break;
     case 4:
       if (node.is_number()) {
-        node = node.get<double>() * (static_cast<double>(Roll(random, 9)) - 4.0);
+        node = node.get<double>() * (static_cast<double>(RandomBelow(random, 9)) - 4.0);
       }
       break;
     default:
@@ -210,14 +210,14 @@ bool IsShallow(const std::uint8_t* data, std::size_t size) {
 extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t size,
                                                std::size_t most, unsigned int seed) {
   RandomSource random(seed);
-  if (Roll(random, 4) == 0 || !IsShallow(data, size)) {
+  if (RandomBelow(random, 4) == 0 || !IsShallow(data, size)) {
     return LLVMFuzzerMutate(data, size, most);
   }
   Json root = Json::parse(data, data + size, nullptr, /*allow_exceptions=*/false);
   if (root.is_discarded()) {
     return LLVMFuzzerMutate(data, size, most);
   }
-  for (std::size_t changes = 1 + Roll(random, 3); changes > 0; --changes) {
+  for (std::size_t changes = 1 + RandomBelow(random, 3); changes > 0; --changes) {
     Change(root, random);
   }
   const std::string text = root.dump();
