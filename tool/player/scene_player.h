@@ -39,7 +39,7 @@ struct PlayedFrame {
   double milliseconds = 0.0;  ///< frame set-up and render
 };
 
-/// The plug-in sentCounter a command with an error, or broke a rule: a line for each.
+/// The plug-in answered a command with an error, or broke a rule: a line for each.
 class PluginError : public std::runtime_error {
  public:
   explicit PluginError(std::vector<std::string> faultLines);
@@ -55,7 +55,7 @@ class PluginError : public std::runtime_error {
 ///
 ///   Open (Change | Advance | Render)* ; the host's Close ends it
 ///
-/// Every step throws PluginError as soon as a command is sentCounter with an error.
+/// Every step throws PluginError as soon as a command is answered with an error.
 class ScenePlayer {
  public:
   /// REQUIRES: host and scene outlive this object; the host is as it was made.
@@ -120,7 +120,7 @@ class ScenePlayer {
 
 /// Runs the plug-in from start-up to close for one frame: Open, Change, Render and the host's
 /// Close. Throws InputError for a setting that fits no slider, OutOfMemory where the plug-in
-/// sentCounter that its memory ran out, and PluginError for any other error sentCounter and for
+/// answered that its memory ran out, and PluginError for any other error answered and for
 /// every rule that the host found broken until the end, leaks among them.
 PlayedFrame Play(standin::Host& host, const Scene& scene, const PlayOptions& options);
 
@@ -129,7 +129,7 @@ using TakeFrame = std::function<bool(int number, PlayedFrame frame)>;
 
 /// Runs the plug-in from start-up to close for these frames of an animation, in their order; each
 /// frame is passed on at once. Throws as Play does, and OutOfMemory also instead of an error that
-/// the plug-in sentCounter because this host's memory had run out; a broken rule ends the play
+/// the plug-in answered because this host's memory had run out; a broken rule ends the play
 /// before its frame is handed on. REQUIRES: every frame is one of the animation's.
 MessageStatistics PlayFrames(standin::Host& host, const Animation& animation,
                              const std::vector<int>& frames, const PlayOptions& options,
