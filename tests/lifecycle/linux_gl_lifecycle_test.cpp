@@ -1,6 +1,5 @@
-// Lifecycle scenarios on machines whose OpenGL refuses, one refusal each. The linker turns three
-// operations of OpenGL itself to this file (CMakeLists.txt), so that what they answer can be
-// chosen.
+// Lifecycle scenarios in which OpenGL or the window system fails. The linker redirects three OpenGL
+// functions to this file (CMakeLists.txt), so that their results can be chosen.
 
 #include <algorithm>
 #include <cstdint>
@@ -22,19 +21,19 @@
 
 namespace {
 
-/// Refuses one call of an operation, chosen by its number.
-class OneRefusal {
+/// Makes one call of an operation fail, chosen by its number.
+class SingleFailure {
  public:
-  /// The call after `before` others will be refused.
+  /// The call after `before` others will fail.
   void Plan(int before) {
     left_ = before;
     happened_ = false;
   }
-  void Cease() { left_ = -1; }
+  void Clear() { left_ = -1; }
   [[nodiscard]] bool Happened() const { return happened_; }
 
-  /// Counts a call; true iff it is the one.
-  bool Now() {
+  /// Counts a call; true iff it is the one that fails.
+  bool FailsNow() {
     if (left_ < 0) {
       return false;
     }
@@ -47,8 +46,8 @@ class OneRefusal {
   bool happened_ = false;
 };
 
-OneRefusal gMakeCurrent;   ///< of the plug-in's context: no context is current then
-OneRefusal gCompleteness;  ///< the framebuffer is said to be unsupported
+SingleFailure gMakeCurrent;   ///< of the plug-in's context: no context is current then
+SingleFailure gCompleteness;  ///< the framebuffer is reported as unsupported
 
 /// Textures were deleted while no context was current.
 bool gDeletedWithoutContext = false;
@@ -57,7 +56,7 @@ bool gDeletedWithoutContext = false;
 GLint gLargest = 0;
 /// The largest viewport that OpenGL claims to have, in pixels a side; 0 is the true one.
 GLint gLargestViewport = 0;
-/// Textures that still find memory; below 0 all of them.
+/// How many more textures get memory; below 0 all of them.
 int gTexturesLeft = -1;
 
 }  // namespace
@@ -118,7 +117,7 @@ void ExpectContext() { EXPECT_NE(wglGetCurrentContext(), nullptr) << "an entry p
 
 GLenum APIENTRY Status(GLenum target) {
   ExpectContext();
-  if (gCompleteness.Now()) {
+  if (gCompleteness.FailsNow()) {
     return GL_FRAMEBUFFER_UNSUPPORTED_EXT;
   }
   return gTrue.glCheckFramebufferStatusEXT(target);
@@ -157,10 +156,10 @@ PROC FindWatched(const char* name) {
   return found;
 }
 
-/// Everything as it is.
-void Mend() {
-  gMakeCurrent.Cease();
-  gCompleteness.Cease();
+/// From now on no call fails and all limits are the true ones.
+void ClearFaults() {
+  gMakeCurrent.Clear();
+  gCompleteness.Clear();
   gLargest = 0;
   gLargestViewport = 0;
   gTexturesLeft = -1;
@@ -169,16 +168,17 @@ void Mend() {
 
 class GlLifecycle : public ::testing::Test {
  protected:
-  void TearDown() override { Mend(); }
+  void TearDown() override { ClearFaults(); }
 
-  /// A scenario in which something is broken after its `step`: no step may fail with another code
-  /// than 512, nothing is lost and no context mixed up. Returns the number of steps that failed.
-  static long LiveWith(const std::function<void()>& breakSomething) {
+  /// Runs a whole scenario with a fault set before it starts. Steps may fail with 512 and a message
+  /// only; nothing leaks, textures are deleted with a current context alone, and at the end the
+  /// host's context is current. Returns the number of failed steps.
+  static long RunScenarioWithFault(const std::function<void()>& injectFault) {
     LifecycleScenario scenario;
-    breakSomething();
+    injectFault();
     scenario.Begin();
     scenario.End();
-    Mend();
+    ClearFaults();
     const long failed = std::ranges::count_if(
         scenario.steps, [](const check::Step& step) { return !step.result.Ok(); });
     for (const check::Step& step : scenario.steps) {
@@ -195,74 +195,74 @@ class GlLifecycle : public ::testing::Test {
 
   /// The next scenario succeeds.
   static void ExpectRecovery() {
-    EXPECT_EQ(LiveWith([] {}), 0);
+    EXPECT_EQ(RunScenarioWithFault([] {}), 0);
   }
 };
 
 TEST_F(GlLifecycle, GoesOnWithSmallerTargets) {
   for (const GLint largest : {8192, 4096}) {  // targets of 2048 and of 1024
-    const long failed = LiveWith([&] { gLargest = largest; });
+    const long failed = RunScenarioWithFault([&] { gLargest = largest; });
     EXPECT_EQ(failed, 0) << largest;
     EXPECT_EQ(AESDK_OpenGL::gState.targetWidth, largest / 4);
   }
 }
 
 /// The first texture is the render target's; then come the images'. What is drawn without one is
-/// undefined, but nothing else is lost.
-TEST_F(GlLifecycle, OutlivesTexturesWithoutMemory) {
+/// undefined, but nothing else fails.
+TEST_F(GlLifecycle, ToleratesTexturesWithoutMemory) {
   long refused = 0;
   constexpr int kMost = 60;
   for (int textures = 0; textures < kMost; textures += 3) {
     SCOPED_TRACE(textures);
-    refused += LiveWith([&] { gTexturesLeft = textures; }) > 0 ? 1 : 0;
+    refused += RunScenarioWithFault([&] { gTexturesLeft = textures; }) > 0 ? 1 : 0;
   }
   EXPECT_GE(refused, 1);  // without a target no frame is drawn
   ExpectRecovery();
 }
 
-/// For its length, plug-ins that start find the watched entry points.
+/// While it exists, plug-ins that start find the watched entry points.
 class EntryPointsAreWatched {
  public:
   EntryPointsAreWatched() { AESDK_OpenGL::gLookUp.entryPoint = FindWatched; }
-  ~EntryPointsAreWatched() { AESDK_OpenGL::gLookUp = whole_; }
+  ~EntryPointsAreWatched() { AESDK_OpenGL::gLookUp = saved_; }
   EntryPointsAreWatched(const EntryPointsAreWatched&) = delete;
   EntryPointsAreWatched& operator=(const EntryPointsAreWatched&) = delete;
 
  private:
-  const AESDK_OpenGL::AESDK_OpenGL_LookUp whole_ = AESDK_OpenGL::gLookUp;
+  const AESDK_OpenGL::AESDK_OpenGL_LookUp saved_ = AESDK_OpenGL::gLookUp;
 };
 
-TEST_F(GlLifecycle, OutlivesEachSingleRefusal) {
+TEST_F(GlLifecycle, ToleratesEachSingleFailure) {
   constexpr int kMost = 500;
   const EntryPointsAreWatched watched;
-  for (OneRefusal* const refusal : {&gMakeCurrent, &gCompleteness}) {
-    long lives = 0;
+  for (SingleFailure* const failure : {&gMakeCurrent, &gCompleteness}) {
+    long scenarios = 0;
     long failed = 0;
-    for (; lives < kMost; ++lives) {
-      SCOPED_TRACE(lives);
-      failed += LiveWith([&] {
-        refusal->Plan(static_cast<int>(lives));
+    for (; scenarios < kMost; ++scenarios) {
+      SCOPED_TRACE(scenarios);
+      failed += RunScenarioWithFault([&] {
+        failure->Plan(static_cast<int>(scenarios));
         gWindowSystemFaults.makeCurrentRefused = [](HGLRC context) {
-          return context == AESDK_OpenGL::gState.renderContext && gMakeCurrent.Now();
+          return context == AESDK_OpenGL::gState.renderContext && gMakeCurrent.FailsNow();
         };
       });
-      if (!refusal->Happened()) {
+      if (!failure->Happened()) {
         break;
       }
     }
-    EXPECT_LT(lives, kMost);
+    EXPECT_LT(scenarios, kMost);
     EXPECT_GE(failed, 3);  // every frame's are among them
     ExpectRecovery();
-    std::cout << lives << " lives with a refusal each, " << failed << " steps failed\n";
+    std::cout << scenarios << " scenarios with one failure each, " << failed << " steps failed\n";
   }
 }
 
-TEST_F(GlLifecycle, OutlivesAWindowSystemThatRefuses) {
+TEST_F(GlLifecycle, ToleratesAFailingWindowSystem) {
   using Faults = WindowSystemFaults;
   for (const auto fault :
        {&Faults::classRefused, &Faults::windowRefused, &Faults::deviceContextRefused,
         &Faults::pixelFormatNotFound, &Faults::pixelFormatRefused, &Faults::contextRefused}) {
-    EXPECT_EQ(LiveWith([&] { gWindowSystemFaults.*fault = true; }), 1);  // the start
+    EXPECT_EQ(RunScenarioWithFault([&] { gWindowSystemFaults.*fault = true; }), 1);  // the start
     ExpectRecovery();
   }
 }
@@ -270,7 +270,7 @@ TEST_F(GlLifecycle, OutlivesAWindowSystemThatRefuses) {
 class GlViewport : public check::RigTest {
  protected:
   void TearDown() override {
-    Mend();
+    ClearFaults();
     check::RigTest::TearDown();
   }
 };
