@@ -152,11 +152,11 @@ class AnyRecord {
   }
 
   void* Address() { return memory_.data() + memory_.size() - sizeof record_; }
-  [[nodiscard]] bool CanBeMeant() const { return canBeMeant_; }
+  [[nodiscard]] bool IsPlausible() const { return isPlausible_; }
   [[nodiscard]] bool WorldsMayBeRefused() const { return worldsMayBeRefused_; }
 
-  /// Whatever became of it, only the flags may differ, and only by being cleared; in a record that
-  /// cannot be meant nothing may. A cleared flag says that the world is gone.
+  /// Whatever the result was, only the flags may differ, and only by being cleared; in an
+  /// implausible record nothing may. A cleared flag says that the world was disposed of.
   void ExpectOnlyFlagsCleared(bool failed) {
     CompanionSlot now{};
     std::memcpy(&now, Address(), sizeof now);
@@ -183,7 +183,7 @@ class AnyRecord {
                                             300};
     const A_long place = bytes.PickValueInArray(kPlaces);
     if (place < 0 || place > kLargestPlace) {
-      canBeMeant_ = false;
+      isPlausible_ = false;
     }
     return place;
   }
@@ -230,7 +230,7 @@ class AnyRecord {
       record_.quads.last = Piece(end + 1);
     }
     if (!whole || end > held || (start == 0 && end != 0)) {
-      canBeMeant_ = false;
+      isPlausible_ = false;
     }
   }
 
@@ -262,7 +262,7 @@ class AnyRecord {
   }
 
   void ExpectCleared(std::uint8_t before, std::uint8_t now) const {
-    const bool right = now == before || (now == 0 && canBeMeant_);
+    const bool right = now == before || (now == 0 && isPlausible_);
     if (!right) {
       Finding("a flag was " + std::to_string(before) + " and is " + std::to_string(now));
     }
@@ -281,18 +281,18 @@ class AnyRecord {
   std::vector<PF_EffectWorld> worlds_;
   CompanionSlot record_{};
   std::vector<std::uint8_t> memory_;
-  bool canBeMeant_ = true;
+  bool isPlausible_ = true;
   bool worldsMayBeRefused_ = false;
 };
 
 /// A host with the plug-in set up, for many inputs.
-class Stage {
+class FuzzedHost {
  public:
-  Stage()
-      : host(EntryPointFunc), layer_(SetTheScene()), handles_(host.tracker.Count(Kind::kHandle)) {}
+  FuzzedHost()
+      : host(EntryPointFunc), layer_(MakeLayer()), handles_(host.tracker.Count(Kind::kHandle)) {}
 
-  /// Plays one input on a new instance and expects it to leave nothing behind.
-  void Play(FuzzedDataProvider& bytes) {
+  /// Runs one input on a new instance and expects it to leave nothing behind.
+  void RunInput(FuzzedDataProvider& bytes) {
     renderer_ = &host.AddRenderer(layer_);
     ExpectOk(renderer_->setup, "sequence setup");
     for (int action = 0; action < kMostActions && bytes.remaining_bytes() > 0; ++action) {
@@ -313,11 +313,11 @@ class Stage {
   standin::Host host;
 
  private:
-  standin::Layer& SetTheScene() {
+  standin::Layer& MakeLayer() {
     host.injector.KeepLog(false);
     ExpectOk(host.StartUp(), "start");
     check::ResizeRenderTarget(kTargetSide, kTargetSide);
-    standin::Composition& composition = host.project.AddComposition("Stage");
+    standin::Composition& composition = host.project.AddComposition("Composition");
     host.project.Activate(composition);
     return composition.AddLayer("Puppet", kLayerWidth, kLayerHeight);
   }
@@ -346,7 +346,7 @@ class Stage {
     switch (action) {
       case 0:
       case 1:
-        return SendAsTaught(bytes, failed);
+        return SendValidRecord(bytes, failed);
       case 2:
       case 3:
         return SendAnything(bytes, failed);
@@ -427,9 +427,9 @@ class Stage {
     return *layer_.effects[bytes.ConsumeIntegralInRange<std::size_t>(0, layer_.effects.size() - 1)];
   }
 
-  /// A companion as it should be, with any pieces.
+  /// A valid record of a companion, with any pieces, images and opacities.
   template <typename Failed>
-  void SendAsTaught(FuzzedDataProvider& bytes, Failed failed) {
+  void SendValidRecord(FuzzedDataProvider& bytes, Failed failed) {
     auto* companion = dynamic_cast<Companion*>(&AnyEffect(bytes));
     if (companion == nullptr) {
       companion = &host.AddCompanion(layer_, "Bone");
@@ -455,19 +455,19 @@ class Stage {
     const CommandResult result = host.SendRecord(*renderer_, record.Address());
     record.ExpectOnlyFlagsCleared(failed());
     const bool refused = result.code == PF_Err_BAD_CALLBACK_PARAM;
-    if (!record.CanBeMeant() && !refused) {
-      Finding("a record that cannot be meant was accepted");
+    if (!record.IsPlausible() && !refused) {
+      Finding("an implausible record was accepted");
     }
     if (record.WorldsMayBeRefused()) {
-      return ForgiveTheSender();
+      return IgnoreViolationsOfTheSender();
     }
-    if (record.CanBeMeant() && !failed()) {
+    if (record.IsPlausible() && !failed()) {
       ExpectOk(result, "a record");
     }
   }
 
-  /// Takes note of no world that was refused to the plug-in: the sender gave it.
-  void ForgiveTheSender() {
+  /// Ignores violations by worlds that the host refused: the sender put them into the record.
+  void IgnoreViolationsOfTheSender() {
     for (const std::string& violation : host.tracker.Violations()) {
       const bool sendersFault = violation.starts_with("copy was given") ||
                                 violation.starts_with("dispose_world was given");
@@ -518,7 +518,7 @@ class Stage {
     }
     ExpectOk(result.command, "render");
     if (result.unwritten != 0) {
-      Finding("a frame with pixels that nobody wrote");
+      Finding("a frame with pixels that were not written");
     }
   }
 
@@ -570,17 +570,17 @@ extern "C" int LLVMFuzzerInitialize(int* /*count*/, char*** /*arguments*/) {
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  static auto stage = std::make_unique<Stage>();
-  static int played = 0;
+  static auto host = std::make_unique<FuzzedHost>();
+  static int inputs = 0;
   FuzzedDataProvider bytes(data, size);
-  stage->Play(bytes);
-  if (++played % kInputsPerHost == 0) {
-    stage->Close();
-    stage.reset();  // before the next one begins: the plug-in is the same
+  host->RunInput(bytes);
+  if (++inputs % kInputsPerHost == 0) {
+    host->Close();
+    host.reset();  // before the next one begins: the plug-in is the same
     if (__lsan_do_recoverable_leak_check() != 0) {
       Finding("memory was lost");
     }
-    stage = std::make_unique<Stage>();
+    host = std::make_unique<FuzzedHost>();
   }
   return 0;
 }
