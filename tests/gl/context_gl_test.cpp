@@ -5,7 +5,7 @@ namespace {
 
 using Context = CleanProcess;
 
-TEST_F(Context, ASecondStartUpAsksNobodyForAnything) {
+TEST_F(Context, ASecondStartUpLooksUpNothingAndKeepsTheWindow) {
   ASSERT_EQ(AESDK_OpenGL_StartUp(gState), AESDK_OpenGL_Err_None);
   const AESDK_OpenGL_State before = gState;
   EXPECT_EQ(AESDK_OpenGL_StartUp(gState, {nullptr, nullptr}), AESDK_OpenGL_Err_None);

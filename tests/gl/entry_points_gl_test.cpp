@@ -9,13 +9,13 @@ namespace AESDK_OpenGL {
 namespace {
 
 // A look-up that queries the context, hides chosen entry points and records what was requested.
-std::vector<std::string> gWithheld;
+std::vector<std::string> gHidden;
 std::vector<std::string> gRequested;
 
-const char* ExtensionsButWithheld() {
+const char* ExtensionsExceptHidden() {
   static std::string extensions;
   extensions = gLookUp.extensions();
-  for (const std::string& name : gWithheld) {
+  for (const std::string& name : gHidden) {
     for (std::size_t at = 0; (at = extensions.find(name)) != std::string::npos;) {
       extensions.erase(at, name.size());
     }
@@ -23,32 +23,32 @@ const char* ExtensionsButWithheld() {
   return extensions.c_str();
 }
 
-PROC EntryPointUnlessWithheld(const char* name) {
+PROC EntryPointUnlessHidden(const char* name) {
   gRequested.emplace_back(name);
-  return std::ranges::count(gWithheld, name) == 0 ? gLookUp.entryPoint(name) : nullptr;
+  return std::ranges::count(gHidden, name) == 0 ? gLookUp.entryPoint(name) : nullptr;
 }
 
 class EntryPoints : public CleanProcess {
  protected:
   // From nothing started and nothing fetched.
-  static AESDK_OpenGL_Err StartUpWithout(std::vector<std::string> withheld) {
+  static AESDK_OpenGL_Err StartUpWithout(std::vector<std::string> hidden) {
     AESDK_OpenGL_ShutDown(gState);
     gState = {};
     gEntryPoints = {};
     gRequested.clear();
-    gWithheld = std::move(withheld);
-    return AESDK_OpenGL_StartUp(gState, {ExtensionsButWithheld, EntryPointUnlessWithheld});
+    gHidden = std::move(hidden);
+    return AESDK_OpenGL_StartUp(gState, {ExtensionsExceptHidden, EntryPointUnlessHidden});
   }
 
   void TearDown() override {
-    gWithheld.clear();
+    gHidden.clear();
     CleanProcess::TearDown();
   }
 };
 
 TEST_F(EntryPoints, AMissingExtensionEndsStartUpAtItsStep) {
   struct Case {
-    std::vector<std::string> withheld;
+    std::vector<std::string> hidden;
     AESDK_OpenGL_Err code;
     std::size_t requested;
   };
@@ -62,8 +62,8 @@ TEST_F(EntryPoints, AMissingExtensionEndsStartUpAtItsStep) {
       {{"GL_ARB_shading_language_100", "blend_func_separate"}, AESDK_OpenGL_Err_Extensions, 19},
   };
   for (const Case& each : cases) {
-    SCOPED_TRACE(each.withheld.empty() ? "nothing" : each.withheld.front());
-    EXPECT_EQ(StartUpWithout(each.withheld), each.code);
+    SCOPED_TRACE(each.hidden.empty() ? "nothing" : each.hidden.front());
+    EXPECT_EQ(StartUpWithout(each.hidden), each.code);
     EXPECT_EQ(gState.started, each.code == AESDK_OpenGL_Err_None);
     // What was fetched before the failure stays, the rest is null.
     EXPECT_EQ(gRequested.size(), each.requested);

@@ -9,7 +9,7 @@
 #include "check/support/pieces.h"
 #include "tool/reference/overlap_picture.h"
 
-// The judge of the plug-in's pictures is itself judged by values worked out by hand.
+// Tests the reference model against values computed by hand.
 
 namespace {
 
@@ -102,7 +102,7 @@ TEST(Overlap, PiecesOfOneImageShowThroughOnlyInFastMode) {
   EXPECT_EQ(CentreOf({bone}, true), CentreOf({bone}, false));
 }
 
-TEST(Overlap, PlacesByScaleAndOriginAndDoubtsOnlyEdges) {
+TEST(Overlap, PlacesByScaleAndOriginAndMarksOnlyEdgesAsNotComparable) {
   const Rgba green{.red = 0, .green = 90, .blue = 0, .alpha = 255};
   const OverlapView frame{
       .width = 20, .height = 20, .scaleX = 0.5, .scaleY = 0.5, .originX = 3, .originY = -2};

@@ -75,19 +75,19 @@ TEST_F(PieceAreaTest, IsTheBoxWithTwoPixelsASideWithinTheTile) {
   EXPECT_EQ(AreaAt(kTile, {box}, 100'000'000), whole);
 }
 
-/// Where pieces lie, and how the frame looks at them.
-struct Sight {
+/// A layout of pieces and the frame it is rendered into.
+struct FrameCase {
   std::string name;
   Box area;
   FrameExtent extent{};
   FrameRequest request{};
-  /// Stands in one corner of each bone's first piece.
+  /// Replaces the x of one corner of each bone's first piece.
   std::optional<double> oddX{};
   /// From the frame's edge to what is added, in pixels: places that single precision can hold.
   double inset = 1;
 };
 
-class Boxes : public PieceAreaTest, public ::testing::WithParamInterface<Sight> {
+class Boxes : public PieceAreaTest, public ::testing::WithParamInterface<FrameCase> {
  protected:
   static constexpr int kWidth = 160;
   static constexpr int kHeight = 112;
@@ -169,7 +169,7 @@ TEST_P(Boxes, LeaveTheBytesThatTheWholeTileGives) {
 constexpr Box kInside{.left = 20, .top = 20, .width = 110, .height = 76};
 constexpr Box kAcross{.left = -40, .top = -30, .width = 240, .height = 170};
 
-Sight Far(const std::string& name, double x, A_long originX) {
+FrameCase Far(const std::string& name, double x, A_long originX) {
   Box area = kInside;
   area.left += x;
   return {.name = name, .area = area, .extent = {.originX = originX}, .inset = 8};
@@ -177,16 +177,16 @@ Sight Far(const std::string& name, double x, A_long originX) {
 
 INSTANTIATE_TEST_SUITE_P(
     Seen, Boxes,
-    ::testing::Values(Sight{"AcrossTheEdges", kAcross},
-                      Sight{"Elsewhere", {.left = 500, .top = -90, .width = 80, .height = 70}},
-                      Sight{"AtAnOrigin", kInside, {.originX = 40, .originY = -9}},
-                      Sight{"AtHalfResolution",
-                            {.left = 20, .top = 30, .width = 200, .height = 260},
-                            {.originX = 9},
-                            {.downsampleX = 2, .downsampleY = 3, .preEffectOriginX = -7}},
-                      Sight{"WithACornerThatIsNoNumber", kAcross, {}, {}, kNoNumber},
-                      Sight{"WithACornerBeyondSinglePrecision", kAcross, {}, {}, -1e39},
-                      Sight{"WithAFarCorner", kAcross, {}, {}, 2e7},
+    ::testing::Values(FrameCase{"AcrossTheEdges", kAcross},
+                      FrameCase{"Elsewhere", {.left = 500, .top = -90, .width = 80, .height = 70}},
+                      FrameCase{"AtAnOrigin", kInside, {.originX = 40, .originY = -9}},
+                      FrameCase{"AtHalfResolution",
+                                {.left = 20, .top = 30, .width = 200, .height = 260},
+                                {.originX = 9},
+                                {.downsampleX = 2, .downsampleY = 3, .preEffectOriginX = -7}},
+                      FrameCase{"WithACornerThatIsNoNumber", kAcross, {}, {}, kNoNumber},
+                      FrameCase{"WithACornerBeyondSinglePrecision", kAcross, {}, {}, -1e39},
+                      FrameCase{"WithAFarCorner", kAcross, {}, {}, 2e7},
                       Far("FarToTheRight", 1e8 + 3, -100'000'000),
                       Far("FarToTheLeft", -7e7 - 5, 70'000'000)),
     [](const auto& table) { return table.param.name; });

@@ -40,7 +40,7 @@ class SampleCompanionTest : public check::RigTest {
     // Whether it was copied or not, the sender's world is disposed of; the plug-in's own one is
     // pending.
     EXPECT_EQ(rig.host.tracker.Count(Kind::kWorld),
-              worlds + (sample_.ImageIsNew() ? lost_ : waiting_));
+              worlds + (sample_.ImageIsNew() ? orphanedWorlds_ : pendingWorlds_));
     EXPECT_TRUE(rig.host.tracker.Balanced());
     return err;
   }
@@ -49,8 +49,8 @@ class SampleCompanionTest : public check::RigTest {
     return picture.At(x + picture.originX, y + picture.originY);
   }
 
-  std::size_t waiting_ = 1;
-  std::size_t lost_ = 0;
+  std::size_t pendingWorlds_ = 1;
+  std::size_t orphanedWorlds_ = 0;
   standin::Companion& effect_;
 
  private:
@@ -65,7 +65,7 @@ TEST_F(SampleCompanionTest, HandsItsImageOverOnceAndMoves) {
   EXPECT_FALSE(sample_.ImageIsNew());
   EXPECT_EQ(PixelAt(36, 46), kShown);
 
-  waiting_ = 0;  // no image goes with a mere move
+  pendingWorlds_ = 0;  // no image goes with a mere move
   EXPECT_EQ(Send(100, 90), PF_Err_NONE);
   EXPECT_EQ(PixelAt(116, 106), kShown);
 }
@@ -95,10 +95,10 @@ TEST_F(SampleCompanionTest, KeepsWhatWasNotTakenForTheNextTime) {
 /// The renderer clears the flag though it could not copy the image, whose world then has no owner.
 TEST_F(SampleCompanionTest, SendsAnImageAgainThatWasLostOnItsWay) {
   rig.host.injector.FailOperation("copy");
-  lost_ = 1;
+  orphanedWorlds_ = 1;
   EXPECT_EQ(Send(20, 30), standin::kInjectedFailure);
   rig.host.injector.FailNothing();
-  lost_ = 0;
+  orphanedWorlds_ = 0;
   EXPECT_TRUE(sample_.ImageIsNew());
   EXPECT_EQ(Send(20, 30), PF_Err_NONE);
   EXPECT_EQ(PixelAt(36, 46), kShown);

@@ -9,8 +9,8 @@
 
 namespace {
 
-TEST(SortTest, EqualDepthsKeepTheOrderOfThePartition) {
-  // Worked by hand: [1a 1b] exchanges its two, [1a 1b 1c] its outer two.
+TEST(SortTest, EqualDepthsAreReorderedByThePartitionsSwaps) {
+  // The expected orders are computed by hand: [1a 1b] swaps its two, [1a 1b 1c] its outer two.
   const auto order = [](std::vector<double> depths) {
     std::vector<plugin::DrawPiece> pieces;
     for (const double depth : depths) {
@@ -29,7 +29,6 @@ TEST(SortTest, EqualDepthsKeepTheOrderOfThePartition) {
   EXPECT_EQ(order({1, 1}), (Places{1, 0}));
   EXPECT_EQ(order({1, 1, 1}), (Places{2, 1, 0}));
   EXPECT_EQ(order({1, 3, 2}), (Places{1, 2, 0}));
-  // Worked with pencil and paper, as are the two below.
   EXPECT_EQ(order({1, 2, 1, 2}), (Places{3, 1, 0, 2}));
   EXPECT_EQ(order({2, 2, 1, 1, 2}), (Places{4, 1, 0, 3, 2}));
   EXPECT_EQ(order({5, 1, 5, 1, 5, 1, 5}), (Places{2, 4, 0, 6, 5, 1, 3}));

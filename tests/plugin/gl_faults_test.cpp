@@ -90,18 +90,21 @@ TEST_F(GlFaultsTest, EachEntryPointIsNeeded) {
   }
 }
 
-/// For its length, the framebuffer is complete for some checks and then no more.
-class FramebufferComesApart {
+/// While it exists, the framebuffer reports complete for a number of status checks, then the given
+/// status.
+class FramebufferBecomesIncomplete {
  public:
-  FramebufferComesApart(int completeChecks, GLenum status)
+  FramebufferBecomesIncomplete(int completeChecks, GLenum status)
       : real_(AESDK_OpenGL::gEntryPoints.glCheckFramebufferStatusEXT) {
     checksLeft = completeChecks;
     statusThen = status;
     AESDK_OpenGL::gEntryPoints.glCheckFramebufferStatusEXT = Answer;
   }
-  ~FramebufferComesApart() { AESDK_OpenGL::gEntryPoints.glCheckFramebufferStatusEXT = real_; }
-  FramebufferComesApart(const FramebufferComesApart&) = delete;
-  FramebufferComesApart& operator=(const FramebufferComesApart&) = delete;
+  ~FramebufferBecomesIncomplete() {
+    AESDK_OpenGL::gEntryPoints.glCheckFramebufferStatusEXT = real_;
+  }
+  FramebufferBecomesIncomplete(const FramebufferBecomesIncomplete&) = delete;
+  FramebufferBecomesIncomplete& operator=(const FramebufferBecomesIncomplete&) = delete;
 
  private:
   static GLenum APIENTRY Answer(GLenum) {
@@ -127,7 +130,7 @@ TEST_F(GlRenderFaultsTest, FramebufferThatIsNotCompleteIsToldInWords) {
     SCOPED_TRACE(incomplete.message);
     SendImages();
     {
-      const FramebufferComesApart apart(incomplete.completeChecks, incomplete.status);
+      const FramebufferBecomesIncomplete fault(incomplete.completeChecks, incomplete.status);
       const RenderResult result = RenderBadly();
       EXPECT_EQ(result.command.code, PF_Err_INTERNAL_STRUCT_DAMAGED);
       EXPECT_EQ(result.command.message, incomplete.message);

@@ -81,7 +81,8 @@ TEST_P(EveryStrip, CutsStandAtEqualDistancesAlongTheCurve) {
   const std::vector<Piece> pieces = CutStrip(strip);
   strip.pieces *= kFiner;
   const std::vector<Piece> finer = CutStrip(strip);
-  const double share = tarvo::CurveLength(strip.pose.middle) / static_cast<double>(pieces.size());
+  const double segmentLength =
+      tarvo::CurveLength(strip.pose.middle) / static_cast<double>(pieces.size());
   double walked = 0;
   for (std::size_t i = 0; i < finer.size(); ++i) {
     const Point from = Middle(finer[i].corners[0], finer[i].corners[3]);
@@ -90,7 +91,7 @@ TEST_P(EveryStrip, CutsStandAtEqualDistancesAlongTheCurve) {
     if ((i + 1) % kFiner == 0) {
       const auto& cut = pieces[i / kFiner].corners;
       EXPECT_NEAR(Distance(to, Middle(cut[1], cut[2])), 0, 1e-6);
-      EXPECT_NEAR(walked, share * std::floor(static_cast<double>(i + 1) / kFiner), 0.1);
+      EXPECT_NEAR(walked, segmentLength * std::floor(static_cast<double>(i + 1) / kFiner), 0.1);
     }
   }
 }
@@ -101,13 +102,14 @@ INSTANTIATE_TEST_SUITE_P(Strip, EveryStrip, testing::ValuesIn(kCases), [](const 
   return name;
 });
 
-/// y points down: a walker to the right has the top, the smaller y, on the left.
-TEST(Strip, KeepsLeftLeftAndGoesAroundEachPiece) {
+/// y points down: seen in the direction of the curve, the left side has the smaller y where the
+/// curve runs to the right.
+TEST(Strip, LeftSideComesFirstAndCornersGoAround) {
   const std::vector<Piece> pieces =
       CutStrip({kRest, {StraightCurve({300, 100}, {300, 400}), 20, 20}, 2});
   const auto& uv = pieces[0].texCoords;  // left at the start, left at the end, and back
   ExpectPoints(uv, {{{10, 16}, {60, 16}, {60, 24}, {10, 24}}});
-  const auto& corners = pieces[0].corners;  // a walker downwards has the larger x on the left
+  const auto& corners = pieces[0].corners;  // where it runs down, the left side has the larger x
   ExpectPoints(corners, {{{310, 100}, {310, 250}, {290, 250}, {290, 100}}});
 }
 

@@ -197,11 +197,11 @@ def job_over_older_file(run):
     target = run.folder / name
     target.write_bytes(OLD)
 
-    def expect_sound(code, context):
+    def expect_intact_output(code, context):
         expect_old_or_whole(run, target, frames, code, f"{context}, {words}")
         run.expect_nothing_left()
 
-    return words, expect_sound
+    return words, expect_intact_output
 
 
 def full_disk(run):
@@ -225,7 +225,7 @@ def full_disk(run):
 
 def signals(run):
     """A signal at a random moment, to the command alone or, as from a terminal, to its whole group."""
-    words, expect_sound = job_over_older_file(run)
+    words, expect_intact_output = job_over_older_file(run)
     process = run.start(*words)
     time.sleep(run.rng.uniform(0, 1.5))
     number = run.rng.choice([signal.SIGINT, signal.SIGINT, signal.SIGTERM, signal.SIGHUP])
@@ -236,12 +236,12 @@ def signals(run):
     # Before the command listens, which on a busy machine takes its time, a signal ends it as it ends any program.
     process.may_die_of = {number}
     result = run.finish(process, words)
-    expect_sound(result.code, number.name)
+    expect_intact_output(result.code, number.name)
 
 
 def killed(run):
     """The command, or one of its children, is killed outright: what is left is old or whole, and no process."""
-    words, expect_sound = job_over_older_file(run)
+    words, expect_intact_output = job_over_older_file(run)
     process = run.start(*words)
     time.sleep(run.rng.uniform(0.05, 1.5))
     whole_command = run.rng.random() < 0.4
@@ -256,7 +256,7 @@ def killed(run):
     if whole_command:  # it cannot remove what it was making, but its children must go
         for part in run.folder.rglob("*.part*"):
             part.unlink()
-    expect_sound(result.code, "killed")
+    expect_intact_output(result.code, "killed")
 
 
 def others_may_run(program):
@@ -267,7 +267,7 @@ def others_may_run(program):
 
 def limits(run):
     """Little memory, few open files, no more processes or threads."""
-    words, expect_sound = job_over_older_file(run)
+    words, expect_intact_output = job_over_older_file(run)
     which = run.rng.choice([
         {resource.RLIMIT_AS: run.rng.randint(64, 900) * 1024 * 1024},
         {resource.RLIMIT_NOFILE: run.rng.randint(8, 40)},
@@ -279,12 +279,12 @@ def limits(run):
         os.chmod(run.folder, 0o777)
         prepare = lambda: os.setresuid(65534, 65534, 65534)
     result = run.call(*words, limits=which, prepare=prepare)
-    expect_sound(result.code, which)
+    expect_intact_output(result.code, which)
 
 
 def streams(run):
     """Streams that are closed, full or inherited in a bad state."""
-    words, expect_sound = job_over_older_file(run)
+    words, expect_intact_output = job_over_older_file(run)
     with open("/dev/full", "wb") as full:
         how = run.rng.choice([{"stdout": full}, {"stderr": full},
                                {"prepare": lambda: os.close(0)}, {"prepare": lambda: os.close(1)},
@@ -293,7 +293,7 @@ def streams(run):
         process = run.start(*words, **how)
         process.may_be_silent = "prepare" in how
         result = run.finish(process, words)
-        expect_sound(result.code, list(how))
+        expect_intact_output(result.code, list(how))
         if "stdout" in how:
             words = run.rng.choice([["--help"], ["check", "--list"], ["explain", SCENE]])
             code = run.finish(run.start(*words, stdout=full), words).code

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Renders every sample with the Windows build and with the Linux build, which scripts/test has built
 # before, and compares: the same size, and no pixel further apart than one 8-bit step. How many
-# pixels differ at all stands in FOLDER/report.
+# pixels differ at all is written to FOLDER/report.
 #
 #   same_pictures.sh EMULATOR WINDOWS_TARVO LINUX_TARVO EXAMPLES FOLDER
 set -euo pipefail
@@ -15,8 +15,8 @@ for scene in "$examples"/*/*.json; do
     name=$folder/$(basename "$scene" .json)-$mode
     "$linux" render "$scene" "--$mode" --quiet -o "$name-linux.png"
     "$emulator" "$windows" render "$scene" "--$mode" --quiet -o "$name-windows.png"
-    share=$("$linux" diff "$name-linux.png" "$name-windows.png" | tail -n 1) || true
-    echo "$(basename "$name"): $share" >>"$folder/report"
+    difference=$("$linux" diff "$name-linux.png" "$name-windows.png" | tail -n 1) || true
+    echo "$(basename "$name"): $difference" >>"$folder/report"
     "$linux" diff "$name-linux.png" "$name-windows.png" --tolerance 1
   done
 done
