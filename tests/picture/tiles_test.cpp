@@ -85,7 +85,7 @@ TEST_P(SmallTargets, ShowNothingOfWhatTheTargetHeldBefore) {
   const standin::FrameExtent extent{.width = 150, .height = 110, .originX = 3, .originY = -4};
   const Picture first = rig.host.RenderInto(rig.renderer, extent).picture;
   EXPECT_NE(first, Picture(150, 110));
-  check::SoilRenderTarget();
+  check::FillRenderTarget();
   EXPECT_EQ(rig.host.RenderInto(rig.renderer, extent).picture, first);
 }
 

@@ -54,9 +54,9 @@ TEST_F(FaultsTest, AMissingRenderTargetIsReportedAndTheNextSetUpMakesIt) {
   EXPECT_EQ(failed.picture.pixels, tarvo::Picture(44, 44).pixels);
 
   EXPECT_TRUE(host.AddRenderer(TheLayer()).setup.Ok());
-  const standin::RenderResult healed = host.Render(renderer);
-  EXPECT_TRUE(healed.command.Ok());
-  EXPECT_EQ(healed.picture.At(22, 22).alpha, 255);
+  const standin::RenderResult recovered = host.Render(renderer);
+  EXPECT_TRUE(recovered.command.Ok());
+  EXPECT_EQ(recovered.picture.At(22, 22).alpha, 255);
 }
 
 }  // namespace

@@ -27,7 +27,7 @@ void ResizeRenderTarget(std::uint16_t width, std::uint16_t height) {
   });
 }
 
-void SoilRenderTarget() {
+void FillRenderTarget() {
   WithOwnContext([] {
     AESDK_OpenGL_BindRenderTarget(gState);
     glDisable(GL_SCISSOR_TEST);

@@ -9,6 +9,6 @@ namespace check {
 void ResizeRenderTarget(std::uint16_t width, std::uint16_t height);
 
 /// Paints all of the statically linked plug-in's render target, opaque. [as above]
-void SoilRenderTarget();
+void FillRenderTarget();
 
 }  // namespace check
