@@ -28,9 +28,9 @@ constexpr const char* kHandles = "PF Handle Suite";
 constexpr const char* kWorlds = "PF World Suite";
 
 /// A host with the probe on a layer of 40 × 20 pixels, below one companion.
-class HostTest : public ::testing::Test {
+class StandinHostTest : public ::testing::Test {
  protected:
-  HostTest() { probe::Behave(); }
+  StandinHostTest() { probe::ClearAnswers(); }
 
   Host& Start(const HostOptions& options = {}) {
     host_ = std::make_unique<Host>(probe::EntryPoint, options);
@@ -274,7 +274,7 @@ std::vector<Violation> Violations() {
   };
 }
 
-TEST_F(HostTest, EveryMisuseIsNoticedAndNamed) {
+TEST_F(StandinHostTest, EveryApiViolationIsReported) {
   Host& host = Start();
   for (const Violation& violation : Violations()) {
     SCOPED_TRACE(violation.name);
@@ -290,10 +290,10 @@ TEST_F(HostTest, EveryMisuseIsNoticedAndNamed) {
   }
   host.tracker.ClearViolations();
   Do([](const Command&) { return PF_Err_NONE; });
-  EXPECT_EQ(host.tracker.FirstViolation(), "") << "a violation was told twice";
+  EXPECT_EQ(host.tracker.FirstViolation(), "") << "a violation was reported twice";
 }
 
-TEST_F(HostTest, WhatIsLeftAtTheEndIsNamed) {
+TEST_F(StandinHostTest, WhatIsLeftAtTheEndIsNamed) {
   Host& host = Start();
   Do(Doing([](const Command& c) { HandlesOf(c)->host_new_handle(123); }));
   Do([](const Command& c) {
@@ -309,7 +309,7 @@ TEST_F(HostTest, WhatIsLeftAtTheEndIsNamed) {
 
 // The probe's set-up of one instance: AcquireSuite, host_new_handle, host_lock_handle, ReleaseSuite
 // can fail; host_unlock_handle cannot, so it has no number of its own.
-TEST_F(HostTest, NthCallFailsAndNothingElse) {
+TEST_F(StandinHostTest, NthCallFailsAndNothingElse) {
   constexpr int kFailable = 4;
   for (std::uint64_t n = 1; n <= kFailable + 1; ++n) {
     SCOPED_TRACE(n);
@@ -332,7 +332,7 @@ TEST_F(HostTest, NthCallFailsAndNothingElse) {
   }
 }
 
-TEST_F(HostTest, ChosenOperationsFailAsTold) {
+TEST_F(StandinHostTest, ChosenOperationsFailAsTold) {
   Host& host = Start();
   PF_EffectWorld world = host.worlds.From(Picture(2, 2), "of the test");
   std::vector<PF_Err> codes;
@@ -363,7 +363,7 @@ TEST_F(HostTest, ChosenOperationsFailAsTold) {
   host.worlds.Dispose(&world, "the test");
 }
 
-TEST_F(HostTest, LogAndTraceTellWhatWasCalled) {
+TEST_F(StandinHostTest, LogAndTraceTellWhatWasCalled) {
   Host& host = Start();
   host.injector.ClearLog();
   std::string trace;
@@ -389,7 +389,7 @@ TEST_F(HostTest, LogAndTraceTellWhatWasCalled) {
 }
 
 // The receiver's four ways with an image, and what the host says to each.
-TEST_F(HostTest, HandOverOfImagesFollowsTheFlags) {
+TEST_F(StandinHostTest, HandOverOfImagesFollowsTheFlags) {
   struct Case {
     const char* name;
     bool disposes;
@@ -437,7 +437,7 @@ TEST_F(HostTest, HandOverOfImagesFollowsTheFlags) {
   }
 }
 
-TEST_F(HostTest, FrameIsWhatThePluginAsksForAndWrites) {
+TEST_F(StandinHostTest, FrameIsWhatThePluginAsksForAndWrites) {
   Host& host = Start();
   probe::On(PF_Cmd_FRAME_SETUP, [](const Command& c) {
     EXPECT_EQ(c.in.width, 40) << "the layer's, whatever the resolution";
@@ -468,7 +468,7 @@ TEST_F(HostTest, FrameIsWhatThePluginAsksForAndWrites) {
   EXPECT_EQ(host.tracker.FirstViolation(), "");
 }
 
-TEST_F(HostTest, IdleHooksAreCalledAndHeldToTheSameRules) {
+TEST_F(StandinHostTest, IdleHooksAreCalledAndHeldToTheSameRules) {
   Host& host = Start();
   static int called = 0;
   called = 0;
@@ -493,7 +493,7 @@ TEST_F(HostTest, IdleHooksAreCalledAndHeldToTheSameRules) {
       std::string::npos);
 }
 
-TEST_F(HostTest, CommandsAtTheWrongTimeAreRefusedByState) {
+TEST_F(StandinHostTest, CommandsAtTheWrongTimeAreRefusedByState) {
   Host& host = Start();
   try {
     host.ParamsSetup();

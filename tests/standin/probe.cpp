@@ -110,7 +110,7 @@ PF_Err Work(PF_Cmd command, const Command& records) {
 
 }  // namespace
 
-void Behave() { gAnswers.clear(); }
+void ClearAnswers() { gAnswers.clear(); }
 
 void On(PF_Cmd command, Answer answer) { gAnswers[command] = std::move(answer); }
 

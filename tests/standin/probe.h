@@ -33,8 +33,8 @@ struct Command {
 
 using Answer = std::function<PF_Err(const Command&)>;
 
-/// Takes all answers back: from now on the probe behaves.
-void Behave();
+/// Removes all answers: from now on the probe does its own work and nothing else.
+void ClearAnswers();
 /// What the probe does at this command, after its own work and before it returns.
 void On(PF_Cmd command, Answer answer);
 /// The number that the host gave the probe.
