@@ -21,15 +21,29 @@
 #include "sdk/effect_suites.h"
 
 /// \file
-/// Plug-ins that misbehave, one for each value of BAD_PLUGIN: 1 answers the render with an error, 2
-/// never releases a suite and a handle, 3 exports another function than the entry point, 6 prints
-/// in every command, 13 crashes when it is unloaded. The others do what they do in the render of
-/// frame 5: 4 crashes, 5 hangs, 7 ends the program, 8 hangs and has started two processes, of which
-/// one has left its process group, 9 writes to every pipe that it finds, 10 says that it ran out of
-/// memory, 11 runs out of memory where nothing may be thrown, 12 calls its host on and on.
+/// Plug-ins with one fault each. CMakeLists.txt builds this file once for each enumerator of Fault:
+/// BAD_PLUGIN is the enumerator and ENTRY_POINT the name of the exported function.
 
 namespace {
 
+enum class Fault {
+  kReturnsError,  ///< from each render
+  kLeaks,         ///< neither releases a suite nor disposes of a handle, in each render
+  kNoEntryPoint,  ///< the exported function has another name
+  kPrints,        ///< in every command, in the render of frame 5 most
+  kCrashesAtUnload,
+  // In the render of frame 5 alone:
+  kCrashes,
+  kHangs,
+  kExits,  ///< ends the program
+  kReportsOutOfMemory,
+  kTerminates,     ///< runs out of memory in a noexcept function
+  kForksAndHangs,  ///< starts two processes, of which one leaves the process group
+  kWritesToPipes,  ///< to all that are open
+  kCallsForever,   ///< calls its host in an endless loop
+};
+
+constexpr Fault kFault = Fault::BAD_PLUGIN;
 constexpr int kBadFrame = 5;
 
 PF_Err FailToRender(PF_OutData* out) {
@@ -100,7 +114,7 @@ void StartProcess(const char* name, bool leavesGroup) {
 void ThrowOutOfMemory() { throw std::bad_alloc(); }
 void RunOutOfMemory() noexcept { ThrowOutOfMemory(); }
 
-[[noreturn]] void CallOnAndOn(const PF_InData* in) {
+[[noreturn]] void CallForever(const PF_InData* in) {
   while (true) {
     const void* suite = nullptr;
     in->pica_basicP->AcquireSuite("PF Handle Suite", 2, &suite);
@@ -110,7 +124,7 @@ void RunOutOfMemory() noexcept { ThrowOutOfMemory(); }
 
 struct CrashesAtTheEnd {
   ~CrashesAtTheEnd() {
-    if (BAD_PLUGIN == 13) {
+    if (kFault == Fault::kCrashesAtUnload) {
       Crash();
     }
   }
@@ -132,28 +146,28 @@ PF_Err Misbehave(const PF_InData* in) {
   const void* suite = nullptr;
   in->pica_basicP->AcquireSuite("PF Handle Suite", 2, &suite);
   in->pica_basicP->ReleaseSuite("PF Handle Suite", 2);
-  switch (BAD_PLUGIN) {
-    case 4:
+  switch (kFault) {
+    case Fault::kCrashes:
       Crash();
-    case 5:
+    case Fault::kHangs:
       Hang();
-    case 7:
+    case Fault::kExits:
       std::exit(std::getenv("TARVO_TEST_EXITS_WITH_130") != nullptr ? 130 : 0);
 #ifndef _WIN32
-    case 8:
+    case Fault::kForksAndHangs:
       StartProcess("member", false);
       StartProcess("outsider", true);
       Hang();
-    case 9:
+    case Fault::kWritesToPipes:
       WriteToPipes();
       return PF_Err_NONE;
-    case 11:
+    case Fault::kTerminates:
       RunOutOfMemory();
       return PF_Err_NONE;
-    case 12:
-      CallOnAndOn(in);
+    case Fault::kCallsForever:
+      CallForever(in);
 #endif
-    case 10:
+    case Fault::kReportsOutOfMemory:
       return PF_Err_OUT_OF_MEMORY;
     default:
       return PF_Err_NONE;
@@ -162,27 +176,27 @@ PF_Err Misbehave(const PF_InData* in) {
 
 }  // namespace
 
-#if BAD_PLUGIN == 3
-#define EntryPointFunc AnotherFunc
-#endif
-
-extern "C" __attribute__((visibility("default"))) PF_Err EntryPointFunc(
-    PF_Cmd command, PF_InData* in, PF_OutData* out, PF_ParamDef** /*params*/, PF_LayerDef* output,
-    void* /*extra*/) {
-  if (BAD_PLUGIN == 6) {
+extern "C" __attribute__((visibility("default"))) PF_Err ENTRY_POINT(PF_Cmd command, PF_InData* in,
+                                                                     PF_OutData* out,
+                                                                     PF_ParamDef** /*params*/,
+                                                                     PF_LayerDef* output,
+                                                                     void* /*extra*/) {
+  if (kFault == Fault::kPrints) {
     Print(command == PF_Cmd_RENDER && in->current_time == kBadFrame);
   }
   if (command == PF_Cmd_PARAMS_SETUP) {
     out->num_params = 1;
   }
-  if (command == PF_Cmd_RENDER && BAD_PLUGIN == 1) {
-    return FailToRender(out);
+  if (command != PF_Cmd_RENDER) {
+    return PF_Err_NONE;
   }
-  if (command == PF_Cmd_RENDER && BAD_PLUGIN > 3) {
-    Paint(in, output);
-    if (in->current_time == kBadFrame) {
-      return Misbehave(in);
-    }
+  switch (kFault) {
+    case Fault::kReturnsError:
+      return FailToRender(out);
+    case Fault::kLeaks:
+      return KeepAHandle(in);
+    default:
+      Paint(in, output);
+      return in->current_time == kBadFrame ? Misbehave(in) : PF_Err_NONE;
   }
-  return command == PF_Cmd_RENDER && BAD_PLUGIN == 2 ? KeepAHandle(in) : PF_Err_NONE;
 }
