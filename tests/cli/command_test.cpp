@@ -141,7 +141,7 @@ TEST_F(RenderCommand, CropsScalesAndPaintsBehind) {
   EXPECT_NE(checker.At(30, 40), checker.At(34, 40));  // seen through the veil
 }
 
-TEST_F(RenderCommand, TracesTheWholeLifeWithTheCompanionsAnswers) {
+TEST_F(RenderCommand, TraceListsEveryCommandFromSetUpToSetDown) {
   const std::string trace =
       Run("render " + Quoted(File("scene.json")) + " --trace -o " + Quoted(File("out.png"))).err;
   const auto sent = [&](const std::string& command) {

@@ -36,8 +36,10 @@ TEST_F(Frames, SendsOnlyWhatIsNew) {
        " 54 messages, 2 images\n"},
       {R"("opacity": [{"frame": 0, "value": 1}, {"frame": 10, "value": 0.5}])",
        " 14 messages, 12 images\n"},
+      // Up sends once more as it becomes inactive; Down takes over the first slider pair, whose
+      // change makes it send.
       {R"("active": [{"frame": 0, "value": true}, {"frame": 20, "value": false}])",
-       " 6 messages, 2 images\n"},  // Up's farewell; Down's Z moves to the first pair, and nudges
+       " 6 messages, 2 images\n"},
   };
   for (const Case& test : cases) {
     const Outcome outcome = Render(Moving(100, test.keys), "f%d.png");

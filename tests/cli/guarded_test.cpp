@@ -23,6 +23,7 @@ class Guarded : public Frames {
 };
 
 struct Fault {
+  const char* name;  ///< begins the names of the files that its test makes
   const char* plugin;
   const char* words;
 
@@ -34,10 +35,10 @@ struct Fault {
 };
 
 const std::vector<Fault> kFaults = {
-    {TARVO_CRASHING_PLUGIN, "the plug-in crashed in the render command, frame 5 ("},
-    {TARVO_HANGING_PLUGIN,
+    {"crash", TARVO_CRASHING_PLUGIN, "the plug-in crashed in the render command, frame 5 ("},
+    {"hang", TARVO_HANGING_PLUGIN,
      "the plug-in hung in the render command, frame 5 (no end within 1 s); last host call: "},
-    {TARVO_EXITING_PLUGIN,
+    {"exit", TARVO_EXITING_PLUGIN,
      "the plug-in ended the program in the render command, frame 5 (exit code 0); last host "
      "call: "},
 };
@@ -45,8 +46,8 @@ const std::vector<Fault> kFaults = {
 TEST_F(Guarded, RenderKeepsTheFramesBeforeAFaultAndSaysWhereItWas) {
   for (const Fault& fault : kFaults) {
     for (const std::string jobs : {"1", "2"}) {
-      SCOPED_TRACE(std::string(fault.plugin) + " with --jobs " + jobs);
-      const std::string name = "f" + jobs + std::string(1, fault.words[12]) + ".";
+      SCOPED_TRACE(std::string(fault.name) + " with --jobs " + jobs);
+      const std::string name = fault.name + jobs + ".";
       const Outcome outcome =
           Run(Arguments(name + "%d.png", "--quiet --jobs " + jobs + fault.Options()));
       EXPECT_EQ(outcome.code, 3) << outcome.err;

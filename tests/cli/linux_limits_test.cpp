@@ -49,7 +49,7 @@ TEST_F(LinuxLimits, JUnitIsXmlWhateverTheTextHolds) {
   EXPECT_NE(outcome.err.find(R"(none\xFF\x1B]]>)"), std::string::npos) << outcome.err;
 }
 
-TEST_F(LinuxLimits, MemoryThatRunsOutIsTheMachines) {
+TEST_F(LinuxLimits, OutOfMemoryExitsWith4) {
 #if defined(__SANITIZE_ADDRESS__)
   GTEST_SKIP() << "the address sanitizer itself needs more memory than is left here";
 #endif

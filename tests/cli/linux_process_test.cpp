@@ -50,7 +50,7 @@ TEST_F(Processes, AnIgnoredSigchldHidesNoFailure) {
   EXPECT_FALSE(std::filesystem::exists(File("m.gif")));
 }
 
-TEST_F(Processes, AnEndOfTarvoOfAnyKindTakesAHangingPluginAlong) {
+TEST_F(Processes, EndingTarvoEndsAHangingPlugin) {
   const std::string commands[] = {"render scene.json --frames 5 -o one.png",
                                   "render scene.json -o f%d.png --jobs 2",
                                   "explain scene.json --frame 5", "sheet scene.json -o sheet.png"};
@@ -129,7 +129,7 @@ TEST_F(Processes, ACrashAfterTheLastFrameIsAFailure) {
   }
 }
 
-TEST_F(Processes, AReaderThatLetsTarvoWaitIsNoHangOfThePlugin) {
+TEST_F(Processes, ASlowReaderIsNotReportedAsAHang) {
   for (const std::string wait : {"sleep 2.5", "for i in $(seq 27); do sleep 0.07; $part; done"}) {
     const Outcome outcome = Script(
         "part='dd bs=65536 count=1'\n"
@@ -141,7 +141,7 @@ TEST_F(Processes, AReaderThatLetsTarvoWaitIsNoHangOfThePlugin) {
   }
 }
 
-TEST_F(Processes, APluginThatSpeaksOnAndOnCanBeInterrupted) {
+TEST_F(Processes, APluginThatCallsTheHostForeverCanBeInterrupted) {
   const Outcome outcome = Script(
       "mkfifo pipe\n\"$tarvo\" render scene.json --frames 5 -o one.png --trace --plugin " +
       Quoted(TARVO_CALLING_PLUGIN) +
@@ -151,7 +151,7 @@ TEST_F(Processes, APluginThatSpeaksOnAndOnCanBeInterrupted) {
   EXPECT_EQ(outcome.out, "code 130\n");
 }
 
-TEST_F(Processes, MemoryThatRunsOutInAWorkerIsTheMachines) {
+TEST_F(Processes, OutOfMemoryInAWorkerExitsWith4) {
   for (const std::string command :
        {"render scene.json --frames 5 -o one.png", "explain scene.json --frame 5"}) {
     const Outcome outcome = Script("\"$tarvo\" " + command + " --plugin " +

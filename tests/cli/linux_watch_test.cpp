@@ -1,4 +1,4 @@
-// `tarvo watch`, run by a POSIX shell that saves files under its eyes.
+// `tarvo watch`, run by a POSIX shell that saves files while it runs.
 
 #include <string>
 

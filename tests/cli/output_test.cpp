@@ -70,14 +70,14 @@ TEST_F(Outputs, NeverTakeThePlaceOfWhatIsRead) {
   ExpectFailure(InFolder("check $none --junit $sub/../none"), 2, "would take the place of");
 }
 
-TEST_F(Outputs, ANameEndsWhereItEnds) {
+TEST_F(Outputs, AZeroByteInAFileNameIsRefused) {
   std::string scene = ReadWholeFile(folder_ / "scene.json");
   scene.replace(scene.find("a.png"), 5, "a.png\\u0000b");
   tarvo::WriteWholeFile(folder_ / "scene.json", scene);
   ExpectFailure(Arguments("a.png", ""), 2, "file name expected, one with a zero byte given");
 }
 
-TEST_F(Outputs, NoFileIsCalledNothing) {
+TEST_F(Outputs, AnEmptyFileNameIsRefused) {
   const std::string nothing = "text expected, none given";
   for (const std::string command :
        {"check \"\"", "check --plugin \"\"", "check --junit \"\"", "render \"\" -o $o.png",

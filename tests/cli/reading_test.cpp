@@ -55,7 +55,7 @@ class Reading : public CommandTest {
   [[nodiscard]] std::string Scene() const { return Quoted(File("scene.json")); }
 };
 
-TEST_F(Reading, ToldPixelsAreThePluginsOwn) {
+TEST_F(Reading, ExplainedPixelsMatchThePlugin) {
   struct Place {
     const char* scene;
     const char* at;
