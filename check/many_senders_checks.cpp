@@ -1,5 +1,5 @@
-// Companions that come and go and send in no order, some of them from places that are not theirs:
-// after each message the picture shows every bone's number.
+// Companions are added, removed and send in random order, some with the wrong stack position. After
+// each message the picture must show every bone's number.
 
 #include <algorithm>
 #include <array>
@@ -110,7 +110,7 @@ class ManySenders : public RigTest {
 
   std::size_t RandomBelow(std::size_t limit) { return random_() % limit; }
 
-  /// A companion comes, goes, or is switched.
+  /// Adds or removes a companion, or changes whether it is active.
   void ChangeStack() {
     const auto sender = RandomBelow(kMostSenders);
     Companion*& companion = companions_[sender];
@@ -125,13 +125,13 @@ class ManySenders : public RigTest {
     }
   }
 
-  /// One message with an image and a piece, from its sender's place or from any.
+  /// Sends one message with an image and a piece, at its sender's stack position or a random one.
   void SendOne() {
     const auto sender = static_cast<int>(RandomBelow(kMostSenders));
     const Companion* const companion = companions_[static_cast<std::size_t>(sender)];
-    const bool lies = companion == nullptr || RandomBelow(10) == 0;
+    const bool hasWrongPosition = companion == nullptr || RandomBelow(10) == 0;
     const int place =
-        lies ? static_cast<int>(RandomBelow(kMostSenders + 5)) : companion->Position();
+        hasWrongPosition ? static_cast<int>(RandomBelow(kMostSenders + 5)) : companion->Position();
     const std::vector<PieceQuad> pieces{
         Piece({static_cast<double>(sender * kCell), 0, 2 * kCell, kHeight}, {1, 1, 2, 2}, 0.5)};
     CompanionSlot record = RecordOf(pieces, place);

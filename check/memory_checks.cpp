@@ -23,34 +23,37 @@ constexpr std::uint64_t kMostAllocations = 1000;
 constexpr Box kMemoryArea{.left = 0, .top = 0, .width = 80, .height = 60};
 
 /// Work whose allocations are to fail.
-struct Trial {
+struct AllocationFaultCase {
   std::string name;
-  std::function<void()> prepare = [] {};  ///< with memory enough, before each go
+  std::function<void()> prepare = [] {};  ///< runs before each attempt, with memory available
   std::function<CommandResult()> work;
-  std::function<void(const CommandResult&)> judge;  ///< after each go in which memory ran out
+  /// Runs after each attempt in which memory ran out.
+  std::function<void(const CommandResult&)> expectAfterFailure;
 };
 
-/// Lets every allocation of the work fail in turn, until none does; how many there were.
-std::uint64_t FailEach(const Trial& trial) {
+/// Lets every allocation of the work fail in turn, until none does. Returns the number of
+/// allocations.
+std::uint64_t FailEachAllocation(const AllocationFaultCase& faultCase) {
   std::uint64_t n = 1;
   for (; n < kMostAllocations && !testing::Test::HasFailure(); ++n) {
-    SCOPED_TRACE(trial.name + ", allocation " + std::to_string(n));
-    trial.prepare();
+    SCOPED_TRACE(faultCase.name + ", allocation " + std::to_string(n));
+    faultCase.prepare();
     CommandResult result;
     bool fired = false;
     {
       const AllocationFaults faults(n);
-      result = trial.work();
+      result = faultCase.work();
       fired = faults.Fired();
     }
     if (!fired) {
       EXPECT_TRUE(result.Ok()) << result.code;
       break;
     }
-    trial.judge(result);
+    faultCase.expectAfterFailure(result);
   }
-  EXPECT_LT(n, kMostAllocations) << trial.name;
-  testing::Test::RecordProperty("allocations that failed in " + trial.name, std::to_string(n - 1));
+  EXPECT_LT(n, kMostAllocations) << faultCase.name;
+  testing::Test::RecordProperty("allocations that failed in " + faultCase.name,
+                                std::to_string(n - 1));
   return n - 1;
 }
 
@@ -93,28 +96,29 @@ CHECK_F(Memory, RunningOutInARenderLeavesATransparentFrame,
         "Whichever allocation of a render fails, with images pending or without, the frame is "
         "transparent, nothing leaks, and the next frame is correct.") {
   Picture picture;
-  Trial trial{.name = "a render", .prepare = [] {}, .work = {}, .judge = {}};
-  trial.work = [&] {
+  AllocationFaultCase faultCase{
+      .name = "a render", .prepare = [] {}, .work = {}, .expectAfterFailure = {}};
+  faultCase.work = [&] {
     standin::RenderResult result = rig.host.Render(rig.renderer);
     picture = std::move(result.picture);
     return result.command;
   };
-  trial.judge = [&](const CommandResult& result) {
+  faultCase.expectAfterFailure = [&](const CommandResult& result) {
     EXPECT_EQ(result.code, PF_Err_NONE);
     EXPECT_EQ(picture.pixels, Picture(good.width, good.height).pixels);
     ExpectAllAsBefore();
   };
-  EXPECT_GT(FailEach(trial), 0U);
-  trial.name = "a render with new images";
-  trial.prepare = [&] { SendImages(); };
-  EXPECT_GT(FailEach(trial), 0U);
+  EXPECT_GT(FailEachAllocation(faultCase), 0U);
+  faultCase.name = "a render with new images";
+  faultCase.prepare = [&] { SendImages(); };
+  EXPECT_GT(FailEachAllocation(faultCase), 0U);
 }
 
 CHECK_F(Memory, RunningOutInAnIntakeReturns4AndLeaksNothing,
         "Whichever allocation of an intake fails, the result is 4, no world leaks, and the same "
         "message then succeeds.") {
   standin::Companion& bone = *rig.ActiveCompanions().front();
-  const Trial trial{
+  const AllocationFaultCase faultCase{
       .name = "an intake",
       .prepare =
           [&] {
@@ -122,14 +126,14 @@ CHECK_F(Memory, RunningOutInAnIntakeReturns4AndLeaksNothing,
             bone.pieces.push_back(bone.pieces.back());  // the message grows: room is needed
           },
       .work = [&] { return rig.host.Send(bone, rig.renderer).command; },
-      .judge =
+      .expectAfterFailure =
           [&](const CommandResult& result) {
             EXPECT_EQ(result.code, PF_Err_OUT_OF_MEMORY);
             bone.pieces.pop_back();
             rig.Send();
             ExpectAllAsBefore();
           }};
-  EXPECT_GT(FailEach(trial), 0U);
+  EXPECT_GT(FailEachAllocation(faultCase), 0U);
 }
 
 CHECK_F(Memory, RunningOutInTheFirstIntakeReturns4AndLeaksNothing,
@@ -137,7 +141,7 @@ CHECK_F(Memory, RunningOutInTheFirstIntakeReturns4AndLeaksNothing,
         "message then succeeds.") {
   standin::Companion& bone = *rig.ActiveCompanions().front();
   standin::RendererInstance* fresh = nullptr;
-  const Trial trial{
+  const AllocationFaultCase faultCase{
       .name = "a first intake",
       .prepare =
           [&] {
@@ -145,7 +149,7 @@ CHECK_F(Memory, RunningOutInTheFirstIntakeReturns4AndLeaksNothing,
             bone.SendImagesAgain();
           },
       .work = [&] { return rig.host.Send(bone, *fresh).command; },
-      .judge =
+      .expectAfterFailure =
           [&](const CommandResult& result) {
             EXPECT_EQ(result.code, PF_Err_OUT_OF_MEMORY);
             for (standin::Companion* each : rig.ActiveCompanions()) {
@@ -156,7 +160,7 @@ CHECK_F(Memory, RunningOutInTheFirstIntakeReturns4AndLeaksNothing,
             EXPECT_EQ(rig.host.Render(*fresh).picture, good);
             EXPECT_TRUE(rig.host.Remove(*fresh).Ok());
           }};
-  EXPECT_GT(FailEach(trial), 0U);
+  EXPECT_GT(FailEachAllocation(faultCase), 0U);
   EXPECT_TRUE(rig.host.Remove(*fresh).Ok());
 }
 
@@ -169,7 +173,7 @@ CHECK_F(Memory, RunningOutInOtherCommandsReturns4AndLeaksNothing,
     fresh = &instance;
     return instance.setup;
   };
-  const auto judge = [&](const CommandResult& result) {
+  const auto expectAfterFailure = [&](const CommandResult& result) {
     EXPECT_EQ(result.code, PF_Err_OUT_OF_MEMORY);
     if (fresh != nullptr) {
       EXPECT_TRUE(host.Remove(*std::exchange(fresh, nullptr)).Ok());
@@ -177,7 +181,8 @@ CHECK_F(Memory, RunningOutInOtherCommandsReturns4AndLeaksNothing,
     ExpectAllAsBefore();
   };
   const auto fail = [&](const char* name, const std::function<CommandResult()>& work) {
-    return FailEach({.name = name, .prepare = [] {}, .work = work, .judge = judge});
+    return FailEachAllocation(
+        {.name = name, .prepare = [] {}, .work = work, .expectAfterFailure = expectAfterFailure});
   };
   EXPECT_GT(fail("labels", [&] { return host.UpdateParamsUi(rig.renderer); }), 0U);
   // These need not allocate at all.
@@ -200,24 +205,24 @@ CHECK(MemoryAtTheStart, RunningOutReturns4AndTheNextStartGoesWell,
   }
   std::optional<standin::Host> host;
   int ran = 0;
-  const Trial trial{.name = "global set-up",
-                    .prepare = [&] { host.emplace(PluginUnderCheck()); },
-                    .work = [&] { return host->GlobalSetup(); },
-                    .judge =
-                        [&](const CommandResult& result) {
-                          EXPECT_EQ(result.code, PF_Err_OUT_OF_MEMORY);
-                          EXPECT_TRUE(host->ContextIsCurrent());
-                          // The window layer of a Linux build allocates before set-up begins.
-                          const bool begun = host->injector.Calls() > 0;
-                          EXPECT_EQ(host->GlobalData() != nullptr, begun);
-                          EXPECT_EQ(host->Reports().size(), begun ? 1U : 0U);
-                          ran += begun ? 1 : 0;
-                          EndHostInOrder(*host);
-                          host.emplace(PluginUnderCheck());
-                          EXPECT_TRUE(host->StartUp().Ok());
-                          EndHostInOrder(*host);
-                        }};
-  EXPECT_GT(FailEach(trial), 0U);
+  const auto expectAfterFailure = [&](const CommandResult& result) {
+    EXPECT_EQ(result.code, PF_Err_OUT_OF_MEMORY);
+    EXPECT_TRUE(host->ContextIsCurrent());
+    // The window layer of a Linux build allocates before set-up begins.
+    const bool begun = host->injector.Calls() > 0;
+    EXPECT_EQ(host->GlobalData() != nullptr, begun);
+    EXPECT_EQ(host->Reports().size(), begun ? 1U : 0U);
+    ran += begun ? 1 : 0;
+    EndHostInOrder(*host);
+    host.emplace(PluginUnderCheck());
+    EXPECT_TRUE(host->StartUp().Ok());
+    EndHostInOrder(*host);
+  };
+  EXPECT_GT(FailEachAllocation({.name = "global set-up",
+                                .prepare = [&] { host.emplace(PluginUnderCheck()); },
+                                .work = [&] { return host->GlobalSetup(); },
+                                .expectAfterFailure = expectAfterFailure}),
+            0U);
   EXPECT_GT(ran, 0);
   EndHostInOrder(*host);
 }
