@@ -22,8 +22,8 @@ using standin::PluginState;
 
 /// No scenario has more calls than this; a loop that gets here does not end.
 constexpr std::uint64_t kMostCalls = 5000;
-/// FaultInjection are divided among this many tests, so that they can run side by side.
-constexpr std::uint64_t kShares = 4;
+/// The scenarios are divided among this many test cases, which can run in parallel.
+constexpr std::uint64_t kParts = 4;
 /// The code of the second failure of a pair, distinct from the first.
 constexpr PF_Err kSecondFailure = 7003;
 /// What a command may return after a failure: the host's own codes, memory that ran out (4), and
@@ -69,7 +69,7 @@ bool IsHarmless(const CallRecord& call) {
 
 /// The first failure's code stays unless the plug-in has a code of its own for it: a failed
 /// disposal does not hide it.
-void JudgeCode(const Step& step) {
+void ExpectFirstCode(const Step& step) {
   const PF_Err code = step.result.code;
   EXPECT_TRUE(std::ranges::count(kResultsOfFailures, code) == 1) << step.name << ": " << code;
   if (step.injected.size() > 1 && !IsHarmless(step.injected.front())) {
@@ -78,15 +78,16 @@ void JudgeCode(const Step& step) {
   }
 }
 
-/// Fired and reported is good. Fired and success is a failure, unless all that failed is harmless;
-/// an error out of nothing is one.
-void JudgeSteps(const LifecycleScenario& scenario, std::uint64_t& unreported) {
+/// Expects an error of a step in which a host call failed, unless every failed call is listed in
+/// kHarmless, and success of every other step. Adds the failures that were not reported to
+/// `unreported`.
+void ExpectStepResults(const LifecycleScenario& scenario, std::uint64_t& unreported) {
   for (const Step& step : scenario.steps) {
     if (step.injected.empty()) {
       EXPECT_TRUE(step.result.Ok()) << step.name << " returned " << step.result.code
                                     << " though nothing failed in it: " << step.result.message;
     } else if (!step.result.Ok()) {
-      JudgeCode(step);
+      ExpectFirstCode(step);
     }
     if (!step.result.Ok()) {
       continue;
@@ -144,20 +145,19 @@ Views ViewsOfNewHost() {
   Views views = scenario.DrawAgain();
   scenario.End();
   std::uint64_t unreported = 0;
-  JudgeSteps(scenario, unreported);
+  ExpectStepResults(scenario, unreported);
   EndHostInOrder(scenario.host);
   return views;
 }
 
-/// Totals of one check's share of the scenarios.
+/// Totals of the scenarios of one test case.
 struct Tally {
   std::uint64_t scenarios = 0;
   std::uint64_t injected = 0;
-  std::uint64_t unreported =
-      0;  ///< failures after which the command succeeded, all of them harmless
+  std::uint64_t unreported = 0;  ///< of `injected`: those after which the command succeeded
 };
 
-/// FaultInjection with failures, divided among several checks.
+/// Scenarios with injected failures, divided among several test cases.
 class FaultInjection : public ::testing::TestWithParam<std::uint64_t> {
  protected:
   enum class Failing { kOne, kOneThrown, kPair, kAllFromOne };
@@ -169,7 +169,7 @@ class FaultInjection : public ::testing::TestWithParam<std::uint64_t> {
   void RunAll(Failing failing, std::uint64_t stride) {
     const std::uint64_t first = 1 + TheSettings().seed % stride + GetParam() * stride;
     Tally tally;
-    for (std::uint64_t n = first; !HasFailure(); n += kShares * stride) {
+    for (std::uint64_t n = first; !HasFailure(); n += kParts * stride) {
       ASSERT_LT(n, kMostCalls);
       SCOPED_TRACE("call " + std::to_string(n));
       const std::uint64_t injected = RunWith(failing, n, tally);
@@ -204,7 +204,8 @@ class FaultInjection : public ::testing::TestWithParam<std::uint64_t> {
     }
   }
 
-  /// One scenario, judged; the number of failures in it.
+  /// Runs one scenario with this failure and expects that it was tolerated. Returns the number of
+  /// failures in it.
   std::uint64_t RunWith(Failing failing, std::uint64_t n, Tally& tally) {
     std::uint64_t injected = 0;
     bool drawn = false;
@@ -220,7 +221,8 @@ class FaultInjection : public ::testing::TestWithParam<std::uint64_t> {
         ExpectGood(scenario.DrawAgain());
       }
       scenario.End();
-      injected = Judge(scenario, tally);
+      ExpectTolerated(scenario, tally);
+      injected = injector.Injected();
     }
     if (injected > 0 && !drawn) {  // of the same load
       ExpectGood(ViewsOfNewHost());
@@ -233,13 +235,12 @@ class FaultInjection : public ::testing::TestWithParam<std::uint64_t> {
     EXPECT_TRUE(views.exact == good_.exact);
   }
 
-  static std::uint64_t Judge(LifecycleScenario& scenario, Tally& tally) {
-    JudgeSteps(scenario, tally.unreported);
+  static void ExpectTolerated(LifecycleScenario& scenario, Tally& tally) {
+    ExpectStepResults(scenario, tally.unreported);
     EXPECT_TRUE(scenario.host.ContextIsCurrent());
     EndHostInOrder(scenario.host, [&](const std::string& violation) {
       return IsUnavoidable(scenario, violation);
     });
-    return scenario.host.injector.Injected();
   }
 
   Views good_;
@@ -270,7 +271,7 @@ CHECK_P(FaultInjection, FailureOfAllCallsFromOneOnIsSurvived,
   RunAll(Failing::kAllFromOne, StrideOf(kShortStrideOfMany));
 }
 
-INSTANTIATE_TEST_SUITE_P(, FaultInjection, ::testing::Range(std::uint64_t{0}, kShares));
+INSTANTIATE_TEST_SUITE_P(, FaultInjection, ::testing::Range(std::uint64_t{0}, kParts));
 
 CHECK(Lifecycle, WithoutFailuresSucceedsInEveryStep,
       "Three instances, two images a bone, changes, idle time and frames in both modes and in "
@@ -279,7 +280,7 @@ CHECK(Lifecycle, WithoutFailuresSucceedsInEveryStep,
   scenario.Begin();
   scenario.End();
   std::uint64_t unreported = 0;
-  JudgeSteps(scenario, unreported);
+  ExpectStepResults(scenario, unreported);
   EXPECT_EQ(scenario.host.injector.Injected(), 0U);
   RecordProperty("steps", std::to_string(scenario.steps.size()));
   RecordProperty("host calls", std::to_string(scenario.host.injector.Calls()));

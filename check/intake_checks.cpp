@@ -173,8 +173,8 @@ CHECK_F(Intake, KeepsAPendingImageUntilANewOneArrives,
   EXPECT_EQ(host.Render(renderer).picture.At(22, 22), kBlue);
 }
 
-/// Image B is not copied either, but counts as taken all the same: the chain. A world that was not
-/// disposed of by then has no owner.
+/// After the first failure the error chain skips the remaining host calls, yet the flag of image B
+/// is cleared too. A sender's world whose disposal was skipped is abandoned.
 CHECK_F(Intake, LeaksNothingWhenACopyFails,
         "When the host fails to copy an image, its code is the result, the flags of both images "
         "are cleared and the plug-in leaks no world; the next message and frame succeed.") {

@@ -186,8 +186,8 @@ CHECK_F(Instances, NeverFollowSavedOrCopiedBytes,
   EXPECT_EQ(NumberOf(copy), 6);
 }
 
-/// A saved project may bring a handle of any size, a host may have given its memory up, and may
-/// have none.
+/// A project may hold a handle of any size; the host may have purged the handle's memory or pass no
+/// handle.
 CHECK_F(Instances, AreMadeAnewFromAnyHandle,
         "A resetup makes an empty store of the plug-in's own size from a handle of any size and "
         "from one without memory, and none without a handle; a set-down without one still "
@@ -317,7 +317,7 @@ CHECK_F(Instances, KeepTheOldStoreThatAResetupCannotReplace,
     EXPECT_EQ(in.sequence_data, before) << operation;
     EXPECT_EQ(out.sequence_data, nullptr) << operation;
   }
-  // The lock that failed last is answered by an unlock all the same: here, and nowhere else.
+  // Resetup is the only command that unlocks after a failed lock; hosts rely on it.
   EXPECT_EQ(host.injector.Calls("host_unlock_handle"), host.injector.Calls("host_lock_handle"));
 }
 
@@ -358,7 +358,7 @@ CHECK_F(GlobalSetup, LeavesNoStaleHandleWhenASecondOneFails,
   }
 }
 
-/// What of it became a texture no host can see.
+/// Textures are not counted here: the host cannot see them (tests/lifecycle counts them).
 CHECK_F(Instances, ReleaseWhatTheyHold,
         "Pending images are disposed of with their instance, and at global set-down.") {
   for (const bool removed : {true, false}) {

@@ -28,7 +28,7 @@ struct HostFailure {
   Failure failure;
   bool imagesPending;
   PF_Err expected;
-  bool outputIsWhole = false;
+  bool outputIsComplete = false;
 };
 
 std::ostream& operator<<(std::ostream& stream, const HostFailure& failing) {
@@ -55,14 +55,16 @@ const std::vector<HostFailure> kHostFailures{
     {"get_pixel_data8", 1, kReturned, true, kCancel},
     {"get_pixel_data8", 10, kThrown, true, kOther},
     {"get_pixel_data8", 60, kThrown, true, kOther},
-    // A copied image that cannot be disposed of: the code is the host's until the next upload.
+    // Disposal of an uploaded image fails: its code is the result unless another upload follows in
+    // the frame, which turns it into 517.
     {"dispose_world", 1, kReturned, true, kCancel},
     {"dispose_world", 4, kReturned, true, kOther},
-    // The readback: of nothing, nothing is shown.
+    // The readback fails: the output stays transparent, and the result is 0 unless the host throws.
     {"host_new_handle", 1, kReturned, false, 0},
     {"host_lock_handle", 1, kReturned, false, 0},
     {"get_pixel_data8", 1, kReturned, false, 0},
     {"get_pixel_data8", 20, kThrown, false, kOther},
+    // What follows the readback throws.
     {"premultiply", 1, kThrown, false, kOther},
     {"copy", 1, kThrown, false, kOther},
     // Nothing is lost by it: an image is in its texture, a tile in the world.
@@ -83,17 +85,17 @@ CHECK_F(FailedRenders, ReportWhatTheHostFailed,
     }
     const std::uint64_t injected = rig.host.injector.Injected();
     rig.host.injector.FailOperation(failing.operation, failing.occurrence, failing.failure);
-    const RenderResult result = RenderBadly();
+    const RenderResult result = RenderWithFailure();
     EXPECT_EQ(rig.host.injector.Injected(), injected + 1);
     EXPECT_EQ(result.command.code, failing.expected);
     EXPECT_EQ(result.command.message, "");
-    EXPECT_EQ(result.picture == good, failing.outputIsWhole);
-    EXPECT_EQ(IsTransparent(result.picture), !failing.outputIsWhole);
+    EXPECT_EQ(result.picture == good, failing.outputIsComplete);
+    EXPECT_EQ(IsTransparent(result.picture), !failing.outputIsComplete);
     ExpectRecovery();
   }
 }
 
-/// Nothing can be said of the output then.
+/// The output's contents are undefined when the fill failed, so only the result is tested.
 CHECK_F(FailedRenders, ReportAFailedFillUnlessAnImageIsPending,
         "A failed fill determines the result, which is 517 when an image is pending.") {
   for (const bool imagesPending : {false, true}) {
@@ -148,7 +150,7 @@ CHECK_F(FailedRenders, DiscardTheImagesOfOneBoneOnly,
     }
     rig.Send();
     rig.host.injector.FailOperation("host_new_handle", upload + 1, kReturned);
-    EXPECT_EQ(RenderBadly().command.code, kCancel);
+    EXPECT_EQ(RenderWithFailure().command.code, kCancel);
     const Picture next = rig.Render().picture;
     for (const std::size_t at : givenUp[upload]) {
       images[at]->picture = before[at];
@@ -169,7 +171,7 @@ CHECK_F(FailedRenders, LeaveOutAMapWithoutMemory,
   for (std::uint64_t map = 0; map < 8; ++map) {  // for A and for B: two maps of each bone's image
     const std::uint64_t injected = rig.host.injector.Injected();
     rig.host.injector.FailOperation("host_new_handle", map + 1, kReturned);
-    const RenderResult result = RenderBadly();
+    const RenderResult result = RenderWithFailure();
     EXPECT_EQ(rig.host.injector.Injected(), injected + 1);
     EXPECT_EQ(result.command.code, PF_Err_NONE);
 
@@ -209,7 +211,7 @@ CHECK_F(FailedRenders, Return516WithoutASuite,
       SendImages();
     }
     rig.host.HideSuite(missing.suite, missing.version);
-    const RenderResult result = RenderBadly();
+    const RenderResult result = RenderWithFailure();
     EXPECT_EQ(result.command.code, PF_Err_BAD_CALLBACK_PARAM);
     EXPECT_EQ(result.command.message, "");
     EXPECT_TRUE(IsTransparent(result.picture));

@@ -64,7 +64,7 @@ class Soak : public ::testing::Test {
   }
 
   /// Two bones, on a host that keeps little itself.
-  static void Prepare(Rig& rig) {
+  static void Prepare(TestRig& rig) {
     rig.host.injector.KeepLog(false);
     rig.host.tracker.LimitRetired(100);
     for (std::uint32_t bone = 0; bone < 2; ++bone) {
@@ -76,7 +76,7 @@ class Soak : public ::testing::Test {
 CHECK_F(Soak, FramesDoNotLeak,
         "Rendering frames of a rig that moves and changes its images grows neither memory nor "
         "handles.") {
-  Rig rig(PluginUnderCheck(), {.inspectPixels = false});
+  TestRig rig(PluginUnderCheck(), {.inspectPixels = false});
   Prepare(rig);
   Run(5'000, 100'000, [&](int round) {
     const std::uint32_t seed = TheSettings().seed + static_cast<std::uint32_t>(round);
@@ -96,7 +96,7 @@ CHECK_F(Soak, FramesDoNotLeak,
 
 CHECK_F(Soak, InstancesDoNotLeak,
         "Adding, rendering, duplicating and removing instances grows neither memory nor handles.") {
-  Rig rig(PluginUnderCheck(), {.inspectPixels = false});
+  TestRig rig(PluginUnderCheck(), {.inspectPixels = false});
   Prepare(rig);
   Run(600, 10'000, [&](int /*round*/) {
     standin::RendererInstance& instance = rig.host.AddRenderer(rig.layer);
@@ -121,7 +121,7 @@ CHECK_F(Soak, LibraryLoadsDoNotLeak,
   }
   Run(60, 1'000, [&](int /*round*/) {
     ReloadPlugin();
-    Rig rig(PluginUnderCheck(), {.inspectPixels = false});
+    TestRig rig(PluginUnderCheck(), {.inspectPixels = false});
     Prepare(rig);
     rig.Send();
     rig.Render();

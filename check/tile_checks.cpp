@@ -15,7 +15,7 @@ using tarvo::Picture;
 using Tiles = RigTest;
 
 /// Longer than any target that the plug-in makes for itself: 4096 pixels.
-void ExpectDrawnAsOne(Rig& rig, bool tall) {
+void ExpectDrawnAsOne(TestRig& rig, bool tall) {
   const auto laid = [&](double along, double across, double length, double breadth) {
     return tall ? Box{.left = across, .top = along, .width = breadth, .height = length}
                 : Box{.left = along, .top = across, .width = length, .height = breadth};

@@ -31,7 +31,7 @@ class OtherFile {
   const std::filesystem::path path_ = Copy();
 };
 
-tarvo::Picture Draw(Rig& rig, unsigned seed) {
+tarvo::Picture Draw(TestRig& rig, unsigned seed) {
   rig.AddBone(Pattern(64, 64, seed), {Piece({20, 20, 120, 100}, {1, 1, 63, 63}, 0.5)});
   rig.Send();
   return rig.Render().picture;
@@ -45,13 +45,13 @@ CHECK(TwoLibraries, StartRenderAndStopIndependently,
   const OtherFile file;
   const standin::PluginLibrary other(file.Path());
   ASSERT_NE(other.EntryPoint(), PluginUnderCheck());
-  Rig alone(PluginUnderCheck());
+  TestRig alone(PluginUnderCheck());
   const tarvo::Picture expected = Draw(alone, 1);
   const tarvo::Picture expectedOther = Draw(alone, 2);
   EndHostInOrder(alone.host);
 
-  std::optional<Rig> first(PluginUnderCheck());
-  Rig second(other.EntryPoint());
+  std::optional<TestRig> first(PluginUnderCheck());
+  TestRig second(other.EntryPoint());
   EXPECT_EQ(Draw(*first, 1), expected);
   Draw(second, 1);
   EXPECT_EQ(Draw(second, 2), expectedOther);

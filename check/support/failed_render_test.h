@@ -34,9 +34,9 @@ class FailedRenderTest : public RigTest {
     rig.Send();
   }
 
-  /// Renders as things are, and expects that nothing is left behind: worlds that this render was to
-  /// upload may stay pending for the next one, the host's context is restored.
-  standin::RenderResult RenderBadly() {
+  /// Renders with the failure that was set up, and expects no leak and the host's context restored;
+  /// worlds that this render was to upload may stay pending for the next one.
+  standin::RenderResult RenderWithFailure() {
     const std::size_t handles = rig.host.tracker.Count(standin::Kind::kHandle);
     const std::size_t worlds = rig.host.tracker.Count(standin::Kind::kWorld);
     standin::RenderResult result = rig.host.Render(rig.renderer);

@@ -101,11 +101,11 @@ void LifecycleScenario::ReplaceFirst() {
 }
 
 Views LifecycleScenario::DrawAgain() {
-  const bool isWhole = std::ranges::none_of(steps, [](const Step& step) {
+  const bool areSetUp = std::ranges::none_of(steps, [](const Step& step) {
     const bool setsUp = step.name == "apply" || step.name == "duplicate" || step.name == "reopen";
     return setsUp && !step.injected.empty();
   });
-  if (renderers_.empty() || !isWhole) {
+  if (renderers_.empty() || !areSetUp) {
     ReplaceFirst();
   }
   Do("depth", [&] { return host.SetParameter(*renderers_.front(), StartZ(1), kDepth); });

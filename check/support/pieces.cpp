@@ -12,9 +12,9 @@ namespace {
 using tarvo::Picture;
 
 /// Numbers that are the same on every system, which the standard distributions do not promise.
-class RandomSource {
+class SeededRandom {
  public:
-  explicit RandomSource(std::uint32_t seed) : generator_(seed) {}
+  explicit SeededRandom(std::uint32_t seed) : generator_(seed) {}
 
   double Between(double least, double greatest) {
     return least + (greatest - least) * (static_cast<double>(generator_()) / 4294967296.0);
@@ -34,7 +34,7 @@ void SetRectangle(void* points, const Box& box) {
 }
 
 /// A part of the image, one pixel off its border at least.
-Box RandomCut(RandomSource& random, int imageWidth, int imageHeight) {
+Box RandomCut(SeededRandom& random, int imageWidth, int imageHeight) {
   const double width = random.Between(0.3, 0.8) * (imageWidth - 2);
   const double height = random.Between(0.3, 0.8) * (imageHeight - 2);
   return {.left = random.Between(1, imageWidth - 1 - width),
@@ -43,7 +43,7 @@ Box RandomCut(RandomSource& random, int imageWidth, int imageHeight) {
           .height = height};
 }
 
-PieceQuad WarpedPiece(RandomSource& random, const Box& area, const Box& cut,
+PieceQuad WarpedPiece(SeededRandom& random, const Box& area, const Box& cut,
                       std::uint32_t imageSelect) {
   // Corners on a circle, each within its own eighth turn to either side: always convex.
   PieceQuad piece = Piece(area, cut, random.Between(0, 1), imageSelect);
@@ -76,7 +76,7 @@ PieceQuad Piece(const Box& place, const Box& cut, double boneT, std::uint32_t im
 
 std::vector<PieceQuad> WarpedPieces(std::uint32_t seed, int count, const Box& area, int imageWidth,
                                     int imageHeight, std::uint32_t imageSelect) {
-  RandomSource random(seed);
+  SeededRandom random(seed);
   std::vector<PieceQuad> pieces;
   for (int i = 0; i < count; ++i) {
     const Box cut = RandomCut(random, imageWidth, imageHeight);
@@ -94,7 +94,7 @@ CompanionSlot RecordOf(const std::vector<PieceQuad>& pieces, std::int32_t place)
 }
 
 Picture Pattern(int width, int height, std::uint32_t seed, std::uint8_t alpha) {
-  RandomSource random(seed);
+  SeededRandom random(seed);
   const double red = random.Between(0, 6);
   const double green = random.Between(0, 6);
   const double blue = random.Between(0, 6);

@@ -5,7 +5,7 @@
 namespace check {
 namespace {
 
-std::map<std::string, std::string>& Promises() {
+std::map<std::string, std::string>& Requirements() {
   static std::map<std::string, std::string> requirements;
   return requirements;
 }
@@ -14,12 +14,12 @@ std::map<std::string, std::string>& Promises() {
 
 Requirement::Requirement(const std::string& suite, const std::string& name,
                          const std::string& text) {
-  Promises()[suite + "." + name] = text;
+  Requirements()[suite + "." + name] = text;
 }
 
 std::string RequirementOf(const std::string& check) {
-  const auto requirement = Promises().find(check.substr(0, check.find('/')));
-  return requirement == Promises().end() ? "" : requirement->second;
+  const auto requirement = Requirements().find(check.substr(0, check.find('/')));
+  return requirement == Requirements().end() ? "" : requirement->second;
 }
 
 }  // namespace check

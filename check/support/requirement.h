@@ -22,7 +22,7 @@ std::string RequirementOf(const std::string& check);
 }  // namespace check
 
 #define CHECK_REQUIREMENT(suite, name, text) \
-  const check::Requirement kPromiseOf##suite##name(#suite, #name, text);
+  const check::Requirement kRequirementOf##suite##name(#suite, #name, text);
 
 /// As TEST_F, TEST_P and TEST, and the requirement.
 #define CHECK_F(fixture, name, requirement)     \

@@ -38,14 +38,14 @@ void EndHostInOrder(standin::Host& host,
   EXPECT_TRUE(host.tracker.Balanced()) << Lines(host.tracker.OutstandingAfterCall());
 }
 
-Rig::Rig(PF_EntryPoint entryPoint, standin::HostOptions options)
+TestRig::TestRig(PF_EntryPoint entryPoint, standin::HostOptions options)
     : host(entryPoint, std::move(options)),
-      layer(SetTheScene()),
+      layer(StartAndMakeLayer()),
       renderer(host.AddRenderer(layer)) {
   EXPECT_TRUE(renderer.setup.Ok()) << renderer.setup.message;
 }
 
-standin::Layer& Rig::SetTheScene() {
+standin::Layer& TestRig::StartAndMakeLayer() {
   const standin::CommandResult started = host.StartUp();
   EXPECT_TRUE(started.Ok()) << started.code << " " << started.message;
   standin::Composition& composition = host.project.AddComposition("Stage");
@@ -53,7 +53,7 @@ standin::Layer& Rig::SetTheScene() {
   return composition.AddLayer("Puppet", kLayerWidth, kLayerHeight);
 }
 
-Companion& Rig::AddBone(const Picture& image, std::vector<PieceQuad> pieces, int position) {
+Companion& TestRig::AddBone(const Picture& image, std::vector<PieceQuad> pieces, int position) {
   const std::string name = "Bone " + std::to_string(layer.effects.size());
   Companion& companion = host.AddCompanion(layer, name, position);
   companion.imageA.Set(image);
@@ -61,16 +61,16 @@ Companion& Rig::AddBone(const Picture& image, std::vector<PieceQuad> pieces, int
   return companion;
 }
 
-void Rig::SetDepth(int bone, double start, double end) {
+void TestRig::SetDepth(int bone, double start, double end) {
   EXPECT_TRUE(host.SetParameter(renderer, StartZ(bone), start).Ok());
   EXPECT_TRUE(host.SetParameter(renderer, EndZ(bone), end).Ok());
 }
 
-void Rig::SetFast(bool fast) {
+void TestRig::SetFast(bool fast) {
   EXPECT_TRUE(host.SetParameter(renderer, kFastTransparency, fast ? 1 : 0).Ok());
 }
 
-std::vector<Companion*> Rig::ActiveCompanions() const {
+std::vector<Companion*> TestRig::ActiveCompanions() const {
   std::vector<Companion*> active;
   for (const auto& effect : layer.effects) {
     auto* companion = dynamic_cast<Companion*>(effect.get());
@@ -81,21 +81,21 @@ std::vector<Companion*> Rig::ActiveCompanions() const {
   return active;
 }
 
-void Rig::Send() {
+void TestRig::Send() {
   for (Companion* companion : ActiveCompanions()) {
     const standin::SendResult sent = host.Send(*companion, renderer);
     EXPECT_TRUE(sent.command.Ok()) << companion->groupName << ": " << sent.command.code;
   }
 }
 
-standin::RenderResult Rig::Render(const FrameRequest& request) {
+standin::RenderResult TestRig::Render(const FrameRequest& request) {
   standin::RenderResult result = host.Render(renderer, request);
   EXPECT_TRUE(result.command.Ok()) << result.command.code << " " << result.command.message;
   EXPECT_EQ(result.unwritten, 0U);
   return result;
 }
 
-tarvo::OverlapPicture Rig::Expected(const Picture& like, const FrameRequest& request) const {
+tarvo::OverlapPicture TestRig::Expected(const Picture& like, const FrameRequest& request) const {
   return tarvo::DrawOverlap(
       {tarvo::BonesOn(layer, renderer), tarvo::ViewOf(like, renderer, request)});
 }

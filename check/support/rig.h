@@ -22,16 +22,16 @@ void EndHostInOrder(
 /// A host with the plug-in applied to one layer, at the top of its stack; a small language for
 /// tests:
 ///
-///     Rig rig(entryPoint);
+///     TestRig rig(entryPoint);
 ///     rig.AddBone(image, pieces);
 ///     rig.SetDepth(1, 0, -3);
 ///     rig.Send();
 ///     EXPECT_EQ(rig.Render().picture, …);
 ///
 /// What should go well is expected to, here.
-class Rig {
+class TestRig {
  public:
-  explicit Rig(PF_EntryPoint entryPoint, standin::HostOptions options = {});
+  explicit TestRig(PF_EntryPoint entryPoint, standin::HostOptions options = {});
 
   /// Another companion, at the bottom of the stack unless `position` says otherwise.
   standin::Companion& AddBone(const tarvo::Picture& image, std::vector<PieceQuad> pieces,
@@ -59,7 +59,7 @@ class Rig {
 
  private:
   /// Starts the plug-in and makes the layer.
-  standin::Layer& SetTheScene();
+  standin::Layer& StartAndMakeLayer();
 };
 
 /// A test with one rig, whose leaks and API violations are checked at its end in any case.
@@ -68,7 +68,7 @@ class RigTest : public ::testing::Test {
   explicit RigTest(PF_EntryPoint entryPoint = PluginUnderCheck()) : rig(entryPoint) {}
   void TearDown() override { EndHostInOrder(rig.host); }
 
-  Rig rig;
+  TestRig rig;
 };
 
 }  // namespace check

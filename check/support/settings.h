@@ -13,7 +13,7 @@ struct Settings {
   /// that fail in fault injection, the bytes of bad records, the messages of many senders, the
   /// frames of soak tests.
   std::uint32_t seed = kUsualSeed;
-  /// Soak tests run at full length, which takes minutes.
+  /// Soak tests run at full length (--long): half an hour and more.
   bool isLong = false;
   /// Fault injection runs a scenario for every host call, not for some.
   bool failsEveryCall = false;

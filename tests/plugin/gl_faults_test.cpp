@@ -131,7 +131,7 @@ TEST_F(GlRenderFaultsTest, FramebufferThatIsNotCompleteIsToldInWords) {
     SendImages();
     {
       const FramebufferBecomesIncomplete fault(incomplete.completeChecks, incomplete.status);
-      const RenderResult result = RenderBadly();
+      const RenderResult result = RenderWithFailure();
       EXPECT_EQ(result.command.code, PF_Err_INTERNAL_STRUCT_DAMAGED);
       EXPECT_EQ(result.command.message, incomplete.message);
       EXPECT_TRUE(result.command.displayMessage);

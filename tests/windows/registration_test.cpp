@@ -123,7 +123,7 @@ std::string_view Registration() {
 
 TEST(RegistrationTest, AgreesWithWhatThePluginReports) {
   const Table table = TableReader(Registration()).Read();
-  check::Rig rig(check::PluginUnderCheck());
+  check::TestRig rig(check::PluginUnderCheck());
   const auto reported = [](auto value) { return FourBytes(static_cast<std::uint32_t>(value)); };
   const auto property = [](const char* key, const std::string& data) {
     return Property{"8BIM", key, 0, data};
