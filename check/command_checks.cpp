@@ -144,7 +144,7 @@ CHECK_F(Commands, MayComeFromAnyThread,
 }
 
 /// Arguments that change nothing in this host and much in others.
-CHECK_F(Commands, CallTheHostWithTheAgreedArguments,
+CHECK_F(Commands, PassTheExpectedArgumentsToTheHost,
         "The plug-in registers under its match name without a reference of its own, reads values "
         "at layer time 0 after expressions and names as the user has them, changes what is shown "
         "without an undo step, and reports no error of a quiet section.") {

@@ -246,26 +246,26 @@ class FaultInjection : public ::testing::TestWithParam<std::uint64_t> {
   Views good_;
 };
 
-CHECK_P(FaultInjection, OneFailureIsSurvived,
+CHECK_P(FaultInjection, OneFailureIsTolerated,
         "When a host call fails in a scenario, it is reported or harmless, nothing leaks, and the "
         "scene, sent again, is drawn correctly in both modes.") {
   RunAll(Failing::kOne, StrideOf(kShortStride));
 }
 
 CHECK_P(
-    FaultInjection, OneThrownFailureIsSurvived,
+    FaultInjection, OneThrownFailureIsTolerated,
     "When a host call throws in a scenario, it is reported or harmless, no exception leaves the "
     "plug-in, nothing leaks, and the scene, sent again, is drawn correctly in both modes.") {
   RunAll(Failing::kOneThrown, StrideOf(kShortStride));
 }
 
-CHECK_P(FaultInjection, AFailureAndThenOneInADisposalAreSurvived,
+CHECK_P(FaultInjection, AFailureAndThenOneInADisposalAreTolerated,
         "When a host call fails and then the next disposal does, the result is not the disposal's, "
         "nothing leaks, and the scene, sent again, is drawn correctly in both modes.") {
   RunAll(Failing::kPair, StrideOf(kShortStride));
 }
 
-CHECK_P(FaultInjection, FailureOfAllCallsFromOneOnIsSurvived,
+CHECK_P(FaultInjection, FailureOfAllCallsFromOneOnIsTolerated,
         "When all host calls fail from one on, nothing leaks, and after a new start the scene is "
         "drawn correctly.") {
   RunAll(Failing::kAllFromOne, StrideOf(kShortStrideOfMany));

@@ -115,7 +115,7 @@ CHECK_F(Intake, ReadsRecordsAtAnyAddressAndChangesTheirFlagsAlone,
   EXPECT_EQ(frame.picture.At(22, 11).alpha, 255);
 }
 
-CHECK_F(Intake, RefusesWhatCannotBeMeant,
+CHECK_F(Intake, RefusesImplausibleRecords,
         "An implausible record, or none, returns 516 and changes nothing.") {
   Host& host = StartHost();
   auto& renderer = host.AddRenderer(TheLayer());

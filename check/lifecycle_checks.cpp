@@ -165,7 +165,7 @@ CHECK_F(
   EXPECT_EQ(CounterOf(host), 0);
 }
 
-CHECK_F(Instances, NeverFollowSavedOrCopiedBytes,
+CHECK_F(Instances, NeverDereferenceSavedOrCopiedPointers,
         "A duplicated or reopened instance starts without pieces and with a new number, and the "
         "original keeps its own.") {
   Host& host = StartHost();
@@ -268,7 +268,7 @@ CHECK_F(
   EXPECT_EQ(host.SendRecord(renderer, &record).code, PF_Err_NONE);
 }
 
-CHECK_F(Instances, GoWithoutMemoryOrLock,
+CHECK_F(Instances, TolerateSetupWithoutHandleOrLock,
         "A sequence set-up without a handle returns 4; without a lock it succeeds, and frames stay "
         "transparent.") {
   Host& host = StartHost();
