@@ -84,7 +84,7 @@ ObjectTracker::Entry* ObjectTracker::Check(Kind kind, const void* name, std::str
   } else if (name != nullptr) {
     given = Hex(name) + ", which this host never handed out";
   }
-  ReportViolation(std::string(who) + " was given " + given + "; a living " +
+  ReportViolation(std::string(who) + " was given " + given + "; a valid " +
                   std::string(Name(kind)) + " was expected");
   return nullptr;
 }

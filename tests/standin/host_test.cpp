@@ -145,7 +145,7 @@ std::vector<Violation> Violations() {
          int own = 0;
          DisposeOf(c, reinterpret_cast<AEGP_EffectRefH>(&own));
        }),
-       {"never handed out", "a living effect reference was expected"}},
+       {"never handed out", "a valid effect reference was expected"}},
       {"a stream in place of an effect",
        Doing([](const Command& c) {
          const AEGP_EffectRefH effect = OwnReference(c);
@@ -154,7 +154,7 @@ std::vector<Violation> Violations() {
          DisposeOf(c, stream);
          DisposeOf(c, effect);
        }),
-       {"AEGP_DisposeEffect was given stream", "a living effect reference was expected"}},
+       {"AEGP_DisposeEffect was given stream", "a valid effect reference was expected"}},
       {"suite left",
        Doing([](const Command& c) { c.Acquire<PF_HandleSuite1>(kHandles, 2); }),
        {"left suite 'PF Handle Suite 2'"}},
