@@ -23,16 +23,16 @@ std::string Process::ReadAll() {
       isKilled = true;
     }
     AwaitAny({{.process = this, .channel = false}}, kBetweenLooks);
-    AppendPrints(output);
+    AppendOutput(output);
   }
-  AppendPrints(output);
+  AppendOutput(output);
   return output;
 }
 
 /// Appends what it has printed until now.
-void Process::AppendPrints(std::string& output) {
+void Process::AppendOutput(std::string& output) {
   std::array<char, 4096> part{};
-  while (const std::size_t count = ReadPrints(part.data(), part.size())) {
+  while (const std::size_t count = ReadOutput(part.data(), part.size())) {
     output.append(part.data(), count);
   }
 }

@@ -36,10 +36,10 @@ class Process {
     kWorker,      ///< a pipe to its standard input, and what ParentLink, the other end, needs
   };
 
-  /// What a process is awaited for, beside what it prints.
-  struct Awaited {
+  /// A process to poll for output and its end, and whether its channel is polled too.
+  struct PollTarget {
     Process* process = nullptr;
-    bool channel = true;  ///< bytes on the channel
+    bool channel = true;
   };
 
   /// Starts a program, by its path or a name that the system looks for. A worker gets a
@@ -58,13 +58,13 @@ class Process {
   /// What a worker has sent and not been read yet, at most `size` bytes; 0 if there is nothing now.
   std::size_t ReadChannel(void* bytes, std::size_t size);
   /// The same of what it printed: to standard output, and as a worker to standard error, too.
-  std::size_t ReadPrints(void* bytes, std::size_t size);
+  std::size_t ReadOutput(void* bytes, std::size_t size);
   /// Waits for its end as Wait does; all that it printed and was not read yet.
   std::string ReadAll();
   /// Where the plug-in is in a worker.
   [[nodiscard]] const standin::CrashRecord& Record() const;
-  /// Returns when one of the workers has printed, sent or ended, and after `atMost` in any case.
-  static void AwaitAny(const std::vector<Awaited>& workers, std::chrono::milliseconds atMost);
+  /// Returns when one of the processes has printed, sent or ended, and after `atMost` in any case.
+  static void AwaitAny(const std::vector<PollTarget>& targets, std::chrono::milliseconds atMost);
 
   /// True iff it has ended. Never blocks. Does not need the ends of the pipes, which a process that
   /// it started may hold open.
@@ -91,7 +91,7 @@ class Process {
  private:
   struct Running;  // the system's identifiers
 
-  void AppendPrints(std::string& output);
+  void AppendOutput(std::string& output);
 
   std::unique_ptr<Running> running_;
 };

@@ -204,42 +204,42 @@ struct Process::Running {
     }
   }
 
-  void StartFed(const std::vector<std::string>& command) {
+  void StartWithInputPipe(const std::vector<std::string>& command) {
     PipeEnds pipe;
     id = Start(command, {.streams = {{pipe.reading.Get(), STDIN_FILENO}}});
     input = std::move(pipe.writing);
   }
 
-  void StartRead(const std::vector<std::string>& command) {
+  void StartWithOutputPipe(const std::vector<std::string>& command) {
     PipeEnds pipe;
     id = Start(command, {.streams = {{pipe.writing.Get(), STDOUT_FILENO}}});
-    prints = std::move(pipe.reading);
-    MakeNonblocking(prints);
+    output = std::move(pipe.reading);
+    MakeNonblocking(output);
   }
 
   void StartWorker(std::vector<std::string> command) {
-    constexpr int kRoom = 1 << 20;  // most of a frame at once; systems may grant less
+    constexpr int kPipeCapacity = 1 << 20;  // most of a frame at once; systems may grant less
     PipeEnds forInput;
     PipeEnds forChannel;
-    PipeEnds forPrints;
+    PipeEnds forOutput;
     record = std::make_unique<SharedRecord>();
-    fcntl(forChannel.writing.Get(), F_SETPIPE_SZ, kRoom);
+    fcntl(forChannel.writing.Get(), F_SETPIPE_SZ, kPipeCapacity);
     const int theirs = forChannel.writing.Get();
     command.insert(command.begin() + 1,
                    "--worker=" + std::to_string(theirs) + "," + std::to_string(record->File()));
-    const int printed = forPrints.writing.Get();
+    const int outputs = forOutput.writing.Get();
     // This program also after its file was replaced: both ends of the channel are the same then.
     const bool isThis = command.front() == ThisProgram().string();
     id = Start(command, {.program = isThis ? "/proc/self/exe" : "",
                          .streams = {{forInput.reading.Get(), STDIN_FILENO},
-                                     {printed, STDOUT_FILENO},
-                                     {printed, STDERR_FILENO}},
+                                     {outputs, STDOUT_FILENO},
+                                     {outputs, STDERR_FILENO}},
                          .inherited = {theirs, record->File()}});
     input = std::move(forInput.writing);
     channel = std::move(forChannel.reading);
-    prints = std::move(forPrints.reading);
+    output = std::move(forOutput.reading);
     MakeNonblocking(channel);
-    MakeNonblocking(prints);
+    MakeNonblocking(output);
   }
 
   /// The whole group, from any thread. Its number is not used again while the child has not been
@@ -284,7 +284,7 @@ struct Process::Running {
   int code = kUnknownEnd;
   Descriptor input;
   Descriptor channel;
-  Descriptor prints;
+  Descriptor output;
   std::unique_ptr<SharedRecord> record;
 };
 
@@ -292,10 +292,10 @@ Process::Process(const std::vector<std::string>& command, Pipe pipe)
     : running_(std::make_unique<Running>()) {
   switch (pipe) {
     case Pipe::kToInput:
-      running_->StartFed(command);
+      running_->StartWithInputPipe(command);
       break;
     case Pipe::kFromOutput:
-      running_->StartRead(command);
+      running_->StartWithOutputPipe(command);
       break;
     case Pipe::kWorker:
       running_->StartWorker(command);
@@ -325,26 +325,26 @@ std::size_t Process::ReadChannel(void* bytes, std::size_t size) {
   return ReadNow(running_->channel, bytes, size);
 }
 
-std::size_t Process::ReadPrints(void* bytes, std::size_t size) {
-  return ReadNow(running_->prints, bytes, size);
+std::size_t Process::ReadOutput(void* bytes, std::size_t size) {
+  return ReadNow(running_->output, bytes, size);
 }
 
 const standin::CrashRecord& Process::Record() const { return running_->record->Get(); }
 
-void Process::AwaitAny(const std::vector<Awaited>& workers, std::chrono::milliseconds atMost) {
-  constexpr int kEndIsNear = 1;  // ms: the pipes of one are closed, which its end follows
+void Process::AwaitAny(const std::vector<PollTarget>& targets, std::chrono::milliseconds atMost) {
+  constexpr int kPollAfterPipeClosedMs = 1;  // a worker whose channel is closed is about to exit
   std::vector<pollfd> pipes;
   auto timeout = static_cast<int>(atMost.count());
-  for (const auto& [process, channel] : workers) {
+  for (const auto& [process, channel] : targets) {
     const Running& running = *process->running_;
-    if (running.prints.IsOpen()) {
-      pipes.push_back({running.prints.Get(), POLLIN, 0});
+    if (running.output.IsOpen()) {
+      pipes.push_back({running.output.Get(), POLLIN, 0});
     }
     if (channel && running.channel.IsOpen()) {
       pipes.push_back({running.channel.Get(), POLLIN, 0});
     }
     if (!running.channel.IsOpen() && running.id != 0) {
-      timeout = std::min(timeout, kEndIsNear);
+      timeout = std::min(timeout, kPollAfterPipeClosedMs);
     }
   }
   poll(pipes.data(), pipes.size(), timeout);

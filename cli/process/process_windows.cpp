@@ -53,10 +53,10 @@ class Handle {
 
 /// Both ends of a pipe; neither is inherited.
 struct PipeEnds {
-  explicit PipeEnds(DWORD room = 0) {
+  explicit PipeEnds(DWORD capacity = 0) {
     HANDLE readingEnd = nullptr;
     HANDLE writingEnd = nullptr;
-    if (CreatePipe(&readingEnd, &writingEnd, nullptr, room) == 0) {
+    if (CreatePipe(&readingEnd, &writingEnd, nullptr, capacity) == 0) {
       throw ProcessError("a pipe cannot be made: " + LastError());
     }
     reading = Handle(readingEnd);
@@ -201,7 +201,7 @@ struct Process::Running {
     }
   }
 
-  void StartFed(const std::vector<std::string>& command) {
+  void StartWithInputPipe(const std::vector<std::string>& command) {
     const std::scoped_lock lock(StartLock());
     PipeEnds pipe;
     pipe.reading.MakeInheritable();
@@ -210,37 +210,37 @@ struct Process::Running {
     input = std::move(pipe.writing);
   }
 
-  void StartRead(const std::vector<std::string>& command) {
+  void StartWithOutputPipe(const std::vector<std::string>& command) {
     const std::scoped_lock lock(StartLock());
     PipeEnds pipe;
     pipe.writing.MakeInheritable();
     job = MakeJob();
     process = Start(command, {.output = pipe.writing.Get()}, job);
-    prints = std::move(pipe.reading);
+    output = std::move(pipe.reading);
   }
 
   void StartWorker(std::vector<std::string> command) {
     const std::scoped_lock lock(StartLock());
     PipeEnds forInput;
     PipeEnds forChannel(kLargestTransfer);
-    PipeEnds forPrints;
+    PipeEnds forOutput;
     record = std::make_unique<SharedRecord>();
     forInput.reading.MakeInheritable();
     forChannel.writing.MakeInheritable();
-    forPrints.writing.MakeInheritable();
+    forOutput.writing.MakeInheritable();
     record->Mapping().MakeInheritable();
     command.insert(command.begin() + 1,
                    "--worker=" + NumberOf(forChannel.writing) + "," + NumberOf(record->Mapping()));
     job = MakeJob();
     process = Start(command,
                     {.input = forInput.reading.Get(),
-                     .output = forPrints.writing.Get(),
-                     .error = forPrints.writing.Get()},
+                     .output = forOutput.writing.Get(),
+                     .error = forOutput.writing.Get()},
                     job);
     SetHandleInformation(record->Mapping().Get(), HANDLE_FLAG_INHERIT, 0);
     input = std::move(forInput.writing);
     channel = std::move(forChannel.reading);
-    prints = std::move(forPrints.reading);
+    output = std::move(forOutput.reading);
   }
 
   void Kill() const { TerminateJobObject(job.Get(), kKilled); }
@@ -264,7 +264,7 @@ struct Process::Running {
   int code = kUnknownEnd;
   Handle input;
   Handle channel;
-  Handle prints;
+  Handle output;
   std::unique_ptr<SharedRecord> record;
 };
 
@@ -272,10 +272,10 @@ Process::Process(const std::vector<std::string>& command, Pipe pipe)
     : running_(std::make_unique<Running>()) {
   switch (pipe) {
     case Pipe::kToInput:
-      running_->StartFed(command);
+      running_->StartWithInputPipe(command);
       break;
     case Pipe::kFromOutput:
-      running_->StartRead(command);
+      running_->StartWithOutputPipe(command);
       break;
     case Pipe::kWorker:
       running_->StartWorker(command);
@@ -303,22 +303,22 @@ std::size_t Process::ReadChannel(void* bytes, std::size_t size) {
   return ReadNow(running_->channel, bytes, size);
 }
 
-std::size_t Process::ReadPrints(void* bytes, std::size_t size) {
-  return ReadNow(running_->prints, bytes, size);
+std::size_t Process::ReadOutput(void* bytes, std::size_t size) {
+  return ReadNow(running_->output, bytes, size);
 }
 
 const standin::CrashRecord& Process::Record() const { return running_->record->Get(); }
 
-void Process::AwaitAny(const std::vector<Awaited>& workers, std::chrono::milliseconds atMost) {
+void Process::AwaitAny(const std::vector<PollTarget>& targets, std::chrono::milliseconds atMost) {
   // Pipes of this kind cannot be waited for: they are looked at every millisecond.
-  const auto isReady = [](const Awaited& awaited) {
-    Running& running = *awaited.process->running_;
-    return BytesIn(running.prints) > 0 || (awaited.channel && BytesIn(running.channel) > 0) ||
+  const auto isReady = [](const PollTarget& target) {
+    Running& running = *target.process->running_;
+    return BytesIn(running.output) > 0 || (target.channel && BytesIn(running.channel) > 0) ||
            (running.process.IsOpen() &&
             WaitForSingleObject(running.process.Get(), 0) != WAIT_TIMEOUT);
   };
   const auto end = std::chrono::steady_clock::now() + atMost;
-  while (std::ranges::none_of(workers, isReady) && std::chrono::steady_clock::now() < end) {
+  while (std::ranges::none_of(targets, isReady) && std::chrono::steady_clock::now() < end) {
     Sleep(1);
   }
 }

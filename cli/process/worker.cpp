@@ -16,7 +16,7 @@
 namespace tarvo {
 namespace {
 
-constexpr std::size_t kPartOfPrints = 1U << 16U;
+constexpr std::size_t kOutputChunk = 1U << 16U;
 
 using Clock = std::chrono::steady_clock;
 
@@ -75,13 +75,13 @@ void Worker::Pump() {
   const Clock::time_point start = Clock::now();
   const Clock::duration writing = tWriting;
   const bool hasEnded = process_.HasEnded();
-  PassPrintsOn(hasEnded ? kMostAfterEnd : kPartOfPrints);
+  ForwardOutput(hasEnded ? kMostAfterEnd : kOutputChunk);
   const bool areAllRead = ReadMessages();
   tPassing += Clock::now() - start - (tWriting - writing);
   if (!hasEnded) {
     WatchTime();
   } else if (areAllRead && !message_) {
-    PassLinesOn(true);
+    ForwardLines(true);
     isOver_ = true;
   }
 }
@@ -108,32 +108,32 @@ WorkerEnd Worker::End() const {
 
 void Worker::AwaitAny(const std::vector<Worker*>& workers) {
   constexpr std::chrono::milliseconds kLook(50);
-  std::vector<Process::Awaited> awaited;
+  std::vector<Process::PollTarget> targets;
   for (Worker* worker : workers) {
     if (!worker->IsOver()) {
-      awaited.push_back({&worker->process_, !worker->HasMessage() && worker->damage_.empty()});
+      targets.push_back({&worker->process_, !worker->HasMessage() && worker->damage_.empty()});
     }
   }
-  if (!awaited.empty()) {
-    Process::AwaitAny(awaited, kLook);
+  if (!targets.empty()) {
+    Process::AwaitAny(targets, kLook);
   }
 }
 
-void Worker::PassPrintsOn(std::size_t most) {
-  std::array<char, kPartOfPrints> part{};
+void Worker::ForwardOutput(std::size_t most) {
+  std::array<char, kOutputChunk> part{};
   std::size_t passed = 0;
   while (passed < most) {
-    const std::size_t count = process_.ReadPrints(part.data(), part.size());
+    const std::size_t count = process_.ReadOutput(part.data(), part.size());
     if (count == 0) {
       return;
     }
     printed_.append(part.data(), count);
     passed += count;
-    PassLinesOn(false);
+    ForwardLines(false);
   }
 }
 
-/// A printed line as it is passed on.
+/// A printed line as it is forwarded.
 std::string Worker::Marked(std::string line) const {
   if (line.ends_with('\r')) {
     line.pop_back();
@@ -141,7 +141,7 @@ std::string Worker::Marked(std::string line) const {
   return name_ + ": " + ForTerminal(line) + "\n";
 }
 
-void Worker::PassLinesOn(bool isLast) {
+void Worker::ForwardLines(bool isLast) {
   std::string text;
   std::size_t at = 0;
   for (std::size_t end = printed_.find('\n'); end != std::string::npos;
@@ -150,7 +150,7 @@ void Worker::PassLinesOn(bool isLast) {
     at = end + 1;
   }
   printed_.erase(0, at);
-  if (!printed_.empty() && (isLast || printed_.size() >= kPartOfPrints)) {
+  if (!printed_.empty() && (isLast || printed_.size() >= kOutputChunk)) {
     text += Marked(std::exchange(printed_, {}));
   }
   if (!text.empty()) {

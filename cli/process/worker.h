@@ -62,7 +62,7 @@ class Worker {
   /// What its printed lines are marked with from now on.
   void Rename(std::string name) { name_ = std::move(name); }
 
-  /// Takes in what has come: prints and texts are passed on, one message is kept for Take. Ends the
+  /// Takes in what has come: output and texts are forwarded, one message is kept for Take. Ends the
   /// worker at its time limit or when its messages are damaged. Never blocks.
   void Pump();
   [[nodiscard]] bool HasMessage() const { return message_.has_value(); }
@@ -86,8 +86,8 @@ class Worker {
  private:
   using Clock = std::chrono::steady_clock;
 
-  void PassPrintsOn(std::size_t most);
-  void PassLinesOn(bool isLast);
+  void ForwardOutput(std::size_t most);
+  void ForwardLines(bool isLast);
   [[nodiscard]] std::string Marked(std::string line) const;
   bool ReadMessages();
   void TakeIn(Message message);
