@@ -81,11 +81,12 @@ void Diff(const DiffOptions& options, const Console& console) {
   if (!options.output.empty()) {
     WritePicture(options.output, SideBySide(one, other, options.tolerance), options.sync);
   }
-  Tell(console, options.one + ": " + SizeText(one) + '\n' + options.other + ": " + SizeText(other) +
-                    '\n' +
-                    (comparison ? Finding(*comparison, options.tolerance) : "different sizes\n"));
+  PrintResult(console,
+              options.one + ": " + SizeText(one) + '\n' + options.other + ": " + SizeText(other) +
+                  '\n' +
+                  (comparison ? Finding(*comparison, options.tolerance) : "different sizes\n"));
   if (!comparison || comparison->beyond > 0) {
-    throw Unfinished(kDifferent, {});
+    throw CommandExit(kDifferent, {});
   }
 }
 

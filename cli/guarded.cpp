@@ -29,10 +29,10 @@ std::optional<Picture> RunWorker(const SceneOptions& options, const Console& con
     }
   }
   if (interrupt.Came()) {
-    throw Unfinished(kInterrupted, {"interrupted"});
+    throw CommandExit(kInterrupted, {"interrupted"});
   }
   if (const auto failure = FailureOf(worker.End(), limit)) {
-    throw Unfinished(*failure);
+    throw CommandExit(*failure);
   }
   return picture;
 }
@@ -56,7 +56,7 @@ std::optional<Picture> MakeGuarded(const SceneOptions& options, const Console& c
   }
   std::optional<Picture> picture = RunWorker(options, console);
   if (!picture) {
-    throw Unfinished(kPluginFault, {"the process that runs the plug-in sent no picture"});
+    throw CommandExit(kPluginFault, {"the process that runs the plug-in sent no picture"});
   }
   return picture;
 }

@@ -11,7 +11,7 @@ namespace tarvo {
 
 /// Runs the work of a command that loads the plug-in in a worker: this very command line, whose
 /// texts come to this console. In the worker, where it is called too, it does the work. Throws
-/// Unfinished when the worker fails or the user interrupts.
+/// CommandExit when the worker fails or the user interrupts.
 void RunGuarded(const SceneOptions& options, const Console& console,
                 const std::function<void()>& work);
 

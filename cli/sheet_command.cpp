@@ -231,8 +231,8 @@ void WriteSheet(const SheetOptions& options, const Console& console) {
       MakeGuarded(options.scene, console, [&] { return maker.Make(); });
   if (sheet) {
     WritePicture(options.output, *sheet, options.sync);
-    Tell(console, options.output + ": " + std::to_string(sheet->width) + "x" +
-                      std::to_string(sheet->height) + "\n");
+    PrintResult(console, options.output + ": " + std::to_string(sheet->width) + "x" +
+                             std::to_string(sheet->height) + "\n");
   }
 }
 

@@ -49,7 +49,7 @@ class SceneWatch {
     ExpectUsable();
   }
 
-  /// Until Ctrl-C. Throws Unfinished if the picture is not that of the scene as it is then.
+  /// Until Ctrl-C. Throws CommandExit if the picture is not that of the scene as it is then.
   void Run() {
     const Interrupt interrupt;
     int code = kMade;
@@ -65,12 +65,12 @@ class SceneWatch {
       AwaitChange(interrupt);
     }
     if (code != kMade) {
-      throw Unfinished(code, {});
+      throw CommandExit(code, {});
     }
     scene_.Look();
     if (!IsUpToDate()) {
-      throw Unfinished(kInterrupted,
-                       {options_.output + ": interrupted before the picture was made again"});
+      throw CommandExit(kInterrupted,
+                        {options_.output + ": interrupted before the picture was made again"});
     }
   }
 

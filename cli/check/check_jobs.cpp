@@ -30,15 +30,15 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using json = nlohmann::ordered_json;
 
-/// The program that holds the checks, beside this one. Throws Unfinished if it is missing.
+/// The program that holds the checks, beside this one. Throws CommandExit if it is missing.
 std::string CheckWorker() {
   std::filesystem::path file = ThisProgram();
   file.replace_filename("tarvo-check-worker" + file.extension().string());
   std::error_code ignored;
   if (!std::filesystem::exists(file, ignored)) {
-    throw Unfinished(kCannotRun,
-                     {file.string() + ": missing; \"tarvo check\" needs this program, which is "
-                                      "built with tarvo where GoogleTest is installed"});
+    throw CommandExit(kCannotRun,
+                      {file.string() + ": missing; \"tarvo check\" needs this program, which is "
+                                       "built with tarvo where GoogleTest is installed"});
   }
   return file.string();
 }
@@ -150,7 +150,7 @@ check::Result ResultOf(const CheckOptions& options, const check::Check& check,
                               (outcome.result ? " after the check" : "") + ", " + where);
   } else if (!outcome.result) {
     result.messages.push_back("its process ended without a result, " + where);
-  } else if (!outcome.end.told) {
+  } else if (!outcome.end.announcedExitCode) {
     result.verdict = check::Verdict::kCrashed;
     result.messages.push_back("its process ended too early after the check, " + where);
   }
@@ -180,7 +180,7 @@ class Jobs {
       std::rethrow_exception(error_);
     }
     if (interrupt_.Came()) {
-      throw Unfinished(kInterrupted, {"interrupted"});
+      throw CommandExit(kInterrupted, {"interrupted"});
     }
   }
 
@@ -225,12 +225,12 @@ class Jobs {
   std::exception_ptr error_;
 };
 
-/// Throws Unfinished when the user interrupts.
+/// Throws CommandExit when the user interrupts.
 JobOutcome RunAlone(const CheckOrder& order, const CheckOptions& options, const Console& console) {
   const Interrupt interrupt;
   JobOutcome outcome = RunJob(order, options, console, [&interrupt] { return interrupt.Came(); });
   if (interrupt.Came()) {
-    throw Unfinished(kInterrupted, {"interrupted"});
+    throw CommandExit(kInterrupted, {"interrupted"});
   }
   return outcome;
 }

@@ -9,7 +9,7 @@
 
 /// \file
 /// Checks in processes of the program tarvo-check-worker, which lies beside this one. All functions
-/// throw ProcessError when it cannot be started, and Unfinished when it is
+/// throw ProcessError when it cannot be started, and CommandExit when it is
 /// missing or the user interrupts.
 
 namespace tarvo {

@@ -150,7 +150,7 @@ int CheckReport::End() const {
   if (json_ || !isLoaded) {
     console_.err << LinesForTerminal(Verdict()) << std::endl;
   } else {
-    Tell(console_, LinesForTerminal(Verdict()) + "\n");
+    PrintResult(console_, LinesForTerminal(Verdict()) + "\n");
   }
   if (!isLoaded) {
     return kCannotRun;

@@ -47,8 +47,8 @@ void WriteReport(const CheckOptions& options, const CheckReport& report) {
   try {
     WriteWholeFile(options.junit, report.JUnit());
   } catch (const FileError& error) {
-    throw Unfinished(kIncomplete, {"--junit: " + options.junit + ": " + error.what() +
-                                   "; the report is missing"});
+    throw CommandExit(kIncomplete, {"--junit: " + options.junit + ": " + error.what() +
+                                    "; the report is missing"});
   }
 }
 
@@ -70,7 +70,7 @@ void CarryOut(const CheckOptions& options, const CheckRunner& runner, const Cons
   const int code = report.End();
   WriteReport(options, report);
   if (code != kMade) {
-    throw Unfinished(code, {});
+    throw CommandExit(code, {});
   }
 }
 

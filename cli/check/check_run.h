@@ -21,7 +21,7 @@ struct CheckRunner {
 };
 
 /// Carries out the options of `tarvo check`: chooses checks, has them run, says the verdict and
-/// writes the report. Throws InputError, and Unfinished if the verdict is not "conformant" or the
+/// writes the report. Throws InputError, and CommandExit if the verdict is not "conformant" or the
 /// report is missing.
 void CarryOut(const CheckOptions& options, const CheckRunner& runner, const Console& console);
 

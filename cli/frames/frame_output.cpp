@@ -86,7 +86,7 @@ void FrameStream::Take(int /*frame*/, const Picture& picture) {
     stream_ << EncodePng(picture);
   }
   if (!stream_.flush()) {
-    throw Unfinished(kOutputLost, {});  // the reason is said at the end of every command
+    throw CommandExit(kOutputLost, {});  // the reason is said at the end of every command
   }
 }
 

@@ -34,7 +34,7 @@ class FrameOutput {
   FrameOutput& operator=(const FrameOutput&) = delete;
   virtual ~FrameOutput() = default;
 
-  /// Throws InputError when it cannot be written, and Unfinished where that is standard output.
+  /// Throws InputError when it cannot be written, and CommandExit where that is standard output.
   virtual void Take(int frame, const Picture& picture) = 0;
   /// All pictures are there. What needs them all is made now or never.
   virtual void Commit() {}

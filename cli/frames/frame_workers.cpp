@@ -61,10 +61,10 @@ SceneSummary FrameWorkers::AwaitScene() {
     AwaitAny();
   }
   if (interrupt.Came()) {
-    throw Unfinished(kInterrupted, {"interrupted"});
+    throw CommandExit(kInterrupted, {"interrupted"});
   }
   if (failure_) {
-    throw Unfinished(*failure_);
+    throw CommandExit(*failure_);
   }
   return jobs_.front().scene.value();
 }
@@ -148,9 +148,9 @@ void FrameWorkers::TakeScene(Job& job) {
     return;
   }
   isMixed_ = true;
-  failure_ = Unfinished(kWrongInput,
-                        {settings_.scene.scene +
-                         ": it or one of its images changed while they were read; run this again"});
+  failure_ = CommandExit(
+      kWrongInput, {settings_.scene.scene +
+                    ": it or one of its images changed while they were read; run this again"});
   for (Job& any : jobs_) {
     any.worker.Stop();
   }
@@ -199,11 +199,11 @@ void FrameWorkers::PumpAll() {
 }
 
 void FrameWorkers::NoteEnd(const Job& job) {
-  std::optional<Unfinished> failure = FailureOf(job.worker.End(), limit_);
+  std::optional<CommandExit> failure = FailureOf(job.worker.End(), limit_);
   if (!failure && (!job.scene || job.sent < job.frames.size())) {
-    failure = Unfinished(kPluginFault,
-                         {"the process that runs the plug-in sent " + std::to_string(job.sent) +
-                          " of " + std::to_string(job.frames.size()) + " frames"});
+    failure = CommandExit(kPluginFault,
+                          {"the process that runs the plug-in sent " + std::to_string(job.sent) +
+                           " of " + std::to_string(job.frames.size()) + " frames"});
   }
   if (!failure || failure_) {
     return;
@@ -212,7 +212,7 @@ void FrameWorkers::NoteEnd(const Job& job) {
   if (jobs_.size() > 1 && !lines.empty()) {
     lines.front().insert(0, job.worker.Name() + ": ");
   }
-  failure_ = Unfinished(failure->Code(), lines);
+  failure_ = CommandExit(failure->Code(), lines);
 }
 
 bool FrameWorkers::AllAreOver() const {

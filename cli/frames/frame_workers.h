@@ -21,7 +21,7 @@ class FrameWorkers {
   /// all references outlive this object.
   FrameWorkers(const RenderSettings& settings, const Console& console);
 
-  /// The scene, once the first worker has read it. Throws Unfinished when it could not, or when an
+  /// The scene, once the first worker has read it. Throws CommandExit when it could not, or when an
   /// interrupt came.
   SceneSummary AwaitScene();
   /// Starts as many workers as the settings ask for, but not more than there are frames. Each reads
@@ -38,7 +38,7 @@ class FrameWorkers {
   std::optional<RenderedFrame> Next();
   /// The first failure, if there was any: what FailureOf says, behind the name of the worker where
   /// there are several.
-  [[nodiscard]] const std::optional<Unfinished>& Failure() const { return failure_; }
+  [[nodiscard]] const std::optional<CommandExit>& Failure() const { return failure_; }
   /// Of a single worker that has sent all its frames.
   [[nodiscard]] std::optional<RunStatistics> Statistics() const {
     return jobs_.size() == 1 ? statistics_ : std::nullopt;
@@ -73,7 +73,7 @@ class FrameWorkers {
   std::size_t total_ = 0;
   std::size_t taken_ = 0;
   std::optional<std::pair<int, int>> size_;
-  std::optional<Unfinished> failure_;
+  std::optional<CommandExit> failure_;
   std::optional<RunStatistics> statistics_;
 };
 

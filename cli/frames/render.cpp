@@ -26,10 +26,10 @@ RenderedFrame RenderInWorker(FrameWorkers& workers, const std::vector<int>& fram
   while (workers.Next()) {  // none: it returns once the worker has ended
   }
   if (interrupt.Came()) {
-    throw Unfinished(kInterrupted, {"interrupted"});
+    throw CommandExit(kInterrupted, {"interrupted"});
   }
   if (workers.Failure()) {
-    throw Unfinished(*workers.Failure());
+    throw CommandExit(*workers.Failure());
   }
   return *std::move(rendered);
 }
@@ -44,9 +44,10 @@ void RenderPicture(const RenderSettings& settings, const PictureComposer& compos
   }
   WritePicture(settings.output, picture, settings.sync);
   if (!settings.quiet) {
-    Tell(console, settings.output + ": " + std::to_string(picture.width) + "x" +
-                      std::to_string(picture.height) + ", " + std::to_string(rendered.pieces) +
-                      " pieces, " + std::to_string(std::lround(rendered.milliseconds)) + " ms\n");
+    PrintResult(console, settings.output + ": " + std::to_string(picture.width) + "x" +
+                             std::to_string(picture.height) + ", " +
+                             std::to_string(rendered.pieces) + " pieces, " +
+                             std::to_string(std::lround(rendered.milliseconds)) + " ms\n");
   }
 }
 

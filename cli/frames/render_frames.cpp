@@ -47,7 +47,7 @@ class FrameRender {
     }
     if (const std::vector<int> missing = Missing(); !missing.empty()) {
       List(missing);
-      throw Unfinished(kIncomplete, {settings_.output + ": not all frames are there"});
+      throw CommandExit(kIncomplete, {settings_.output + ": not all frames are there"});
     }
   }
 
@@ -146,7 +146,7 @@ class FrameRender {
       }
     }
     if (interrupt.Came()) {
-      throw Unfinished(kInterrupted, ResumeHint("interrupted", progress.Count(), frames.size()));
+      throw CommandExit(kInterrupted, ResumeHint("interrupted", progress.Count(), frames.size()));
     }
     progress.End();
     SayMade(progress, statistics);
@@ -197,7 +197,7 @@ class FrameRender {
 
   /// Not where the plug-in answered with an error: it would do so again. Nor where the scene
   /// changed: frames of the new one do not go with those of the old one.
-  static Unfinished WithHint(const Unfinished& failure, const std::vector<std::string>& hint) {
+  static CommandExit WithHint(const CommandExit& failure, const std::vector<std::string>& hint) {
     std::vector<std::string> lines = failure.Lines();
     if (!lines.empty() && failure.Code() != kWrongInput) {
       lines.insert(lines.end(), hint.begin(), hint.end());
@@ -226,7 +226,7 @@ class FrameRender {
       return;
     }
     if (progress.Count() == 0) {
-      Tell(console_, settings_.output + ": no frame is missing\n");
+      PrintResult(console_, settings_.output + ": no frame is missing\n");
       return;
     }
     std::ostringstream line;
@@ -239,7 +239,7 @@ class FrameRender {
     } else {
       line << ")";
     }
-    Tell(console_, line.str() + "\n");
+    PrintResult(console_, line.str() + "\n");
   }
 
   const RenderSettings& settings_;

@@ -10,7 +10,7 @@
 namespace tarvo {
 
 /// Renders frames of an animation, `rate` of them a second, into files, a movie or standard output,
-/// and says what it made. Throws Unfinished when it was interrupted or a frame's file is not as it
+/// and says what it made. Throws CommandExit when it was interrupted or a frame's file is not as it
 /// should be at the end, and what its parts throw; whatever the reason, missing files are listed.
 /// REQUIRES: the workers have read the scene and were not started.
 void RenderFrames(const RenderSettings& settings, const PictureComposer& composer, double rate,

@@ -4,7 +4,7 @@
 
 namespace tarvo {
 
-void Tell(const Console& console, const std::string& text) {
+void PrintResult(const Console& console, const std::string& text) {
   if (!(console.out << text << std::flush)) {
     console.err << text;
   }

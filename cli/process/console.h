@@ -23,10 +23,11 @@ enum ExitCode : int {
   kInterrupted = 130,
 };
 
-/// The command ends before its work is done, with a code other than those of the errors.
-class Unfinished : public std::runtime_error {
+/// Ends a command with this exit code; `lines` go to standard error. Also of a command that has
+/// done its work: its result may be a code other than 0.
+class CommandExit : public std::runtime_error {
  public:
-  Unfinished(int exitCode, std::vector<std::string> lines)
+  CommandExit(int exitCode, std::vector<std::string> lines)
       : std::runtime_error(lines.empty() ? "" : lines.front()),
         code_(exitCode),
         lines_(std::move(lines)) {}
@@ -39,7 +40,7 @@ class Unfinished : public std::runtime_error {
   std::vector<std::string> lines_;
 };
 
-/// Where a command writes: what was made to `out`, everything else to `err`.
+/// Where a command writes: its results to `out`, everything else to `err`.
 struct Console {
   std::ostream& out;
   std::ostream& err;
@@ -49,8 +50,8 @@ struct Console {
   std::vector<std::string> words = {};
 };
 
-/// Writes what was made or found to `out`, or to `err` where `out` cannot be written: it stays
-/// told.
-void Tell(const Console& console, const std::string& text);
+/// Writes a result to `out`, and falls back to `err` where `out` cannot be written, so that the
+/// result is not lost.
+void PrintResult(const Console& console, const std::string& text);
 
 }  // namespace tarvo

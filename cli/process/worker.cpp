@@ -97,7 +97,7 @@ void Worker::Refuse(const std::string& damage) {
 }
 
 WorkerEnd Worker::End() const {
-  return {.told = told_,
+  return {.announcedExitCode = announcedExitCode_,
           .code = process_.EndCode(),
           .timedOut = timedOut_,
           .damage = damage_,
@@ -178,7 +178,7 @@ bool Worker::ReadMessages() {
 }
 
 void Worker::TakeIn(Message message) {
-  if (told_) {
+  if (announcedExitCode_) {
     throw MessageError("a message after the last one");
   }
   switch (message.kind) {
@@ -189,7 +189,7 @@ void Worker::TakeIn(Message message) {
       WriteInTurn([&] { console_->err << message.bytes << std::flush; });
       return;
     case MessageKind::kEnd:
-      told_ = ExitCodeFrom(message);
+      announcedExitCode_ = ExitCodeFrom(message);
       since_ = Clock::now();
       return;
     default:
@@ -227,7 +227,7 @@ void Worker::WatchTime() {
     ownWork_ = {};
   }
   // Between two commands the stand-in itself is running, or its parent has not read yet.
-  const bool isWatched = isWhole || record.depth > 0 || told_;
+  const bool isWatched = isWhole || record.depth > 0 || announcedExitCode_;
   const std::chrono::duration<double> spent = now - since_;
   if (isWatched && !timedOut_ && spent.count() > limit_.seconds) {
     timedOut_ = true;
@@ -241,34 +241,34 @@ std::string SecondsText(double seconds) {
   return text.str();
 }
 
-std::optional<Unfinished> FailureOf(const WorkerEnd& end, const TimeLimit& limit) {
+std::optional<CommandExit> FailureOf(const WorkerEnd& end, const TimeLimit& limit) {
   if (end.IsGood()) {
     return std::nullopt;
   }
   const std::string details = " (" + ShortEndText(end.code) + "); " + end.hostCall;
-  if (end.ranOutOfMemory && !end.told) {
-    return Unfinished(kCannotRun, {"tarvo: out of memory " + end.place});
+  if (end.ranOutOfMemory && !end.announcedExitCode) {
+    return CommandExit(kCannotRun, {"tarvo: out of memory " + end.place});
   }
   if (!end.damage.empty()) {
-    return Unfinished(kPluginFault, {"the channel from the plug-in's process was damaged " +
-                                     end.place + " (" + end.damage + "); " + end.hostCall});
+    return CommandExit(kPluginFault, {"the channel from the plug-in's process was damaged " +
+                                      end.place + " (" + end.damage + "); " + end.hostCall});
   }
   if (end.timedOut) {
-    return Unfinished(kPluginFault, {"the plug-in hung " + end.place + " (no end within " +
-                                     SecondsText(limit.seconds) + "); " + end.hostCall +
-                                     "; --time-limit sets what a command may take"});
+    return CommandExit(kPluginFault, {"the plug-in hung " + end.place + " (no end within " +
+                                      SecondsText(limit.seconds) + "); " + end.hostCall +
+                                      "; --time-limit sets what a command may take"});
   }
-  if (end.told && *end.told == end.code) {
-    return Unfinished(end.code, {});
+  if (end.announcedExitCode && *end.announcedExitCode == end.code) {
+    return CommandExit(end.code, {});
   }
   if (Process::WasCrash(end.code)) {
-    return Unfinished(kPluginFault, {"the plug-in crashed " + end.place + details});
+    return CommandExit(kPluginFault, {"the plug-in crashed " + end.place + details});
   }
   if (Process::WasEndedFromOutside(end.code) || end.code == Process::kUnknownEnd) {
-    return Unfinished(kIncomplete, {"the process that runs the plug-in was ended from outside, " +
-                                    end.place + details});
+    return CommandExit(kIncomplete, {"the process that runs the plug-in was ended from outside, " +
+                                     end.place + details});
   }
-  return Unfinished(kPluginFault, {"the plug-in ended the program " + end.place + details});
+  return CommandExit(kPluginFault, {"the plug-in ended the program " + end.place + details});
 }
 
 }  // namespace tarvo

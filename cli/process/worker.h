@@ -26,17 +26,17 @@ struct TimeLimit {
 
 /// How a worker ended.
 struct WorkerEnd {
-  std::optional<int> told;  ///< the exit code that it announced; none if it did not come so far
-  int code = 0;             ///< what Process::Wait says
+  std::optional<int> announcedExitCode;  ///< none if it ended before it sent one
+  int code = 0;                          ///< what Process::Wait says
   bool timedOut = false;
   std::string damage;  ///< what was wrong with its messages; empty if nothing was
   bool ranOutOfMemory = false;
   std::string place;     ///< where the plug-in was: PlaceText
   std::string hostCall;  ///< HostCallText
 
-  /// True iff it did what it was started for, and said so.
+  /// True iff it did what it was started for and announced exit code 0.
   [[nodiscard]] bool IsGood() const {
-    return told == kMade && code == kMade && !timedOut && damage.empty();
+    return announcedExitCode == kMade && code == kMade && !timedOut && damage.empty();
   }
 };
 
@@ -107,7 +107,7 @@ class Worker {
   Clock::duration writing_;                 ///< what its thread had spent on writing then
   Clock::duration passing_;                 ///< and on reading and preparing
   Clock::duration ownWork_{};               ///< that did not count since the last change
-  std::optional<int> told_;
+  std::optional<int> announcedExitCode_;
   bool timedOut_ = false;
   bool isOver_ = false;
   std::string damage_;
@@ -121,7 +121,7 @@ std::vector<std::string> OwnCommandLine(const Console& console);
 
 /// Why a worker did not do what it was started for: a sentence and the exit code for it, or no
 /// sentence where the worker itself has said why. None if it is good.
-std::optional<Unfinished> FailureOf(const WorkerEnd& end, const TimeLimit& limit);
+std::optional<CommandExit> FailureOf(const WorkerEnd& end, const TimeLimit& limit);
 
 /// "120 s"
 std::string SecondsText(double seconds);

@@ -109,7 +109,7 @@ int Try(const std::function<void()>& work, const Console& console) {
     return kMade;
   } catch (const InputError& error) {
     return Fail(console, kWrongInput, error.Lines());
-  } catch (const Unfinished& error) {
+  } catch (const CommandExit& error) {
     return Fail(console, error.Code(), error.Lines());
   } catch (const PluginError& error) {
     return Fail(console, kPluginFault, error.Lines());
