@@ -40,30 +40,30 @@ std::string MessageOf(const TestPartResult& part) {
          part.message();
 }
 
-Verdict VerdictOf(const testing::TestResult& result) {
+Outcome OutcomeOf(const testing::TestResult& result) {
   if (result.Failed()) {
-    return Verdict::kFailed;
+    return Outcome::kFailed;
   }
-  return result.Skipped() ? Verdict::kSkipped : Verdict::kPassed;
+  return result.Skipped() ? Outcome::kSkipped : Outcome::kPassed;
 }
 
 Result ResultOf(const TestInfo& info) {
   constexpr double kMilliseconds = 1000;
-  const testing::TestResult& outcome = *info.result();
+  const testing::TestResult& testResult = *info.result();
   Result result{.name = FullName(info),
                 .requirement = RequirementOf(FullName(info)),
-                .verdict = VerdictOf(outcome),
-                .seconds = static_cast<double>(outcome.elapsed_time()) / kMilliseconds,
+                .outcome = OutcomeOf(testResult),
+                .seconds = static_cast<double>(testResult.elapsed_time()) / kMilliseconds,
                 .messages = {},
                 .figures = {}};
-  for (int i = 0; i < outcome.total_part_count(); ++i) {
-    const TestPartResult& part = outcome.GetTestPartResult(i);
+  for (int i = 0; i < testResult.total_part_count(); ++i) {
+    const TestPartResult& part = testResult.GetTestPartResult(i);
     if (!part.passed()) {
       result.messages.push_back(MessageOf(part));
     }
   }
-  for (int i = 0; i < outcome.test_property_count(); ++i) {
-    const testing::TestProperty& property = outcome.GetTestProperty(i);
+  for (int i = 0; i < testResult.test_property_count(); ++i) {
+    const testing::TestProperty& property = testResult.GetTestProperty(i);
     result.figures.emplace_back(property.key(), property.value());
   }
   return result;

@@ -1,8 +1,8 @@
 #include <memory>
 #include <vector>
 
-#include "cli/check/check_jobs.h"
 #include "cli/check/check_options.h"
+#include "cli/check/check_processes.h"
 #include "cli/check/check_run.h"
 #include "cli/command.h"
 #include "cli/options/scene_options.h"
@@ -19,7 +19,7 @@ void Check(CheckOptions options, const Console& console) {
             .run =
                 [&](const std::vector<check::Check>& checks, const TakeResult& take) {
                   ExpectLoadable(options, console);
-                  RunInJobs(options, checks, console, take);
+                  RunInProcesses(options, checks, console, take);
                 }},
            console);
 }

@@ -12,7 +12,7 @@ std::optional<Picture> RunWorker(const SceneOptions& options, const Console& con
   const TimeLimit limit{.seconds = options.timeLimit};
   const Interrupt interrupt;
   Worker worker(OwnCommandLine(console), console.words.front(), limit, console);
-  worker.Order("");
+  worker.SendJob("");
   std::optional<Picture> picture;
   while (!worker.IsOver()) {
     Worker::AwaitAny({&worker});

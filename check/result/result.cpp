@@ -10,22 +10,22 @@
 namespace check {
 namespace {
 
-constexpr std::array<const char*, 5> kVerdicts = {"passed", "failed", "skipped", "crashed",
+constexpr std::array<const char*, 5> kOutcomes = {"passed", "failed", "skipped", "crashed",
                                                   "timed out"};
 
-Verdict VerdictNamed(const std::string& name) {
-  const auto* const found = std::ranges::find(kVerdicts, name);
-  if (found == kVerdicts.end()) {
+Outcome OutcomeNamed(const std::string& name) {
+  const auto* const found = std::ranges::find(kOutcomes, name);
+  if (found == kOutcomes.end()) {
     throw std::invalid_argument("no verdict: " + name);
   }
-  return static_cast<Verdict>(found - kVerdicts.begin());
+  return static_cast<Outcome>(found - kOutcomes.begin());
 }
 
 }  // namespace
 
-std::string Name(Verdict verdict) { return kVerdicts.at(static_cast<std::size_t>(verdict)); }
+std::string Name(Outcome outcome) { return kOutcomes.at(static_cast<std::size_t>(outcome)); }
 
-bool IsBad(Verdict verdict) { return verdict != Verdict::kPassed && verdict != Verdict::kSkipped; }
+bool IsBad(Outcome outcome) { return outcome != Outcome::kPassed && outcome != Outcome::kSkipped; }
 
 nlohmann::ordered_json ToJson(const Result& result) {
   nlohmann::ordered_json figures = nlohmann::ordered_json::object();
@@ -34,7 +34,7 @@ nlohmann::ordered_json ToJson(const Result& result) {
   }
   return {{"name", result.name},
           {"requirement", result.requirement},
-          {"result", Name(result.verdict)},
+          {"result", Name(result.outcome)},
           {"seconds", result.seconds},
           {"messages", result.messages},
           {"figures", figures}};
@@ -43,7 +43,7 @@ nlohmann::ordered_json ToJson(const Result& result) {
 Result ResultFrom(const nlohmann::ordered_json& json) {
   Result result{.name = json.at("name"),
                 .requirement = json.at("requirement"),
-                .verdict = VerdictNamed(json.at("result")),
+                .outcome = OutcomeNamed(json.at("result")),
                 .seconds = json.at("seconds"),
                 .messages = json.at("messages"),
                 .figures = {}};

@@ -8,13 +8,14 @@
 
 namespace check {
 
-/// How a check ends. Crashed and timed out are determined outside its process.
-enum class Verdict { kPassed, kFailed, kSkipped, kCrashed, kTimedOut };
+/// How a check ended. Crashed and timed out are determined outside its process. (The verdict is
+/// that on the build.)
+enum class Outcome { kPassed, kFailed, kSkipped, kCrashed, kTimedOut };
 
 struct Result {
   std::string name;
   std::string requirement;
-  Verdict verdict = Verdict::kPassed;
+  Outcome outcome = Outcome::kPassed;
   double seconds = 0;
   /// What was expected and what came, with the place in the sources; or why it was skipped, or how
   /// the process ended.
@@ -24,9 +25,9 @@ struct Result {
 };
 
 /// "passed", "failed", "skipped", "crashed", "timed out".
-std::string Name(Verdict verdict);
+std::string Name(Outcome outcome);
 /// True iff the build is at fault.
-bool IsBad(Verdict verdict);
+bool IsBad(Outcome outcome);
 
 nlohmann::ordered_json ToJson(const Result& result);
 /// Reads what ToJson made. Throws nlohmann::json::exception for anything else.

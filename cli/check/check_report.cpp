@@ -15,9 +15,9 @@ namespace {
 using check::Name;
 using check::Result;
 
-constexpr check::Verdict kVerdicts[] = {check::Verdict::kFailed, check::Verdict::kCrashed,
-                                        check::Verdict::kTimedOut, check::Verdict::kPassed,
-                                        check::Verdict::kSkipped};
+constexpr check::Outcome kOutcomes[] = {check::Outcome::kFailed, check::Outcome::kCrashed,
+                                        check::Outcome::kTimedOut, check::Outcome::kPassed,
+                                        check::Outcome::kSkipped};
 
 std::string Indented(const std::string& text) {
   constexpr const char* kIndent = "    ";
@@ -34,9 +34,9 @@ std::string Indented(const std::string& text) {
 
 std::string TextOf(const Result& result) {
   std::ostringstream text;
-  text << std::left << std::setw(10) << Name(result.verdict) << std::right << std::fixed
+  text << std::left << std::setw(10) << Name(result.outcome) << std::right << std::fixed
        << std::setprecision(2) << std::setw(7) << result.seconds << " s  " << result.name << '\n';
-  if (check::IsBad(result.verdict)) {
+  if (check::IsBad(result.outcome)) {
     text << Indented("requirement: " + result.requirement);
   }
   for (const std::string& message : result.messages) {
@@ -57,13 +57,13 @@ std::string Joined(const std::vector<std::string>& lines) {
 }
 
 /// The element of JUnit's that says how a check ended; none for one that passed.
-std::string ElementOf(check::Verdict verdict) {
-  switch (verdict) {
-    case check::Verdict::kPassed:
+std::string ElementOf(check::Outcome outcome) {
+  switch (outcome) {
+    case check::Outcome::kPassed:
       return "";
-    case check::Verdict::kSkipped:
+    case check::Outcome::kSkipped:
       return "skipped";
-    case check::Verdict::kFailed:
+    case check::Outcome::kFailed:
       return "failure";
     default:
       return "error";
@@ -82,8 +82,8 @@ std::string TestCase(const Result& result) {
     }
     text << "</properties>";
   }
-  if (const std::string element = ElementOf(result.verdict); !element.empty()) {
-    text << "<" << element << " message=\"" << ForXml(Name(result.verdict)) << "\">"
+  if (const std::string element = ElementOf(result.outcome); !element.empty()) {
+    text << "<" << element << " message=\"" << ForXml(Name(result.outcome)) << "\">"
          << ForXml(Joined(result.messages)) << "</" << element << ">";
   }
   text << "</testcase>\n";
@@ -99,32 +99,32 @@ void CheckReport::Take(const Result& result) {
   }
 }
 
-std::size_t CheckReport::Count(check::Verdict verdict) const {
-  return static_cast<std::size_t>(std::ranges::count(results_, verdict, &Result::verdict));
+std::size_t CheckReport::Count(check::Outcome outcome) const {
+  return static_cast<std::size_t>(std::ranges::count(results_, outcome, &Result::outcome));
 }
 
 bool CheckReport::IsConformant() const {
-  return Count(check::Verdict::kPassed) != 0 &&
-         std::ranges::none_of(results_, check::IsBad, &Result::verdict);
+  return Count(check::Outcome::kPassed) != 0 &&
+         std::ranges::none_of(results_, check::IsBad, &Result::outcome);
 }
 
 std::string CheckReport::Verdict() const {
   if (!notLoaded_.empty()) {
     return notLoaded_;
   }
-  if (Count(check::Verdict::kSkipped) == results_.size()) {
+  if (Count(check::Outcome::kSkipped) == results_.size()) {
     return "not conformant: nothing was checked, " + std::to_string(results_.size()) + " skipped";
   }
   if (IsConformant()) {
-    const std::size_t passed = Count(check::Verdict::kPassed);
+    const std::size_t passed = Count(check::Outcome::kPassed);
     return "conformant: " + std::to_string(passed) + (passed == 1 ? " check" : " checks") +
-           " passed, " + std::to_string(Count(check::Verdict::kSkipped)) + " skipped";
+           " passed, " + std::to_string(Count(check::Outcome::kSkipped)) + " skipped";
   }
   std::string text;
-  for (const check::Verdict verdict : kVerdicts) {
-    if (const std::size_t count = Count(verdict); count != 0) {
+  for (const check::Outcome outcome : kOutcomes) {
+    if (const std::size_t count = Count(outcome); count != 0) {
       text +=
-          (text.empty() ? "not conformant: " : ", ") + std::to_string(count) + " " + Name(verdict);
+          (text.empty() ? "not conformant: " : ", ") + std::to_string(count) + " " + Name(outcome);
     }
   }
   return text;
@@ -163,12 +163,12 @@ std::string CheckReport::JUnit() const {
     return " " + std::string(what) + "=\"" + std::to_string(count) + "\"";
   };
   const std::size_t notLoaded = notLoaded_.empty() ? 0 : 1;
-  const std::size_t errors = Count(check::Verdict::kCrashed) + Count(check::Verdict::kTimedOut);
+  const std::size_t errors = Count(check::Outcome::kCrashed) + Count(check::Outcome::kTimedOut);
   std::string text = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<testsuite name=\"tarvo check\"" +
                      counted("tests", results_.size() + notLoaded) +
-                     counted("failures", Count(check::Verdict::kFailed)) +
+                     counted("failures", Count(check::Outcome::kFailed)) +
                      counted("errors", errors + notLoaded) +
-                     counted("skipped", Count(check::Verdict::kSkipped)) + ">\n";
+                     counted("skipped", Count(check::Outcome::kSkipped)) + ">\n";
   if (notLoaded != 0) {
     text += R"(  <testcase classname="Build" name="CanBeLoaded"><error message=")" +
             ForXml(notLoaded_) + "\"/></testcase>\n";

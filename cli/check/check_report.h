@@ -29,7 +29,7 @@ class CheckReport {
   [[nodiscard]] std::string JUnit() const;
 
  private:
-  [[nodiscard]] std::size_t Count(check::Verdict verdict) const;
+  [[nodiscard]] std::size_t Count(check::Outcome outcome) const;
   [[nodiscard]] bool IsConformant() const;
   [[nodiscard]] std::string Verdict() const;
   [[nodiscard]] std::string Json() const;

@@ -20,7 +20,7 @@ struct CheckRunner {
   std::function<void(const std::vector<check::Check>&, const TakeResult&)> run;
 };
 
-/// Carries out the options of `tarvo check`: chooses checks, has them run, says the verdict and
+/// Carries out the options of `tarvo check`: chooses checks, has them run, prints the verdict and
 /// writes the report. Throws InputError, and CommandExit if the verdict is not "conformant" or the
 /// report is missing.
 void CarryOut(const CheckOptions& options, const CheckRunner& runner, const Console& console);

@@ -14,8 +14,8 @@
 #include "check/run.h"
 #include "check/support/plugin_under_check.h"
 #include "check/support/settings.h"
+#include "cli/check/check_job.h"
 #include "cli/check/check_options.h"
-#include "cli/check/check_order.h"
 #include "cli/check/check_run.h"
 #include "cli/options/scene_options.h"
 #include "cli/process/messages.h"
@@ -27,11 +27,11 @@
 namespace tarvo {
 namespace {
 
-void TakeOverSettings(const CheckOrder& order, const Console& console) {
-  check::TheSettings().isLong = order.isLong;
-  check::TheSettings().failsEveryCall = order.isLong;
-  check::TheSettings().seed = order.seed;
-  if (order.trace) {
+void TakeOverSettings(const CheckJob& job, const Console& console) {
+  check::TheSettings().isLong = job.isLong;
+  check::TheSettings().failsEveryCall = job.isLong;
+  check::TheSettings().seed = job.seed;
+  if (job.trace) {
     standin::FaultInjector::TraceAll(
         [&err = console.err](std::string_view line) { err << ForTerminal(line) << '\n'; });
   }
@@ -59,19 +59,19 @@ std::vector<check::Check> Named(const std::vector<std::string>& names) {
 }
 
 /// As a worker; the plug-in is the one word of its command line.
-void RunOrder(const CheckOrder& order, const Console& console) {
+void CarryOutJob(const CheckJob& job, const Console& console) {
   MessageWriter& channel = *console.channel;
-  if (order.lists) {
+  if (job.lists) {
     return channel.Send(MessageKind::kChecks, Bytes(check::ToJson(check::AllChecks())));
   }
-  TakeOverSettings(order, console);
+  TakeOverSettings(job, console);
   try {
     Load(console.words.at(0));
   } catch (const std::exception& error) {
     return channel.Send(MessageKind::kNotLoaded, error.what());
   }
   channel.Send(MessageKind::kLoaded, "");
-  check::RunHere(Named(order.checks), [&](const check::Result& result) {
+  check::RunHere(Named(job.checks), [&](const check::Result& result) {
     channel.Send(MessageKind::kResult, Bytes(check::ToJson(result)));
   });
 }
@@ -84,7 +84,7 @@ void RunForUser(CheckOptions options, const Console& console) {
            {.list = [] { return check::AllChecks(); },
             .run =
                 [&](const std::vector<check::Check>& checks, const TakeResult& take) {
-                  TakeOverSettings(OrderOf(options, {}), console);
+                  TakeOverSettings(JobFor(options, {}), console);
                   Load(options.plugin);
                   check::RunHere(checks, take);
                 }},
@@ -95,7 +95,7 @@ void RunForUser(CheckOptions options, const Console& console) {
 
 int RunCheckWorker(const Console& console) {
   if (console.channel != nullptr) {
-    return Try([&] { RunOrder(CheckOrderFrom(ReadOrder()), console); }, console);
+    return Try([&] { CarryOutJob(CheckJobFrom(ReadJob()), console); }, console);
   }
   CLI::App program(
       "Runs the checks of `tarvo check` in its own process, for a debugger: in their order, "

@@ -16,22 +16,21 @@ namespace tarvo {
 namespace {
 
 /// What a worker is to render, as it is sent to it.
-struct FrameOrder {
+struct FrameJob {
   std::vector<int> frames;
   bool cropsToLayer = false;
 };
 
-std::string OrderText(const FrameOrder& order) {
-  return nlohmann::json{{"frames", FrameListText(order.frames)},
-                        {"cropsToLayer", order.cropsToLayer}}
+std::string JobText(const FrameJob& job) {
+  return nlohmann::json{{"frames", FrameListText(job.frames)}, {"cropsToLayer", job.cropsToLayer}}
       .dump();
 }
 
 /// Of an animation of `count` frames.
-FrameOrder ReadFrameOrder(int count) {
-  const nlohmann::json order = nlohmann::json::parse(ReadOrder());
-  return {.frames = ReadFrameList(order.at("frames").get<std::string>(), count).value(),
-          .cropsToLayer = order.at("cropsToLayer").get<bool>()};
+FrameJob ReadFrameJob(int count) {
+  const nlohmann::json job = nlohmann::json::parse(ReadJob());
+  return {.frames = ReadFrameList(job.at("frames").get<std::string>(), count).value(),
+          .cropsToLayer = job.at("cropsToLayer").get<bool>()};
 }
 
 SceneSummary SummaryOf(const Animation& animation) {
@@ -47,11 +46,11 @@ SceneSummary SummaryOf(const Animation& animation) {
 
 FrameWorkers::FrameWorkers(const RenderSettings& settings, const Console& console)
     : settings_(settings), console_(console), limit_{.seconds = settings.scene.timeLimit} {
-  AddJob();
+  AddWorker();
 }
 
-void FrameWorkers::AddJob() {
-  jobs_.push_back(
+void FrameWorkers::AddWorker() {
+  workers_.push_back(
       {.worker = Worker(OwnCommandLine(console_), console_.words.front(), limit_, console_)});
 }
 
@@ -66,25 +65,25 @@ SceneSummary FrameWorkers::AwaitScene() {
   if (failure_) {
     throw CommandExit(*failure_);
   }
-  return jobs_.front().scene.value();
+  return workers_.front().scene.value();
 }
 
 void FrameWorkers::Start(const std::vector<int>& frames, bool cropsToLayer, bool inOrder) {
   const std::size_t count = std::min(static_cast<std::size_t>(settings_.jobs), frames.size());
   total_ = frames.size();
   inOrder_ = inOrder;
-  while (jobs_.size() < count) {
-    AddJob();
+  while (workers_.size() < count) {
+    AddWorker();
   }
   for (std::size_t number = 0; number < count; ++number) {
-    Job& job = jobs_[number];
+    RunningWorker& running = workers_[number];
     for (std::size_t i = number; i < frames.size(); i += count) {
-      job.frames.push_back(frames[i]);
+      running.frames.push_back(frames[i]);
     }
     if (count > 1) {
-      job.worker.Rename("job " + std::to_string(number + 1));
+      running.worker.Rename("job " + std::to_string(number + 1));
     }
-    job.worker.Order(OrderText({job.frames, cropsToLayer}));
+    running.worker.SendJob(JobText({running.frames, cropsToLayer}));
   }
 }
 
@@ -101,7 +100,7 @@ std::optional<RenderedFrame> FrameWorkers::Next() {
       return std::nullopt;
     }
     if (inOrder_ && taken_ < total_) {
-      Job& due = jobs_[taken_ % jobs_.size()];
+      RunningWorker& due = workers_[taken_ % workers_.size()];
       if (auto frame = TakeFrom(due)) {
         ++taken_;
         return frame;
@@ -110,8 +109,8 @@ std::optional<RenderedFrame> FrameWorkers::Next() {
         return std::nullopt;
       }
     } else {
-      for (Job& job : jobs_) {
-        if (auto frame = TakeFrom(job)) {
+      for (RunningWorker& running : workers_) {
+        if (auto frame = TakeFrom(running)) {
           return frame;
         }
       }
@@ -128,101 +127,103 @@ std::optional<RenderedFrame> FrameWorkers::Next() {
 /// saved while it is rendered: frames of two versions are no animation, and the names of the files
 /// to be made were compared with those of the version that was read first.
 bool FrameWorkers::HaveReadScene() {
-  for (Job& job : jobs_) {
-    if (!job.scene && job.worker.HasMessage()) {
-      TakeScene(job);
+  for (RunningWorker& running : workers_) {
+    if (!running.scene && running.worker.HasMessage()) {
+      TakeScene(running);
     }
   }
-  return std::ranges::all_of(jobs_,
-                             [](const Job& job) { return job.scene || job.worker.IsOver(); });
+  return std::ranges::all_of(workers_, [](const RunningWorker& running) {
+    return running.scene || running.worker.IsOver();
+  });
 }
 
-void FrameWorkers::TakeScene(Job& job) {
+void FrameWorkers::TakeScene(RunningWorker& running) {
   try {
-    job.scene = SummaryFrom(job.worker.Take());
+    running.scene = SummaryFrom(running.worker.Take());
   } catch (const MessageError& error) {
-    return job.worker.Refuse(error.what());
+    return running.worker.Refuse(error.what());
   }
-  const std::optional<SceneSummary>& first = jobs_.front().scene;
-  if (first && first->fingerprint == job.scene->fingerprint) {
+  const std::optional<SceneSummary>& first = workers_.front().scene;
+  if (first && first->fingerprint == running.scene->fingerprint) {
     return;
   }
   isMixed_ = true;
   failure_ = CommandExit(
       kWrongInput, {settings_.scene.scene +
                     ": it or one of its images changed while they were read; run this again"});
-  for (Job& any : jobs_) {
+  for (RunningWorker& any : workers_) {
     any.worker.Stop();
   }
 }
 
 /// The worker's next frame, if it has come. Does not pump: the end of a worker is looked at in one
 /// place.
-std::optional<RenderedFrame> FrameWorkers::TakeFrom(Job& job) {
-  if (!job.worker.HasMessage()) {
+std::optional<RenderedFrame> FrameWorkers::TakeFrom(RunningWorker& running) {
+  if (!running.worker.HasMessage()) {
     return std::nullopt;
   }
   try {
-    const Message message = job.worker.Take();
+    const Message message = running.worker.Take();
     if (message.kind != MessageKind::kStatistics) {
-      return Expected(job, message);
+      return Expected(running, message);
     }
     statistics_ = StatisticsFrom(message);
   } catch (const MessageError& error) {
-    job.worker.Refuse(error.what());
+    running.worker.Refuse(error.what());
   }
   return std::nullopt;
 }
 
-RenderedFrame FrameWorkers::Expected(Job& job, const Message& message) const {
+RenderedFrame FrameWorkers::Expected(RunningWorker& running, const Message& message) const {
   RenderedFrame frame = FrameFrom(message);
-  if (job.sent == job.frames.size() || frame.number != job.frames[job.sent]) {
+  if (running.sent == running.frames.size() || frame.number != running.frames[running.sent]) {
     throw MessageError("frame " + std::to_string(frame.number) + " out of order");
   }
   if (size_ && *size_ != std::pair(frame.picture.width, frame.picture.height)) {
     throw MessageError("a picture of " + std::to_string(frame.picture.width) + "x" +
                        std::to_string(frame.picture.height));
   }
-  ++job.sent;
+  ++running.sent;
   return frame;
 }
 
 void FrameWorkers::PumpAll() {
-  for (Job& job : jobs_) {
-    if (!job.worker.IsOver()) {
-      job.worker.Pump();
+  for (RunningWorker& running : workers_) {
+    if (!running.worker.IsOver()) {
+      running.worker.Pump();
     }
-    if (job.worker.IsOver() && !std::exchange(job.isNoted, true)) {
-      NoteEnd(job);
+    if (running.worker.IsOver() && !std::exchange(running.isNoted, true)) {
+      NoteEnd(running);
     }
   }
 }
 
-void FrameWorkers::NoteEnd(const Job& job) {
-  std::optional<CommandExit> failure = FailureOf(job.worker.End(), limit_);
-  if (!failure && (!job.scene || job.sent < job.frames.size())) {
-    failure = CommandExit(kPluginFault,
-                          {"the process that runs the plug-in sent " + std::to_string(job.sent) +
-                           " of " + std::to_string(job.frames.size()) + " frames"});
+void FrameWorkers::NoteEnd(const RunningWorker& running) {
+  std::optional<CommandExit> failure = FailureOf(running.worker.End(), limit_);
+  if (!failure && (!running.scene || running.sent < running.frames.size())) {
+    failure = CommandExit(
+        kPluginFault, {"the process that runs the plug-in sent " + std::to_string(running.sent) +
+                       " of " + std::to_string(running.frames.size()) + " frames"});
   }
   if (!failure || failure_) {
     return;
   }
   std::vector<std::string> lines = failure->Lines();
-  if (jobs_.size() > 1 && !lines.empty()) {
-    lines.front().insert(0, job.worker.Name() + ": ");
+  if (workers_.size() > 1 && !lines.empty()) {
+    lines.front().insert(0, running.worker.Name() + ": ");
   }
   failure_ = CommandExit(failure->Code(), lines);
 }
 
 bool FrameWorkers::AllAreOver() const {
-  return std::ranges::all_of(jobs_, [](const Job& job) { return job.worker.IsOver(); });
+  return std::ranges::all_of(workers_,
+                             [](const RunningWorker& running) { return running.worker.IsOver(); });
 }
 
 void FrameWorkers::AwaitAny() {
   std::vector<Worker*> workers;
-  for (Job& job : jobs_) {
-    workers.push_back(&job.worker);
+  for (RunningWorker& running : workers_) {
+    workers.push_back(&running.worker);
   }
   Worker::AwaitAny(workers);
 }
@@ -230,24 +231,23 @@ void FrameWorkers::AwaitAny() {
 void SendFrames(const RenderSettings& settings, const Console& console) {
   const Animation animation = ReadAnimation(settings.scene.scene);
   Send(*console.channel, SummaryOf(animation));
-  const FrameOrder order = ReadFrameOrder(animation.count);
+  const FrameJob job = ReadFrameJob(animation.count);
   const PictureComposer composer(settings, animation.scene.width, animation.scene.height);
   RunStatistics statistics;
   HostedPlugin plugin(settings.scene, console);
-  const MessageStatistics traffic = PlayFrames(
-      plugin.TheHost(), animation, order.frames, settings.play,
-      [&](int number, PlayedFrame played) {
+  const MessageStatistics messageStatistics = PlayFrames(
+      plugin.TheHost(), animation, job.frames, settings.play, [&](int number, PlayedFrame played) {
         statistics.pluginMilliseconds += played.milliseconds;
         Send(*console.channel,
              RenderedFrame{.number = number,
                            .picture = composer.Compose(std::move(played.picture), plugin.TheHost(),
-                                                       order.cropsToLayer),
+                                                       job.cropsToLayer),
                            .pieces = played.pieces,
                            .milliseconds = played.milliseconds});
         return true;
       });
-  statistics.messages = traffic.messages;
-  statistics.images = traffic.images;
+  statistics.messages = messageStatistics.messages;
+  statistics.images = messageStatistics.images;
   Send(*console.channel, statistics);
 }
 

@@ -12,7 +12,7 @@
 namespace tarvo {
 
 /// Frames of an animation, rendered by workers. The first one reads the scene and sends its
-/// summary; then all get their frames: each of them every so many-th one.
+/// summary; then worker i of n gets frames i, i + n, i + 2n ... of those to render.
 ///
 ///   AwaitScene Start ExpectSize? Next*
 class FrameWorkers {
@@ -41,12 +41,12 @@ class FrameWorkers {
   [[nodiscard]] const std::optional<CommandExit>& Failure() const { return failure_; }
   /// Of a single worker that has sent all its frames.
   [[nodiscard]] std::optional<RunStatistics> Statistics() const {
-    return jobs_.size() == 1 ? statistics_ : std::nullopt;
+    return workers_.size() == 1 ? statistics_ : std::nullopt;
   }
 
  private:
   /// A worker, and the frames that it has to send.
-  struct Job {
+  struct RunningWorker {
     Worker worker;
     std::vector<int> frames = {};
     std::size_t sent = 0;
@@ -54,20 +54,20 @@ class FrameWorkers {
     bool isNoted = false;  ///< its end was looked at
   };
 
-  void AddJob();
-  void TakeScene(Job& job);
+  void AddWorker();
+  void TakeScene(RunningWorker& running);
   bool HaveReadScene();
-  std::optional<RenderedFrame> TakeFrom(Job& job);
-  RenderedFrame Expected(Job& job, const Message& message) const;
+  std::optional<RenderedFrame> TakeFrom(RunningWorker& running);
+  RenderedFrame Expected(RunningWorker& running, const Message& message) const;
   void PumpAll();
-  void NoteEnd(const Job& job);
+  void NoteEnd(const RunningWorker& running);
   [[nodiscard]] bool AllAreOver() const;
   void AwaitAny();
 
   const RenderSettings& settings_;
   const Console& console_;
   TimeLimit limit_;
-  std::vector<Job> jobs_;
+  std::vector<RunningWorker> workers_;
   bool inOrder_ = false;
   bool isMixed_ = false;  ///< the workers read different versions of the scene
   std::size_t total_ = 0;

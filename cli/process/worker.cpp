@@ -54,15 +54,15 @@ Worker::Worker(const std::vector<std::string>& words, std::string name, TimeLimi
       writing_(tWriting),
       passing_(tPassing) {}
 
-void Worker::Order(std::string_view order) {
+void Worker::SendJob(std::string_view job) {
   try {
-    process_.Write(order.data(), order.size());
+    process_.Write(job.data(), job.size());
   } catch (const ProcessError&) {  // it has ended, and its exit code says why
   }
   process_.CloseInput();
 }
 
-std::string ReadOrder() { return {std::istreambuf_iterator<char>(std::cin), {}}; }
+std::string ReadJob() { return {std::istreambuf_iterator<char>(std::cin), {}}; }
 
 std::vector<std::string> OwnCommandLine(const Console& console) {
   std::vector<std::string> words = console.words;
@@ -220,14 +220,14 @@ void Worker::WatchTime() {
   writing_ = tWriting;
   passing_ = tPassing;
   const standin::CrashRecord& record = process_.Record();
-  const bool isWhole = limit_.of == TimeLimit::Of::kProcess;
-  if (const std::uint64_t changes = record.changes; changes != changes_ && !isWhole) {
+  const bool isOfProcess = limit_.of == TimeLimit::Of::kProcess;
+  if (const std::uint64_t changes = record.changes; changes != changes_ && !isOfProcess) {
     changes_ = changes;
     since_ = now;
     ownWork_ = {};
   }
   // Between two commands the stand-in itself is running, or its parent has not read yet.
-  const bool isWatched = isWhole || record.depth > 0 || announcedExitCode_;
+  const bool isWatched = isOfProcess || record.depth > 0 || announcedExitCode_;
   const std::chrono::duration<double> spent = now - since_;
   if (isWatched && !timedOut_ && spent.count() > limit_.seconds) {
     timedOut_ = true;

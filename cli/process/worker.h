@@ -48,7 +48,7 @@ struct WorkerEnd {
 class Worker {
  public:
   /// `words` are the arguments, with the program's file first; `name` is what its printed lines
-  /// are marked with. Its standard input is empty but for an order. Throws ProcessError. REQUIRES:
+  /// are marked with. Its standard input is empty but for a job. Throws ProcessError. REQUIRES:
   /// the console outlives this object.
   Worker(const std::vector<std::string>& words, std::string name, TimeLimit limit,
          const Console& console);
@@ -56,9 +56,9 @@ class Worker {
   Worker& operator=(Worker&&) = delete;
   ~Worker() = default;
 
-  /// Sends its order, where the command line does not say what to do: ReadOrder is the other end.
+  /// Sends its job, where the command line does not say what to do: ReadJob is the other end.
   /// Once at most.
-  void Order(std::string_view order);
+  void SendJob(std::string_view job);
   /// What its printed lines are marked with from now on.
   void Rename(std::string name) { name_ = std::move(name); }
 
@@ -113,8 +113,8 @@ class Worker {
   std::string damage_;
 };
 
-/// In a worker: the order that it receives; blocks until it has.
-std::string ReadOrder();
+/// In a worker: the job that it receives; blocks until it has.
+std::string ReadJob();
 
 /// The command line of a worker that is this program and does what this process was asked to do.
 std::vector<std::string> OwnCommandLine(const Console& console);

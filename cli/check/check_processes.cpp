@@ -1,4 +1,4 @@
-#include "cli/check/check_jobs.h"
+#include "cli/check/check_processes.h"
 
 #include <algorithm>
 #include <atomic>
@@ -16,7 +16,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "cli/check/check_order.h"
+#include "cli/check/check_job.h"
 #include "cli/process/interrupt.h"
 #include "cli/process/messages.h"
 #include "cli/process/system.h"
@@ -44,7 +44,7 @@ std::string CheckWorker() {
 }
 
 /// What a process that ran a check left.
-struct JobOutcome {
+struct ProcessReport {
   std::vector<check::Check> checks;  ///< that there are
   bool isLoaded = false;
   std::optional<std::string> notLoaded;  ///< why the plug-in cannot be loaded
@@ -65,21 +65,21 @@ auto FromJson(const Message& message, Read read) {
   }
 }
 
-/// Throws MessageError for a message that a worker with this order does not send.
-void TakeIn(const Message& message, const CheckOrder& order, JobOutcome& outcome) {
+/// Throws MessageError for a message that a worker with this job does not send.
+void TakeIn(const Message& message, const CheckJob& job, ProcessReport& report) {
   switch (message.kind) {
     case MessageKind::kChecks:
-      outcome.checks = FromJson(message, check::ChecksFrom);
+      report.checks = FromJson(message, check::ChecksFrom);
       return;
     case MessageKind::kLoaded:
-      outcome.isLoaded = true;
+      report.isLoaded = true;
       return;
     case MessageKind::kNotLoaded:
-      outcome.notLoaded = message.bytes;
+      report.notLoaded = message.bytes;
       return;
     case MessageKind::kResult:
-      outcome.result = FromJson(message, check::ResultFrom);
-      if (std::vector{outcome.result->name} != order.checks) {
+      report.result = FromJson(message, check::ResultFrom);
+      if (std::vector{report.result->name} != job.checks) {
         throw MessageError("the result of another check");
       }
       return;
@@ -89,14 +89,13 @@ void TakeIn(const Message& message, const CheckOrder& order, JobOutcome& outcome
 }
 
 /// Ends the worker at once when `isUnwanted`.
-JobOutcome RunJob(const CheckOrder& order, const CheckOptions& options, const Console& console,
-                  const std::function<bool()>& isUnwanted) {
+ProcessReport RunProcess(const CheckJob& job, const CheckOptions& options, const Console& console,
+                         const std::function<bool()>& isUnwanted) {
   const Clock::time_point start = Clock::now();
-  Worker worker({CheckWorker(), options.plugin},
-                order.checks.empty() ? "check" : order.checks.front(),
+  Worker worker({CheckWorker(), options.plugin}, job.checks.empty() ? "check" : job.checks.front(),
                 {.seconds = options.timeLimit, .of = TimeLimit::Of::kProcess}, console);
-  worker.Order(OrderText(order));
-  JobOutcome outcome;
+  worker.SendJob(JobText(job));
+  ProcessReport report;
   while (!worker.IsOver()) {
     Worker::AwaitAny({&worker});
     worker.Pump();
@@ -105,15 +104,15 @@ JobOutcome RunJob(const CheckOrder& order, const CheckOptions& options, const Co
     }
     if (worker.HasMessage()) {
       try {
-        TakeIn(worker.Take(), order, outcome);
+        TakeIn(worker.Take(), job, report);
       } catch (const MessageError& error) {
         worker.Refuse(error.what());
       }
     }
   }
-  outcome.end = worker.End();
-  outcome.seconds = std::chrono::duration<double>(Clock::now() - start).count();
-  return outcome;
+  report.end = worker.End();
+  report.seconds = std::chrono::duration<double>(Clock::now() - start).count();
+  return report;
 }
 
 std::string TimeUp(double limit) { return "it did not end within " + SecondsText(limit); }
@@ -127,41 +126,41 @@ std::string BadEnd(const WorkerEnd& end) {
 }
 
 check::Result ResultOf(const CheckOptions& options, const check::Check& check,
-                       const JobOutcome& outcome) {
+                       const ProcessReport& report) {
   check::Result result{.name = check.name,
                        .requirement = check.requirement,
-                       .verdict = check::Verdict::kCrashed,
-                       .seconds = outcome.seconds,
+                       .outcome = check::Outcome::kCrashed,
+                       .seconds = report.seconds,
                        .messages = {},
                        .figures = {}};
-  const std::string where = outcome.end.place + "; " + outcome.end.hostCall;
-  if (outcome.end.timedOut) {
-    result.verdict = check::Verdict::kTimedOut;
+  const std::string where = report.end.place + "; " + report.end.hostCall;
+  if (report.end.timedOut) {
+    result.outcome = check::Outcome::kTimedOut;
     result.messages = {TimeUp(options.timeLimit) + ", " + where};
     return result;
   }
-  if (outcome.result) {
-    result = *outcome.result;
+  if (report.result) {
+    result = *report.result;
   }
-  const std::string end = BadEnd(outcome.end);
+  const std::string end = BadEnd(report.end);
   if (!end.empty()) {
-    result.verdict = check::Verdict::kCrashed;
+    result.outcome = check::Outcome::kCrashed;
     result.messages.push_back("its process ended with " + end +
-                              (outcome.result ? " after the check" : "") + ", " + where);
-  } else if (!outcome.result) {
+                              (report.result ? " after the check" : "") + ", " + where);
+  } else if (!report.result) {
     result.messages.push_back("its process ended without a result, " + where);
-  } else if (!outcome.end.announcedExitCode) {
-    result.verdict = check::Verdict::kCrashed;
+  } else if (!report.end.announcedExitCode) {
+    result.outcome = check::Outcome::kCrashed;
     result.messages.push_back("its process ended too early after the check, " + where);
   }
   return result;
 }
 
 /// Threads that each run one check after the other.
-class Jobs {
+class ParallelChecks {
  public:
-  Jobs(const CheckOptions& options, const std::vector<check::Check>& checks, const Console& console,
-       const TakeResult& take)
+  ParallelChecks(const CheckOptions& options, const std::vector<check::Check>& checks,
+                 const Console& console, const TakeResult& take)
       : options_(options), checks_(checks), console_(console), take_(take) {}
 
   void Run() {
@@ -195,11 +194,11 @@ class Jobs {
   void Work() {
     try {
       while (const check::Check* check = Next()) {
-        const JobOutcome outcome = RunJob(OrderOf(options_, {check->name}), options_, console_,
-                                          [this] { return IsUnwanted(); });
+        const ProcessReport report = RunProcess(JobFor(options_, {check->name}), options_, console_,
+                                                [this] { return IsUnwanted(); });
         const std::scoped_lock lock(mutex_);
         if (!IsUnwanted()) {
-          take_(ResultOf(options_, *check, outcome));
+          take_(ResultOf(options_, *check, report));
         }
       }
     } catch (...) {
@@ -226,45 +225,46 @@ class Jobs {
 };
 
 /// Throws CommandExit when the user interrupts.
-JobOutcome RunAlone(const CheckOrder& order, const CheckOptions& options, const Console& console) {
+ProcessReport RunAlone(const CheckJob& job, const CheckOptions& options, const Console& console) {
   const Interrupt interrupt;
-  JobOutcome outcome = RunJob(order, options, console, [&interrupt] { return interrupt.Came(); });
+  ProcessReport report =
+      RunProcess(job, options, console, [&interrupt] { return interrupt.Came(); });
   if (interrupt.Came()) {
     throw CommandExit(kInterrupted, {"interrupted"});
   }
-  return outcome;
+  return report;
 }
 
 }  // namespace
 
 std::vector<check::Check> ListChecks(const CheckOptions& options, const Console& console) {
-  const JobOutcome outcome = RunAlone({.lists = true}, options, console);
-  if (outcome.checks.empty()) {
-    const std::string end = BadEnd(outcome.end);
+  const ProcessReport report = RunAlone({.lists = true}, options, console);
+  if (report.checks.empty()) {
+    const std::string end = BadEnd(report.end);
     throw std::runtime_error(CheckWorker() + " did not list its checks" +
                              (end.empty() ? "" : ": it ended with " + end));
   }
-  return outcome.checks;
+  return report.checks;
 }
 
 void ExpectLoadable(const CheckOptions& options, const Console& console) {
-  const JobOutcome outcome = RunAlone(OrderOf(options, {}), options, console);
-  if (outcome.end.timedOut) {
+  const ProcessReport report = RunAlone(JobFor(options, {}), options, console);
+  if (report.end.timedOut) {
     throw standin::PluginLoadError(TimeUp(options.timeLimit));
   }
-  if (outcome.notLoaded) {
-    throw standin::PluginLoadError(*outcome.notLoaded);
+  if (report.notLoaded) {
+    throw standin::PluginLoadError(*report.notLoaded);
   }
-  if (!outcome.isLoaded || !outcome.end.IsGood()) {
-    const std::string end = BadEnd(outcome.end);
+  if (!report.isLoaded || !report.end.IsGood()) {
+    const std::string end = BadEnd(report.end);
     throw standin::PluginLoadError("the process that loaded it ended with " +
                                    (end.empty() ? "exit code 0 too early" : end));
   }
 }
 
-void RunInJobs(const CheckOptions& options, const std::vector<check::Check>& checks,
-               const Console& console, const TakeResult& take) {
-  Jobs(options, checks, console, take).Run();
+void RunInProcesses(const CheckOptions& options, const std::vector<check::Check>& checks,
+                    const Console& console, const TakeResult& take) {
+  ParallelChecks(options, checks, console, take).Run();
 }
 
 }  // namespace tarvo

@@ -9,8 +9,8 @@
 
 /// \file
 /// Checks in processes of the program tarvo-check-worker, which lies beside this one. All functions
-/// throw ProcessError when it cannot be started, and CommandExit when it is
-/// missing or the user interrupts.
+/// throw ProcessError when it cannot be started, and CommandExit when it is missing or the user
+/// interrupts.
 
 namespace tarvo {
 
@@ -25,7 +25,7 @@ void ExpectLoadable(const CheckOptions& options, const Console& console);
 /// come, one at a time. A crash and a time limit are results. What the plug-in prints goes to the
 /// console's `err`, behind the name of the check. Throws std::runtime_error when the system has no
 /// more threads.
-void RunInJobs(const CheckOptions& options, const std::vector<check::Check>& checks,
-               const Console& console, const TakeResult& take);
+void RunInProcesses(const CheckOptions& options, const std::vector<check::Check>& checks,
+                    const Console& console, const TakeResult& take);
 
 }  // namespace tarvo

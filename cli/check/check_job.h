@@ -10,7 +10,7 @@ namespace tarvo {
 
 /// What the check worker is to do with the plug-in that its command line names: file names may hold
 /// bytes that JSON does not take.
-struct CheckOrder {
+struct CheckJob {
   bool lists = false;               ///< lists the checks and does nothing else
   std::vector<std::string> checks;  ///< names; none: the plug-in is loaded and that is all
   unsigned seed = check::kUsualSeed;
@@ -19,11 +19,11 @@ struct CheckOrder {
 };
 
 /// To run these checks as the options say.
-CheckOrder OrderOf(const CheckOptions& options, std::vector<std::string> checks);
+CheckJob JobFor(const CheckOptions& options, std::vector<std::string> checks);
 
-/// An order as it is sent to the worker, and as it is read there. Throws nlohmann::json::exception
+/// A job as it is sent to the worker, and as it is read there. Throws nlohmann::json::exception
 /// for a text that is none.
-std::string OrderText(const CheckOrder& order);
-CheckOrder CheckOrderFrom(const std::string& text);
+std::string JobText(const CheckJob& job);
+CheckJob CheckJobFrom(const std::string& text);
 
 }  // namespace tarvo
