@@ -11,7 +11,7 @@
 #include "base/image/compare.h"
 #include "base/image/image_file.h"
 #include "cli/command.h"
-#include "cli/frames/finish.h"
+#include "cli/frames/output_picture.h"
 #include "cli/options/output_guard.h"
 #include "cli/options/scene_options.h"
 
@@ -54,10 +54,10 @@ std::string Finding(const Comparison& comparison, int tolerance) {
   if (comparison.largest == 0) {
     return "the same\n";
   }
-  const double share =
+  const double percent =
       100.0 * static_cast<double>(comparison.beyond) / static_cast<double>(comparison.compared);
   return std::to_string(comparison.beyond) + " of " + std::to_string(comparison.compared) +
-         " pixels (" + Fixed(share, 3) + " %) differ by more than " + std::to_string(tolerance) +
+         " pixels (" + Fixed(percent, 3) + " %) differ by more than " + std::to_string(tolerance) +
          "; the largest difference is " + std::to_string(comparison.largest) + ", first at (" +
          std::to_string(comparison.x) + ", " + std::to_string(comparison.y) + ")\n";
 }
@@ -74,8 +74,8 @@ void Diff(const DiffOptions& options, const Console& console) {
   const Picture other = Read(options.other, faults);
   faults.ThrowIfAny();
   if (!options.output.empty()) {
-    ExpectApart("--output", {options.output},
-                {FilePath(options.one).Get(), FilePath(options.other).Get()});
+    ExpectOutputsAreNotInputs("--output", {options.output},
+                              {FilePath(options.one).Get(), FilePath(options.other).Get()});
   }
   const auto comparison = CompareIfSameSize(one, other, options.tolerance);
   if (!options.output.empty()) {

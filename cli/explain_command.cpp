@@ -9,9 +9,9 @@
 #include <CLI/CLI.hpp>
 
 #include "cli/command.h"
-#include "cli/guarded.h"
 #include "cli/options/hosted_plugin.h"
 #include "cli/options/scene_options.h"
+#include "cli/run_in_worker.h"
 #include "tool/explain/explanation.h"
 #include "tool/player/scene_player.h"
 #include "tool/rig/file/scene_file.h"
@@ -86,7 +86,7 @@ void AddExplain(CLI::App& program, Work& chosen) {
   tarvo explain examples/wave/wave.json --frame 40 --json)");
   command->callback([options, &chosen] {
     chosen = [options](const Console& console) {
-      RunGuarded(options->scene, console, [&] { Explain(*options, console); });
+      RunInWorker(options->scene, console, [&] { Explain(*options, console); });
     };
   });
 }

@@ -7,9 +7,9 @@
 #include <CLI/CLI.hpp>
 
 #include "cli/command.h"
-#include "cli/guarded.h"
 #include "cli/options/hosted_plugin.h"
 #include "cli/options/scene_options.h"
+#include "cli/run_in_worker.h"
 #include "tool/explain/flips.h"
 #include "tool/player/scene_player.h"
 #include "tool/rig/file/scene_file.h"
@@ -55,7 +55,7 @@ void AddFlips(CLI::App& program, Work& chosen) {
   tarvo flips examples/wave/wave.json)");
   command->callback([options, &chosen] {
     chosen = [options](const Console& console) {
-      RunGuarded(options->scene, console, [&] { FindFlips(*options, console); });
+      RunInWorker(options->scene, console, [&] { FindFlips(*options, console); });
     };
   });
 }

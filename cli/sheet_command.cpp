@@ -13,13 +13,13 @@
 #include "base/files/text_table.h"
 #include "base/image/sheet.h"
 #include "cli/command.h"
-#include "cli/frames/finish.h"
 #include "cli/frames/frame_list.h"
-#include "cli/guarded.h"
+#include "cli/frames/output_picture.h"
 #include "cli/options/hosted_plugin.h"
 #include "cli/options/output_guard.h"
 #include "cli/options/scene_options.h"
 #include "cli/options/suggestions.h"
+#include "cli/run_in_worker.h"
 #include "tool/player/scene_player.h"
 #include "tool/rig/file/scene_file.h"
 
@@ -85,7 +85,8 @@ class SheetMaker {
     faults_.ThrowIfAny();
     animation_ = ReadAnimation(options.scene.scene);
     if (!IsWorker()) {
-      ExpectApart("--output", {options.output}, FilesRead(options.scene, animation_.files));
+      ExpectOutputsAreNotInputs("--output", {options.output},
+                                FilesRead(options.scene, animation_.files));
     }
     ReadFrames();
     faults_.ThrowIfAny();
@@ -228,7 +229,7 @@ class SheetMaker {
 void WriteSheet(const SheetOptions& options, const Console& console) {
   SheetMaker maker(options, console);
   const std::optional<Picture> sheet =
-      MakeGuarded(options.scene, console, [&] { return maker.Make(); });
+      RenderInWorker(options.scene, console, [&] { return maker.Make(); });
   if (sheet) {
     WritePicture(options.output, *sheet, options.sync);
     PrintResult(console, options.output + ": " + std::to_string(sheet->width) + "x" +

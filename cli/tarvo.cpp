@@ -44,7 +44,7 @@ is reported. A file that a command reads is never replaced, under any name.)";
 Work ReadCommandLine(CLI::App& program, std::vector<std::string> words) {
   Work chosen;
   AddCommands(program, chosen);
-  words = WithNamesMarked(program, std::move(words));
+  words = ProtectOperandsAfterDashes(program, std::move(words));
   std::ranges::reverse(words);  // as CLI11 takes them
   program.parse(std::move(words));
   if (!chosen) {

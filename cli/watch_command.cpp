@@ -82,8 +82,9 @@ class SceneWatch {
       faults.Expected("--output", "name of one picture (out.png)", options_.output);
       faults.ThrowIfAny();
     }
-    ExpectApart("--output", {options_.output},
-                {FilePath(options_.scene.scene).Get(), FilePath(PluginOf(options_.scene)).Get()});
+    ExpectOutputsAreNotInputs(
+        "--output", {options_.output},
+        {FilePath(options_.scene.scene).Get(), FilePath(PluginOf(options_.scene)).Get()});
   }
 
   /// Returns when a file changed since the picture was made, or `interrupt` came.

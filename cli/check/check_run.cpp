@@ -36,7 +36,7 @@ void ExpectToWriteReport(const CheckOptions& options) {
   OptionFaults faults;
   faults.Expect(ExpectWritable, options.junit);
   faults.ThrowIfAny();
-  ExpectApart("--junit", {options.junit}, {FilePath(options.plugin).Get()});
+  ExpectOutputsAreNotInputs("--junit", {options.junit}, {FilePath(options.plugin).Get()});
 }
 
 /// After the verdict, which counts with or without the report.

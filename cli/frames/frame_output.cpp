@@ -8,8 +8,8 @@
 #include <string_view>
 
 #include "base/image/image_file.h"
-#include "cli/frames/finish.h"
 #include "cli/frames/movie.h"
+#include "cli/frames/output_picture.h"
 #include "cli/process/console.h"
 #include "cli/process/system.h"
 
@@ -53,7 +53,7 @@ bool IsUnsupportedPattern(const std::string& output) {
   return !FindFrameNumber(output) && (hasConversion || name.find("##") != std::string::npos);
 }
 
-OutputKind KindOf(const std::string& output) {
+OutputKind OutputKindOf(const std::string& output) {
   if (output == "-") {
     return OutputKind::kStream;
   }

@@ -16,7 +16,7 @@ enum class OutputKind { kPicture, kFrames, kMovie, kStream };
 
 /// "f.%04d.png" and "f%d.png" are the names of frames, "-" is standard output, .gif, .webm and .mp4
 /// are movies.
-OutputKind KindOf(const std::string& output);
+OutputKind OutputKindOf(const std::string& output);
 
 /// True for a name that other programs take for one with a frame's number, such as "f%0300d.png",
 /// "f%x.png" and "f.####.png".
@@ -36,9 +36,9 @@ class FrameOutput {
 
   /// Throws InputError when it cannot be written, and CommandExit where that is standard output.
   virtual void Take(int frame, const Picture& picture) = 0;
-  /// All pictures are there. What needs them all is made now or never.
+  /// Called once after the last picture; completes the output. Without it a movie is discarded.
   virtual void Commit() {}
-  /// Makes a Take of another thread that blocks come to an end: it may throw.
+  /// Unblocks a Take that another thread is in; that Take may throw.
   virtual void Abort() {}
 };
 

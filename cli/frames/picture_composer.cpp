@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "cli/frames/finish.h"
+#include "cli/frames/output_picture.h"
 #include "tool/explain/visualization.h"
 #include "tool/player/overlap_bones.h"
 

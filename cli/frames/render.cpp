@@ -6,8 +6,8 @@
 #include <utility>
 #include <vector>
 
-#include "cli/frames/finish.h"
 #include "cli/frames/frame_workers.h"
+#include "cli/frames/output_picture.h"
 #include "cli/frames/picture_composer.h"
 #include "cli/frames/render_frames.h"
 #include "cli/options/output_guard.h"
@@ -61,7 +61,8 @@ void Render(const RenderOptions& options, const Console& console) {
   FrameWorkers workers(settings, console);
   const SceneSummary scene = workers.AwaitScene();
   const std::vector<int> frames = FramesAskedFor(settings, scene.frames);
-  ExpectApart("--output", FilesMade(settings, frames), FilesRead(settings.scene, scene.files));
+  ExpectOutputsAreNotInputs("--output", FilesMade(settings, frames),
+                            FilesRead(settings.scene, scene.files));
   const PictureComposer composer(settings, scene.width, scene.height);
   const bool isSingle = settings.kind == OutputKind::kPicture ||
                         (settings.kind == OutputKind::kStream && frames.size() == 1);

@@ -2,7 +2,7 @@
 
 #include <CLI/CLI.hpp>
 
-#include "cli/frames/finish.h"
+#include "cli/frames/output_picture.h"
 #include "cli/options/suggestions.h"
 #include "tool/explain/visualization.h"
 

@@ -84,7 +84,7 @@ RenderSettings ReadRenderSettings(const RenderOptions& options, const Console& c
   RenderSettings settings{.scene = options.scene,
                           .play = ReadPlayOptions(options.scene, faults),
                           .output = options.output,
-                          .kind = KindOf(options.output),
+                          .kind = OutputKindOf(options.output),
                           .frames = options.frames,
                           .missing = options.missing,
                           .jobs = options.jobs,

@@ -5,8 +5,8 @@
 #include <vector>
 
 #include "base/files/file_system.h"
-#include "cli/frames/finish.h"
 #include "cli/frames/frame_output.h"
+#include "cli/frames/output_picture.h"
 #include "cli/frames/progress.h"
 #include "cli/frames/render_options.h"
 #include "cli/process/console.h"

@@ -14,7 +14,7 @@ const CLI::App* FindCommand(const CLI::App& program, const std::string& name) {
   return found.empty() ? nullptr : found.front();
 }
 
-std::size_t CountNames(const CLI::App& command) {
+std::size_t CountOperands(const CLI::App& command) {
   return command.get_options([](const CLI::Option* option) { return option->get_positional(); })
       .size();
 }
@@ -25,19 +25,20 @@ bool TakesNext(const CLI::App& command, const std::string& word) {
   return option != nullptr && option->get_items_expected_max() > 0;
 }
 
-std::string Marked(const CLI::App& program, const std::string& name) {
+std::string AsOperand(const CLI::App& program, const std::string& name) {
   return name.starts_with('-') || FindCommand(program, name) != nullptr ? "./" + name : name;
 }
 
 }  // namespace
 
-std::vector<std::string> WithNamesMarked(const CLI::App& program, std::vector<std::string> words) {
+std::vector<std::string> ProtectOperandsAfterDashes(const CLI::App& program,
+                                                    std::vector<std::string> words) {
   constexpr std::size_t kAfterCommand = 1;
   const CLI::App* command = words.size() > kAfterCommand ? FindCommand(program, words[0]) : nullptr;
   if (command == nullptr) {
     return words;
   }
-  std::size_t needed = CountNames(*command);
+  std::size_t needed = CountOperands(*command);
   std::size_t place = kAfterCommand;
   for (; place < words.size() && words[place] != "--"; ++place) {
     if (TakesNext(*command, words[place])) {
@@ -51,7 +52,7 @@ std::vector<std::string> WithNamesMarked(const CLI::App& program, std::vector<st
   }
   words.erase(words.begin() + static_cast<std::ptrdiff_t>(place));
   for (; needed > 0 && place < words.size(); --needed, ++place) {
-    words[place] = Marked(program, words[place]);
+    words[place] = AsOperand(program, words[place]);
   }
   return words;
 }

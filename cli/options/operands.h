@@ -9,10 +9,11 @@ class App;
 
 namespace tarvo {
 
-/// A command line, less the program's name, in which "--" was given, as it is parsed without: the
-/// arguments behind it are names of files, whatever they begin with, as many as the command still
-/// needs; what follows them is read as options again. Such a name gets "./" before it where it
-/// would be taken for something else. Any other command line stays as it is.
-std::vector<std::string> WithNamesMarked(const CLI::App& program, std::vector<std::string> words);
+/// Removes the "--" of a command line, less the program's name. The operands after it, names of
+/// files and as many as the command still needs, get "./" in front where they could be read as an
+/// option or a command; the words after those are options again. Other command lines are returned
+/// unchanged.
+std::vector<std::string> ProtectOperandsAfterDashes(const CLI::App& program,
+                                                    std::vector<std::string> words);
 
 }  // namespace tarvo

@@ -78,8 +78,8 @@ std::vector<std::filesystem::path> FilesRead(const SceneOptions& options,
   return sceneFiles;
 }
 
-void ExpectApart(const std::string& option, const std::vector<std::string>& made,
-                 const std::vector<std::filesystem::path>& read) {
+void ExpectOutputsAreNotInputs(const std::string& option, const std::vector<std::string>& made,
+                               const std::vector<std::filesystem::path>& read) {
   Reserved reserved;
   for (const std::filesystem::path& file : read) {
     reserved.Add(file, "a file that was read (" + file.string() + ")");

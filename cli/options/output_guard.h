@@ -15,7 +15,7 @@ std::vector<std::filesystem::path> FilesRead(const SceneOptions& options,
 /// Throws InputError if one of the files to be made, under whatever name, is one of those read,
 /// this program, the other one of its folder, or where its standard streams go, or if two of them
 /// are links to one file. `option` names the files to be made in the error.
-void ExpectApart(const std::string& option, const std::vector<std::string>& made,
-                 const std::vector<std::filesystem::path>& read);
+void ExpectOutputsAreNotInputs(const std::string& option, const std::vector<std::string>& made,
+                               const std::vector<std::filesystem::path>& read);
 
 }  // namespace tarvo

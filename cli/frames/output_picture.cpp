@@ -1,4 +1,4 @@
-#include "cli/frames/finish.h"
+#include "cli/frames/output_picture.h"
 
 #include <algorithm>
 #include <cctype>

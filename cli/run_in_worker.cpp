@@ -1,4 +1,4 @@
-#include "cli/guarded.h"
+#include "cli/run_in_worker.h"
 
 #include "cli/process/interrupt.h"
 #include "cli/process/messages.h"
@@ -39,8 +39,8 @@ std::optional<Picture> RunWorker(const SceneOptions& options, const Console& con
 
 }  // namespace
 
-void RunGuarded(const SceneOptions& options, const Console& console,
-                const std::function<void()>& work) {
+void RunInWorker(const SceneOptions& options, const Console& console,
+                 const std::function<void()>& work) {
   if (console.channel != nullptr) {
     work();
   } else {
@@ -48,8 +48,8 @@ void RunGuarded(const SceneOptions& options, const Console& console,
   }
 }
 
-std::optional<Picture> MakeGuarded(const SceneOptions& options, const Console& console,
-                                   const std::function<Picture()>& make) {
+std::optional<Picture> RenderInWorker(const SceneOptions& options, const Console& console,
+                                      const std::function<Picture()>& make) {
   if (console.channel != nullptr) {
     Send(*console.channel, RenderedFrame{.picture = make()});
     return std::nullopt;
