@@ -11,7 +11,7 @@ class App;
 namespace tarvo {
 
 /// What a command does once its options are read. Throws InputError, PluginError, PluginLoadError
-/// or CommandExit, having left no file that is not whole.
+/// or CommandExit, having left no incomplete file.
 using Work = std::function<void(const Console&)>;
 
 /// Adds a command with its options to the program; parsing a command line that names the command

@@ -43,7 +43,7 @@ std::string CheckWorker() {
   return file.string();
 }
 
-/// What a process that ran a check left.
+/// What the process of a check sent, and how it ended.
 struct ProcessReport {
   std::vector<check::Check> checks;  ///< that there are
   bool isLoaded = false;

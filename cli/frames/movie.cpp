@@ -164,7 +164,7 @@ void Movie::Take(int /*frame*/, const Picture& picture) {
 
 void Movie::Commit() {
   ExpectGoodEnd(file_, "ffmpeg", encoder_);
-  ExpectWhole();
+  ExpectComplete();
   try {
     part_.Rename(sync_);
   } catch (const FileError& error) {
@@ -175,7 +175,7 @@ void Movie::Commit() {
 /// Decodes every picture: an encoder may say that all is well and leave a file that is cut off. The
 /// times of a GIF are hundredths of a second, and players show short ones longer: a movie is too
 /// short or it is not.
-void Movie::ExpectWhole() const {
+void Movie::ExpectComplete() const {
   const std::string text =
       ProbeText(file_, {"-count_frames", "-select_streams", "v:0", "-show_entries",
                         "stream=nb_read_frames:format=duration", "-of",

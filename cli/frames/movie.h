@@ -15,7 +15,7 @@ bool IsMovie(const std::string& file);
 bool MovieHasAlpha(const std::string& file);
 
 /// A movie, made by the program ffmpeg; its file takes its name once it was read back and found
-/// whole. Takes the pictures in their order.
+/// complete. Takes the pictures in their order.
 class Movie : public FrameOutput {
  public:
   /// Pictures of this size, in pixels, and so many a second. Throws InputError when the file cannot
@@ -27,7 +27,7 @@ class Movie : public FrameOutput {
   void Abort() override { encoder_.Kill(); }
 
  private:
-  void ExpectWhole() const;
+  void ExpectComplete() const;
 
   std::string file_;
   double rate_;

@@ -60,43 +60,44 @@ class FrameRender {
     if (!MakesFiles()) {
       return {};
     }
-    const std::vector<char> whole = AreWhole();
+    const std::vector<char> isComplete = AreComplete();
     std::vector<int> missing;
     for (std::size_t place = 0; place < frames_.size(); ++place) {
-      if (whole[place] == 0) {
+      if (isComplete[place] == 0) {
         missing.push_back(frames_[place]);
       }
     }
     return missing;
   }
 
-  /// For each frame, whether its file is there and whole. Decoding takes a third as long as
-  /// rendering: every core takes its share. A file that was removed or replaced while others were
-  /// decoded differs in its stamp at the end; comparing stamps takes a few microseconds a file.
-  [[nodiscard]] std::vector<char> AreWhole() const {
-    std::vector<char> whole(frames_.size());
+  /// For each frame, whether its file is there and complete. Decoding takes a third as long as
+  /// rendering, so the files are divided among all cores. A file that was removed or replaced while
+  /// others were decoded differs in its stamp at the end; comparing stamps takes a few microseconds
+  /// a file.
+  [[nodiscard]] std::vector<char> AreComplete() const {
+    std::vector<char> isComplete(frames_.size());
     std::vector<FileStamp> stamps(frames_.size());
-    const std::size_t shares = CountThreads();
-    std::vector<std::future<void>> looks;
-    for (std::size_t share = 0; share < shares; ++share) {
-      looks.push_back(StartTask([this, &whole, &stamps, share, shares] {
-        for (std::size_t place = share; place < frames_.size(); place += shares) {
+    const std::size_t threadCount = CountThreads();
+    std::vector<std::future<void>> tasks;
+    for (std::size_t thread = 0; thread < threadCount; ++thread) {
+      tasks.push_back(StartTask([this, &isComplete, &stamps, thread, threadCount] {
+        for (std::size_t place = thread; place < frames_.size(); place += threadCount) {
           const std::string file = FrameFile(settings_.output, frames_[place]);
           stamps[place] = StampOf(FilePath(file).Get());
-          whole[place] = IsWholePng(file, composer_.Width(), composer_.Height()) ? 1 : 0;
+          isComplete[place] = IsWholePng(file, composer_.Width(), composer_.Height()) ? 1 : 0;
         }
       }));
     }
-    for (std::future<void>& look : looks) {
-      look.get();
+    for (std::future<void>& task : tasks) {
+      task.get();
     }
     for (std::size_t place = 0; place < frames_.size(); ++place) {
       const FilePath file(FrameFile(settings_.output, frames_[place]));
       if (StampOf(file.Get()) != stamps[place]) {
-        whole[place] = 0;
+        isComplete[place] = 0;
       }
     }
-    return whole;
+    return isComplete;
   }
 
   /// After a failure, which is what gets reported, not what this one fails with.
@@ -195,8 +196,9 @@ class FrameRender {
     return MakesFiles() ? cores : 1;
   }
 
-  /// Not where the plug-in answered with an error: it would do so again. Nor where the scene
-  /// changed: frames of the new one do not go with those of the old one.
+  /// The failure with the resume hint, which is left out after a failure that the worker reported,
+  /// such as an error of the plug-in, because it would occur again, and after a change of the
+  /// scene, because the remaining frames would be those of another version.
   static CommandExit WithHint(const CommandExit& failure, const std::vector<std::string>& hint) {
     std::vector<std::string> lines = failure.Lines();
     if (!lines.empty() && failure.Code() != kWrongInput) {
