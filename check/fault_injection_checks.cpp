@@ -50,7 +50,7 @@ constexpr Harmless kHarmless[] = {
     {"host_lock_handle", "PF_Cmd_GLOBAL_SETUP", "without a lock: no global data, and no error"},
     {"host_lock_handle", "PF_Cmd_SEQUENCE_SETUP", "without a lock: no store, and no error"},
     {"host_new_handle", "PF_Cmd_SEQUENCE_RESETUP", "without memory the old store stays"},
-    {"host_new_handle", "PF_Cmd_RENDER", "a map is left out; a frame that is not read stays empty"},
+    {"host_new_handle", "PF_Cmd_RENDER", "a frame that is not read stays empty"},
     {"host_lock_handle", "PF_Cmd_RENDER", "as without memory"},
     {"get_pixel_data8", "PF_Cmd_RENDER", "a frame that cannot be written down stays empty"},
     {"dispose_world", "PF_Cmd_SEQUENCE_SETDOWN", "what cannot be disposed of is not reported"},

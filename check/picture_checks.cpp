@@ -1,5 +1,8 @@
 // The plug-in's pictures against the reference model, and against values worked out by hand.
 
+#include <algorithm>
+#include <array>
+#include <cmath>
 #include <string>
 #include <tuple>
 #include <vector>
@@ -277,6 +280,62 @@ CHECK_F(Rendering, CheckboxAboveOneIsOn, "A fast transparency above 1 counts as 
   EXPECT_TRUE(rig.host.SetParameter(rig.renderer, kFastTransparency, 3).Ok());
   EXPECT_EQ(rig.Render().picture, fast);
   EXPECT_NE(exact, fast);
+}
+
+/// Two pieces that almost share a long edge: their ends lie on one line, up to a small gap, and at
+/// different places of it, so that rounding can lay one over the other.
+std::vector<PieceQuad> AlmostNeighbours(double x, double y, double angle, double gap) {
+  const double cos = std::cos(angle);
+  const double sin = std::sin(angle);
+  const auto quad = [&](double from, double to, double inner, double outer, double u) {
+    PieceQuad piece = Piece({}, {.left = u, .top = 3, .width = 20, .height = 30}, u);
+    const std::array<std::array<double, 2>, 4> corners{
+        {{from, inner}, {to, inner}, {to, outer}, {from, outer}}};
+    for (std::size_t corner = 0; corner < 4; ++corner) {
+      const auto [along, across] = corners[corner];
+      piece.corners[corner][0] = x + along * cos - across * sin;
+      piece.corners[corner][1] = y + along * sin + across * cos;
+    }
+    return piece;
+  };
+  return {quad(-11.3, 11.7, gap, 6, 3.1), quad(-12.1, 10.9, 0, -6, 35.7)};
+}
+
+/// 88 pairs of pieces, each apart from the others, turned and apart by different amounts.
+std::vector<PieceQuad> PairsThatAlmostTouch(int frame) {
+  std::vector<PieceQuad> pieces;
+  for (int pair = 0; pair < 88; ++pair) {
+    const int index = 88 * frame + pair;
+    const double gap = (index % 5 - 1) / 2048.0;  // some overlap in truth
+    for (const PieceQuad& piece :
+         AlmostNeighbours(20.13 + 30 * (pair % 11), 20.71 + 30 * (pair / 11), 0.137 * index, gap)) {
+      pieces.push_back(piece);
+    }
+  }
+  return pieces;
+}
+
+/// All texels are alike and half transparent: a second piece over the first would show as an alpha
+/// of its own.
+CHECK_F(Rendering, AnExactPixelShowsOnePieceOfAnImage,
+        "In an exact frame no pixel shows two pieces of one image, also where they almost touch, "
+        "share an edge, fold over one another or cross.") {
+  Companion& bone =
+      rig.AddBone(Picture(64, 48, {.red = 240, .green = 120, .blue = 40, .alpha = 150}),
+                  {Piece({0, 0, 60, 40}, kCut, 0.5)});
+  rig.SetFast(false);
+  rig.Send();
+  const std::uint8_t once = rig.Render().picture.At(30, 20).alpha;
+  ASSERT_GT(once, 150);
+  for (int frame = 0; frame < 20; ++frame) {
+    bone.pieces = frame < 8
+                      ? PairsThatAlmostTouch(frame)
+                      : WarpedPieces(static_cast<std::uint32_t>(frame), 25, kLayerArea, 64, 48);
+    rig.Send();
+    const Picture picture = rig.Render().picture;
+    const auto isWrong = [&](const Rgba& pixel) { return pixel.alpha != 0 && pixel.alpha != once; };
+    EXPECT_EQ(std::ranges::count_if(picture.pixels, isWrong), 0) << "frame " << frame;
+  }
 }
 
 CHECK_F(Rendering, LaterMessagesReplaceEarlierOnes,

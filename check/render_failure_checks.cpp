@@ -160,42 +160,6 @@ CHECK_F(FailedRenders, DiscardTheImagesOfOneBoneOnly,
   }
 }
 
-/// What pieces without their map look like is up to the driver. Where they are to be seen is found
-/// by sending them as naming no image.
-CHECK_F(FailedRenders, LeaveOutAMapWithoutMemory,
-        "An ownership map without memory is left out, and the frame is unchanged where its image "
-        "is not visible.") {
-  rig.SetFast(false);
-  const auto bones = rig.ActiveCompanions();
-  const Picture exact = rig.Render().picture;
-  for (std::uint64_t map = 0; map < 8; ++map) {  // for A and for B: two maps of each bone's image
-    const std::uint64_t injected = rig.host.injector.Injected();
-    rig.host.injector.FailOperation("host_new_handle", map + 1, kReturned);
-    const RenderResult result = RenderWithFailure();
-    EXPECT_EQ(rig.host.injector.Injected(), injected + 1);
-    EXPECT_EQ(result.command.code, PF_Err_NONE);
-
-    standin::Companion& bone = *bones[map % 2];
-    const std::vector<PieceQuad> pieces = bone.pieces;
-    for (PieceQuad& piece : bone.pieces) {
-      if (piece.imageSelect == (map < 4 ? TARVO_IMAGE_A : TARVO_IMAGE_B)) {
-        piece.imageSelect = 1;
-      }
-    }
-    rig.Send();
-    const Picture without = rig.Render().picture;
-    std::size_t changed = 0;
-    for (std::size_t at = 0; at < exact.pixels.size(); ++at) {
-      const bool elsewhere = without.pixels[at] == exact.pixels[at];
-      changed += elsewhere && result.picture.pixels[at] != exact.pixels[at] ? 1U : 0U;
-    }
-    EXPECT_EQ(changed, 0U) << map;
-    bone.pieces = pieces;
-    rig.Send();
-  }
-  EXPECT_EQ(rig.Render().picture, exact);
-}
-
 CHECK_F(FailedRenders, Return516WithoutASuite,
         "A render without one of its suites returns 516 and a transparent output.") {
   struct Missing {

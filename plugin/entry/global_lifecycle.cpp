@@ -13,6 +13,7 @@
 #include "plugin/host/match_name.h"
 #include "plugin/host/process.h"
 #include "plugin/host/report.h"
+#include "plugin/render/ownership_maps.h"
 #include "plugin/scene/scene_store.h"
 
 namespace plugin {
@@ -79,6 +80,7 @@ PF_Err MakeGlobalData(SuiteHandler& suites, PF_OutData& out) {
 
 /// Best effort: no failure keeps the framework from being stopped.
 void ReleaseScenes(PF_InData& in) {
+  ReleaseMapTextures();
   std::optional<SuiteHandler> suites;
   if (in.pica_basicP != nullptr) {
     suites.emplace(in.pica_basicP);

@@ -46,7 +46,10 @@ void ForgetObjects(AESDK_OpenGL_State& state) {
   state.program = 0;
   state.vertexShader = 0;
   state.fragmentShader = 0;
+  state.jobFragmentShaders = {};
+  state.jobPrograms = {};
   state.shadersReady = false;
+  state.programInUse = 0;
 }
 
 // Failures here show as a missing extension string.
@@ -74,6 +77,10 @@ void DeleteShaderObjects(const AESDK_OpenGL_State& state) {
   gEntryPoints.glDeleteObjectARB(state.vertexShader);
   gEntryPoints.glDeleteObjectARB(state.fragmentShader);
   gEntryPoints.glDeleteObjectARB(state.program);
+  for (std::size_t job = 0; job < kAESDK_OpenGL_JobCount; ++job) {
+    gEntryPoints.glDeleteObjectARB(state.jobFragmentShaders[job]);
+    gEntryPoints.glDeleteObjectARB(state.jobPrograms[job]);
+  }
 }
 
 void DeleteContext(AESDK_OpenGL_State& state) {

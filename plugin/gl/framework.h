@@ -1,8 +1,8 @@
 #pragma once
 
 /// \file
-/// The offscreen OpenGL framework: a hidden window, a rendering context, one render target and one
-/// shader program, all process-wide. Nothing here is ever drawn in a context of the host's.
+/// The offscreen OpenGL framework: a hidden window, a rendering context, one render target and the
+/// shader programs, all process-wide. Nothing here is ever drawn in a context of the host's.
 ///
 /// Operations return failures as codes. The only exception that leaves one is std::bad_alloc, from
 /// the window layer for Linux. A tag at the end of a comment says when an operation may be called:
@@ -10,6 +10,7 @@
 /// - `[started]`: that, and start-up has succeeded (AESDK_OpenGL_IsCurrent)
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <string_view>
 
@@ -35,6 +36,18 @@ struct AESDK_OpenGL_Fault {
   AESDK_OpenGL_Err code;
 };
 
+/// One job of the shader program, which has a program of its own beside the general one. There the
+/// uniform `dataFromAE` and what the normal's third component chooses are constants: what other
+/// jobs need costs nothing, which matters to a software renderer.
+enum AESDK_OpenGL_Job : std::uint8_t {
+  AESDK_OpenGL_Job_Color,         ///< `dataFromAE` (1, 0, 0, 0): the colour pass, nothing dropped
+  AESDK_OpenGL_Job_VisibleColor,  ///< (1, 1, 1, 0): without transparent texels
+  AESDK_OpenGL_Job_OwnedColor,    ///< (1, 1, 0, 0): without those, and with the ownership test
+  AESDK_OpenGL_Job_CoordinateW,   ///< (0, 0, 0, 0): the coordinate pass, horizontal coordinate
+  AESDK_OpenGL_Job_CoordinateH,   ///< (0, 0, 0, 0): the coordinate pass, vertical coordinate
+};
+inline constexpr std::size_t kAESDK_OpenGL_JobCount = 5;
+
 /// The framework's one record. Names and handles are 0 or null while what they name does not exist.
 struct AESDK_OpenGL_State {
   /// Start-up has completed; counts only while `renderContext` exists.
@@ -49,11 +62,16 @@ struct AESDK_OpenGL_State {
   /// Size of the render target in pixels; 65535 between global set-up and the first preparation.
   std::uint16_t targetWidth;
   std::uint16_t targetHeight;
+  /// The general program, its two shaders, and those of each job, which share the vertex shader.
   GLuint program;
   GLuint vertexShader;
   GLuint fragmentShader;
-  /// The program has linked.
+  std::array<GLuint, kAESDK_OpenGL_JobCount> jobFragmentShaders;
+  std::array<GLuint, kAESDK_OpenGL_JobCount> jobPrograms;
+  /// All programs have linked.
   bool shadersReady;
+  /// The program that was made the one in use last, whose uniforms are set.
+  GLuint programInUse;
   HWND window;
   HDC deviceContext;
   HGLRC renderContext;
@@ -187,30 +205,33 @@ AESDK_OpenGL_Err AESDK_OpenGL_SetBlendEquation(GLenum rgb, GLenum alpha);
 AESDK_OpenGL_Err AESDK_OpenGL_SetBlendFunction(GLenum sourceRgb, GLenum destinationRgb,
                                                GLenum sourceAlpha, GLenum destinationAlpha);
 
-// ---- Shader program. Order of use: InitShaders (UseProgram (BindSampler | SetUniform4)*
-// UseNoProgram)*.
+// ---- Shader programs. Order of use: InitShaders ((UseProgram | UseJobProgram) (BindSampler |
+// SetUniform4)* UseNoProgram)*.
 
-/// Builds the program, once. The paths are accepted and not opened: the sources are built in.
-/// Returns `AESDK_OpenGL_Err_Shader` if a source does not compile, the program does not link or the
-/// framework is not started.
+/// Builds the general program and those of the jobs, once. The paths are accepted and not opened:
+/// the sources are built in. Returns `AESDK_OpenGL_Err_Shader` if a source does not compile, a
+/// program does not link or the framework is not started.
 AESDK_OpenGL_Err AESDK_OpenGL_InitShaders(AESDK_OpenGL_State& state, std::string_view vertexPath,
                                           std::string_view fragmentPath);
 
-/// Makes the program the one in use. [started]
-void AESDK_OpenGL_UseProgram(const AESDK_OpenGL_State& state);
+/// Makes the general program the one in use. [started]
+void AESDK_OpenGL_UseProgram(AESDK_OpenGL_State& state);
+
+/// Makes the program of a job the one in use. [started]
+void AESDK_OpenGL_UseJobProgram(AESDK_OpenGL_State& state, AESDK_OpenGL_Job job);
 
 /// Makes the fixed functions the ones in use. [started]
 void AESDK_OpenGL_UseNoProgram();
 
-/// Binds a rectangle texture to a texture unit, 0 to 2, and the unit to the program's sampler of
-/// that name; for any other unit the texture goes to the unit that is active. Returns
+/// Binds a rectangle texture to a texture unit, 0 to 2, and the unit to the sampler of that name in
+/// the program in use; for any other unit the texture goes to the unit that is active. Returns
 /// `AESDK_OpenGL_Err_Shader`, without a call of OpenGL, for the texture 0xFFFFFFFF.
 /// [started, program in use]
 AESDK_OpenGL_Err AESDK_OpenGL_BindSampler(const AESDK_OpenGL_State& state, GLuint texture,
                                           const char* name, GLuint unit);
 
-/// Sets the program's `vec4` of that name. Returns `AESDK_OpenGL_Err_Shader`, without a call of
-/// OpenGL, if `x` is exactly -1. [started, program in use]
+/// Sets the `vec4` of that name in the program in use. Returns `AESDK_OpenGL_Err_Shader`, without a
+/// call of OpenGL, if `x` is exactly -1. [started, program in use]
 AESDK_OpenGL_Err AESDK_OpenGL_SetUniform4(const AESDK_OpenGL_State& state, GLfloat x, GLfloat y,
                                           GLfloat z, GLfloat w, const char* name);
 

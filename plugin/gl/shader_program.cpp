@@ -25,9 +25,11 @@ void ReadLog(GLhandleARB object) {
   gEntryPoints.glGetInfoLogARB(object, kLogCharacters, nullptr, log.data());
 }
 
-void BuildShader(GLenum type, const char* source, GLuint& shader) {
+/// Compiles the texts, joined, as one shader.
+template <std::size_t count>
+void BuildShader(GLenum type, std::array<const char*, count> texts, GLuint& shader) {
   shader = gEntryPoints.glCreateShaderObjectARB(type);
-  gEntryPoints.glShaderSourceARB(shader, 1, &source, nullptr);
+  gEntryPoints.glShaderSourceARB(shader, count, texts.data(), nullptr);
   gEntryPoints.glCompileShaderARB(shader);
   if (Succeeded(shader, GL_OBJECT_COMPILE_STATUS_ARB)) {
     return;
@@ -36,16 +38,23 @@ void BuildShader(GLenum type, const char* source, GLuint& shader) {
   throw AESDK_OpenGL_Fault(AESDK_OpenGL_Err_Shader);
 }
 
-void LinkProgram(AESDK_OpenGL_State& state) {
-  state.program = gEntryPoints.glCreateProgramObjectARB();
-  gEntryPoints.glAttachObjectARB(state.program, state.vertexShader);
-  gEntryPoints.glAttachObjectARB(state.program, state.fragmentShader);
-  gEntryPoints.glLinkProgramARB(state.program);
-  Require(Succeeded(state.program, GL_OBJECT_LINK_STATUS_ARB), AESDK_OpenGL_Err_Shader);
+/// Compiles what one job does and links it with the vertex shader.
+void BuildProgram(GLuint vertexShader, const char* head, GLuint& fragmentShader, GLuint& program) {
+  BuildShader<2>(GL_FRAGMENT_SHADER_ARB, {head, kFragmentSource}, fragmentShader);
+  program = gEntryPoints.glCreateProgramObjectARB();
+  gEntryPoints.glAttachObjectARB(program, vertexShader);
+  gEntryPoints.glAttachObjectARB(program, fragmentShader);
+  gEntryPoints.glLinkProgramARB(program);
+  Require(Succeeded(program, GL_OBJECT_LINK_STATUS_ARB), AESDK_OpenGL_Err_Shader);
+}
+
+void Use(AESDK_OpenGL_State& state, GLuint program) {
+  gEntryPoints.glUseProgramObjectARB(program);
+  state.programInUse = program;
 }
 
 GLint UniformLocation(const AESDK_OpenGL_State& state, const char* name) {
-  return gEntryPoints.glGetUniformLocationARB(state.program, name);
+  return gEntryPoints.glGetUniformLocationARB(state.programInUse, name);
 }
 
 }  // namespace
@@ -58,15 +67,20 @@ AESDK_OpenGL_Err AESDK_OpenGL_InitShaders(AESDK_OpenGL_State& state,
   }
   return ResultOf([&] {
     Require(AESDK_OpenGL_IsCurrent(state), AESDK_OpenGL_Err_Shader);
-    BuildShader(GL_VERTEX_SHADER_ARB, kVertexSource, state.vertexShader);
-    BuildShader(GL_FRAGMENT_SHADER_ARB, kFragmentSource, state.fragmentShader);
-    LinkProgram(state);
+    BuildShader<1>(GL_VERTEX_SHADER_ARB, {kVertexSource}, state.vertexShader);
+    BuildProgram(state.vertexShader, kGeneralHead, state.fragmentShader, state.program);
+    for (std::size_t job = 0; job < kAESDK_OpenGL_JobCount; ++job) {
+      BuildProgram(state.vertexShader, kJobHeads[job], state.jobFragmentShaders[job],
+                   state.jobPrograms[job]);
+    }
     state.shadersReady = true;
   });
 }
 
-void AESDK_OpenGL_UseProgram(const AESDK_OpenGL_State& state) {
-  gEntryPoints.glUseProgramObjectARB(state.program);
+void AESDK_OpenGL_UseProgram(AESDK_OpenGL_State& state) { Use(state, state.program); }
+
+void AESDK_OpenGL_UseJobProgram(AESDK_OpenGL_State& state, AESDK_OpenGL_Job job) {
+  Use(state, state.jobPrograms[job]);
 }
 
 void AESDK_OpenGL_UseNoProgram() { gEntryPoints.glUseProgramObjectARB(0); }

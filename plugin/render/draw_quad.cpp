@@ -2,11 +2,11 @@
 
 namespace plugin {
 
-void DrawQuad(const Frame& frame, const DrawPiece& piece, GLfloat coordinate) {
+void DrawQuad(const Frame& frame, const DrawPiece& piece) {
   const SlotImage& image = frame.ImageOf(piece);
   const PieceQuad& quad = *piece.quad;
   glBegin(GL_QUADS);
-  glNormal3f(static_cast<GLfloat>(image.width), static_cast<GLfloat>(image.height), coordinate);
+  glNormal3f(static_cast<GLfloat>(image.width), static_cast<GLfloat>(image.height), 0.0F);
   for (std::size_t corner = 0; corner < 4; ++corner) {
     glTexCoord2f(static_cast<GLfloat>(quad.texCoords[corner][0]),
                  static_cast<GLfloat>(quad.texCoords[corner][1]));

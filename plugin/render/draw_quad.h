@@ -5,8 +5,7 @@
 namespace plugin {
 
 /// Draws one piece as one quadrilateral of the program in use. The normal carries to it the size of
-/// the piece's image in pixels and, in the coordinate pass, which coordinate is wanted.
-/// [program in use, camera aimed]
-void DrawQuad(const Frame& frame, const DrawPiece& piece, GLfloat coordinate);
+/// the piece's image in pixels. [program in use, camera aimed]
+void DrawQuad(const Frame& frame, const DrawPiece& piece);
 
 }  // namespace plugin

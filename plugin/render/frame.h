@@ -19,6 +19,8 @@ struct DrawPiece {
   double depth;
   std::size_t slot;
   ImageFamily family;
+  /// Needs an ownership test in an exact frame (MarkContestedPieces).
+  bool isContested = false;
 };
 
 /// Everything that one render call holds; its stages take it.

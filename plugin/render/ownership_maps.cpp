@@ -1,126 +1,94 @@
 #include "plugin/render/ownership_maps.h"
 
 #include <algorithm>
+#include <array>
 
-#include "plugin/host/host_memory.h"
 #include "plugin/render/draw_quad.h"
+#include "plugin/render/map_textures.h"
 #include "plugin/render/piece_area.h"
-#include "plugin/render/pixel_rows.h"
 #include "plugin/render/rectangle_texture.h"
 
 namespace plugin {
 
-using AESDK_OpenGL::AESDK_OpenGL_BindSampler;
-using AESDK_OpenGL::AESDK_OpenGL_SetBlendEquation;
-using AESDK_OpenGL::AESDK_OpenGL_SetUniform4;
-using AESDK_OpenGL::gState;
+using namespace AESDK_OpenGL;
 
 namespace {
 
-/// What a map holds, as the shader reads it from the normal's third component.
-struct Coordinate {
-  GLfloat selector;
-  GLuint OwnershipMaps::Pair::*map;
-};
-constexpr std::array<Coordinate, 2> kCoordinates{
-    {{0.0F, &OwnershipMaps::Pair::w}, {1.0F, &OwnershipMaps::Pair::h}}};
+MapTextures gMapTextures;
 
-/// The first fragment that reaches a pixel stays: the target starts at alpha 0, every fragment
-/// brings alpha 1.
-void SetCoordinatePass(Frame& frame) {
-  RequireFramework(frame, AESDK_OpenGL_SetBlendEquation(GL_ADD, GL_ADD));
-  glClearColor(0.0F, 0.0F, 0.0F, 0.0F);
-  glBlendFunc(GL_ONE_MINUS_DST_ALPHA, GL_DST_ALPHA);
-  RequireFramework(frame, AESDK_OpenGL_SetUniform4(gState, 0.0F, 0.0F, 0.0F, 0.0F, "dataFromAE"));
-}
-
-/// The pieces of one image, the nearest first, and the area outside which none of them has a pixel:
-/// nothing there is drawn, and its map is never looked at there.
-struct ImagePieces {
+/// The contested pieces of one image, the nearest first, the area outside which none of them has a
+/// pixel, and the textures that their maps are kept in.
+struct ContestedImage {
   std::vector<const DrawPiece*> pieces;
   Area area{};
+  std::array<GLuint, 2> maps{};
 };
 
-/// The images of a family, slot by slot.
-std::vector<ImagePieces> ImagesOf(const Frame& frame, const Tile& tile, ImageFamily family) {
-  std::vector<ImagePieces> images(frame.scene.slots.size());
+/// The images that have contested pieces in the tile.
+std::vector<ContestedImage> ContestedImages(const Frame& frame, const Tile& tile) {
+  std::vector<ContestedImage> images(frame.scene.slots.size() * kImageFamilies.size());
   std::for_each(frame.drawList.rbegin(), frame.drawList.rend(), [&](const DrawPiece& piece) {
-    if (piece.family == family) {
-      images[piece.slot].pieces.push_back(&piece);
+    if (piece.isContested) {
+      images[piece.slot * kImageFamilies.size() + piece.family].pieces.push_back(&piece);
     }
   });
-  for (ImagePieces& image : images) {
+  std::erase_if(images, [](const ContestedImage& image) { return image.pieces.empty(); });
+  for (ContestedImage& image : images) {
     image.area = AreaOf(frame, tile, image.pieces);
   }
+  std::erase_if(images, [](const ContestedImage& image) { return image.area.width == 0; });
   return images;
 }
 
-void DrawCoordinates(Frame& frame, const ImagePieces& image, GLuint texture, GLfloat selector) {
+/// The first fragment that reaches a pixel stays: the target starts at alpha 0, every fragment
+/// brings alpha 1. (Drawn the other way round without blending, as a piece that keeps the last
+/// fragment, software renderers were seen to drop what lay below fragments that are discarded.)
+void SetCoordinatePass(Frame& frame) {
+  RequireFramework(frame, AESDK_OpenGL_SetBlendEquation(GL_ADD, GL_ADD));
+  glBlendFunc(GL_ONE_MINUS_DST_ALPHA, GL_DST_ALPHA);
+  glClearColor(0.0F, 0.0F, 0.0F, 0.0F);
+}
+
+void DrawCoordinates(Frame& frame, const ContestedImage& image) {
   LimitDrawing(image.area);
   glClear(GL_COLOR_BUFFER_BIT);
+  const GLuint texture = frame.ImageOf(*image.pieces.front()).texture;
   RequireFramework(frame, AESDK_OpenGL_BindSampler(gState, texture, "videoTexture", 0));
   for (const DrawPiece* const piece : image.pieces) {
-    DrawQuad(frame, *piece, selector);
+    DrawQuad(frame, *piece);
   }
 }
 
-/// Moves an area of the tile from the render target into a texture of its own, at the same place; 0
-/// if the host has no buffer. Beyond the area the texture has no contents, or ends.
-GLuint KeepAsMap(Frame& frame, const Tile& tile, const Area& area) {
-  HostMemory buffer(frame.host.Suites(), PackedBytes(tile.width, tile.height));
-  void* const pixels = buffer ? buffer.Lock() : nullptr;
-  if (pixels == nullptr) {
-    return 0;
-  }
-  GLuint map = 0;
-  glGenTextures(1, &map);
-  ReadRenderTarget(area, pixels);
-  DefineRectangleTexture(map, area.x + area.width, area.y + area.height, nullptr, GL_NEAREST);
-  FillBoundTexture(area, pixels);
-  return map;
-}
-
-void RenderFamily(Frame& frame, const Tile& tile, ImageFamily family, OwnershipMaps& maps) {
-  const std::vector<ImagePieces> images = ImagesOf(frame, tile, family);
-  for (const Coordinate& coordinate : kCoordinates) {
-    for (std::size_t slot = 0; slot < images.size(); ++slot) {
-      const GLuint texture = frame.scene.slots[slot].images[family].texture;
-      if (texture == 0) {
-        continue;
-      }
-      DrawCoordinates(frame, images[slot], texture, coordinate.selector);
-      maps.Of(slot, family).*coordinate.map = KeepAsMap(frame, tile, images[slot].area);
+void RenderMaps(Frame& frame, const std::vector<ContestedImage>& images) {
+  SetCoordinatePass(frame);
+  constexpr std::array kJobs{AESDK_OpenGL_Job_CoordinateW, AESDK_OpenGL_Job_CoordinateH};
+  for (std::size_t map = 0; map < kJobs.size(); ++map) {
+    AESDK_OpenGL_UseJobProgram(gState, kJobs[map]);
+    for (const ContestedImage& image : images) {
+      DrawCoordinates(frame, image);
+      CopyRenderTarget(image.area, image.maps[map]);
     }
   }
 }
 
 }  // namespace
 
-OwnershipMaps::OwnershipMaps(std::size_t slotCount) {
-  for (std::vector<Pair>& pairs : pairs_) {
-    pairs.resize(slotCount);
-  }
-}
-
-OwnershipMaps::~OwnershipMaps() {
-  for (const std::vector<Pair>& pairs : pairs_) {
-    for (const Pair& pair : pairs) {
-      glDeleteTextures(1, &pair.w);  // 0 is ignored
-      glDeleteTextures(1, &pair.h);
-    }
-  }
-}
-
 OwnershipMaps RenderOwnershipMaps(Frame& frame, const Tile& tile) {
   OwnershipMaps maps(frame.scene.slots.size());
   if (frame.fastTransparency) {
     return maps;
   }
-  SetCoordinatePass(frame);
-  for (const ImageFamily family : kImageFamilies) {
-    RenderFamily(frame, tile, family, maps);
+  std::vector<ContestedImage> images = ContestedImages(frame, tile);
+  for (std::size_t index = 0; index < images.size(); ++index) {
+    ContestedImage& image = images[index];
+    image.maps = gMapTextures.Get(index, image.area.width, image.area.height);
+    maps.Add(*image.pieces.front(),
+             {.w = image.maps[0], .h = image.maps[1], .x = image.area.x, .y = image.area.y});
   }
+  RenderMaps(frame, images);
   return maps;
 }
+
+void ReleaseMapTextures() { gMapTextures.Release(); }
 
 }  // namespace plugin

@@ -10,9 +10,9 @@ namespace plugin {
 /// `pixels` is null, and sets both filters to `filter`. Leaves the texture bound on the active
 /// unit.
 ///
-/// Host pixels lie in memory as alpha, red, green, blue. Read as GL_ABGR_EXT their red and blue
-/// change places, and the readback with the same format changes them back: a format changed in one
-/// direction must be changed in the other.
+/// Host pixels lie in memory as alpha, red, green, blue, and are handed over as alpha, blue, green,
+/// red: red and blue change places, and the readback with the same format changes them back. A
+/// format changed in one direction must be changed in the other.
 void DefineRectangleTexture(GLuint texture, A_long width, A_long height, const void* pixels,
                             GLint filter);
 
@@ -20,7 +20,8 @@ void DefineRectangleTexture(GLuint texture, A_long width, A_long height, const v
 /// of the picture.
 void ReadRenderTarget(const Area& area, void* pixels);
 
-/// Puts packed rows, read by ReadRenderTarget, into the same area of the texture that is bound.
-void FillBoundTexture(const Area& area, const void* pixels);
+/// Copies an area of the render target to the first pixels of a rectangle texture, which is bound
+/// on the active unit then.
+void CopyRenderTarget(const Area& area, GLuint texture);
 
 }  // namespace plugin

@@ -7,6 +7,7 @@
 #include "plugin/host/report.h"
 #include "plugin/render/camera.h"
 #include "plugin/render/colour_passes.h"
+#include "plugin/render/contested_pieces.h"
 #include "plugin/render/draw_list.h"
 #include "plugin/render/frame.h"
 #include "plugin/render/ownership_maps.h"
@@ -22,7 +23,6 @@ namespace plugin {
 using AESDK_OpenGL::AESDK_OpenGL_BindRenderTarget;
 using AESDK_OpenGL::AESDK_OpenGL_FramebufferStatusText;
 using AESDK_OpenGL::AESDK_OpenGL_UseNoProgram;
-using AESDK_OpenGL::AESDK_OpenGL_UseProgram;
 using AESDK_OpenGL::gState;
 
 namespace {
@@ -42,7 +42,7 @@ void ClearOutput(HostCalls& host, PF_InData& in, PF_EffectWorld& output) {
   host.Run(in.utils->fill, in.effect_ref, nullptr, nullptr, &output);
 }
 
-/// Everything that the stages rely on and none of them sets.
+/// Everything that the stages rely on and none of them sets. Each selects its own program.
 void SetFixedState() {
   glEnable(GL_TEXTURE_RECTANGLE_ARB);
   glDisable(GL_ALPHA_TEST);
@@ -50,13 +50,12 @@ void SetFixedState() {
   glEnable(GL_BLEND);
   glDisable(GL_LIGHTING);
   glPolygonMode(GL_FRONT, GL_FILL);
-  AESDK_OpenGL_UseProgram(gState);
 }
 
 /// False if the tile could not be read back.
 bool RenderTile(Frame& frame, const Tile& tile) {
   AimCamera(frame, tile);
-  OwnershipMaps maps = RenderOwnershipMaps(frame, tile);
+  const OwnershipMaps maps = RenderOwnershipMaps(frame, tile);
   EndStage(FrameStage::kMaps);
   RenderColourPasses(frame, tile, maps);
   EndStage(FrameStage::kPasses);
@@ -119,6 +118,9 @@ void RenderFrame(Frame& frame) {
   UploadPieceImages(frame);
   EndStage(FrameStage::kUpload);
   frame.drawList = BuildDrawList(frame.scene, frame.params);
+  if (!frame.fastTransparency) {
+    MarkContestedPieces(frame);
+  }
   EndStage(FrameStage::kDrawList);
   const bool whole = RenderTiles(frame);
   glFlush();

@@ -24,6 +24,24 @@ struct Piece {
   Texel color = {1, 1, 1, 1};
 };
 
+constexpr Values kCoordinates = {0, 0, 0, 0};
+constexpr Values kPlainColors = {1, 0, 0, 0};
+constexpr Values kOwnedColors = {1, 1, 0, 0};
+constexpr Values kVisibleColors = {1, 1, 1, 0};
+
+/// What a job's program has as constants; the third component of the normal counts in coordinate
+/// passes alone.
+struct Job {
+  AESDK_OpenGL_Job job;
+  Values values;
+  GLfloat third = 0;
+};
+constexpr std::array<Job, 5> kJobs{{{AESDK_OpenGL_Job_Color, kPlainColors},
+                                    {AESDK_OpenGL_Job_VisibleColor, kVisibleColors},
+                                    {AESDK_OpenGL_Job_OwnedColor, kOwnedColors},
+                                    {AESDK_OpenGL_Job_CoordinateW, kCoordinates, 0},
+                                    {AESDK_OpenGL_Job_CoordinateH, kCoordinates, 1}}};
+
 // Draws pieces over two pixels, with an image and maps of floats, so that a threshold can be hit to
 // the last bit.
 class ShaderPass : public StartedFramework {
@@ -45,6 +63,13 @@ class ShaderPass : public StartedFramework {
     StartedFramework::TearDown();
   }
 
+  void SetSamplers() {
+    for (const GLuint unit : {0U, 1U, 2U}) {
+      constexpr std::array kNames{"videoTexture", "coordTextureW", "coordTextureH"};
+      AESDK_OpenGL_BindSampler(gState, textures_[unit], kNames[unit], unit);
+    }
+  }
+
   void SetTexture(const char* name, GLuint unit, const std::vector<Texel>& row) {
     GLuint& texture = textures_.at(unit);
     if (texture == 0) {
@@ -57,10 +82,27 @@ class ShaderPass : public StartedFramework {
     glTexParameteri(GL_TEXTURE_RECTANGLE_ARB, GL_TEXTURE_MAG_FILTER, GL_NEAREST);
   }
 
-  static std::array<Pixel, 2> Draw(const Values& values, const Piece& piece) {
+  /// By the general program, and the same by that of the job, if there is one.
+  std::array<Pixel, 2> Draw(const Values& values, const Piece& piece) {
+    AESDK_OpenGL_UseProgram(gState);
+    AESDK_OpenGL_SetUniform4(gState, values[0], values[1], values[2], values[3], "dataFromAE");
+    const std::array<Pixel, 2> pixels = DrawWithProgramInUse(piece);
+    for (const Job& job : kJobs) {
+      const bool isIts =
+          values == job.values && (values[0] == 1.0F || piece.normal[2] == job.third);
+      if (isIts) {
+        AESDK_OpenGL_UseJobProgram(gState, job.job);
+        SetSamplers();
+        EXPECT_EQ(DrawWithProgramInUse(piece), pixels) << "job " << job.job;
+      }
+    }
+    AESDK_OpenGL_UseProgram(gState);
+    return pixels;
+  }
+
+  static std::array<Pixel, 2> DrawWithProgramInUse(const Piece& piece) {
     glClearColor(10 / 255.0F, 20 / 255.0F, 30 / 255.0F, 40 / 255.0F);
     glClear(GL_COLOR_BUFFER_BIT);
-    AESDK_OpenGL_SetUniform4(gState, values[0], values[1], values[2], values[3], "dataFromAE");
     glColor4fv(piece.color.data());
     glNormal3fv(piece.normal.data());
     glTexCoord2f(piece.s, piece.t);
@@ -71,17 +113,10 @@ class ShaderPass : public StartedFramework {
     return pixels;
   }
 
-  static Pixel First(const Values& values, const Piece& piece = {}) {
-    return Draw(values, piece)[0];
-  }
+  Pixel First(const Values& values, const Piece& piece = {}) { return Draw(values, piece)[0]; }
 
   std::array<GLuint, 3> textures_ = {};
 };
-
-constexpr Values kCoordinates = {0, 0, 0, 0};
-constexpr Values kPlainColors = {1, 0, 0, 0};
-constexpr Values kOwnedColors = {1, 1, 0, 0};
-constexpr Values kVisibleColors = {1, 1, 1, 0};
 
 TEST_F(ShaderPass, CoordinatesArePackedIntoThreeDigitsToTheBase255) {
   // 0.25 × 255 = 63.75; 0.75 × 255 = 191.25; 0.25 × 255 = 63.75: the digits 63, 191, 63.

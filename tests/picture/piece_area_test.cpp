@@ -14,8 +14,8 @@
 
 #include "check/support/pieces.h"
 #include "check/support/rig.h"
-#include "plugin/host/parameters.h"
 #include "tests/support/render_target.h"
+#include "tests/support/still_frame.h"
 
 namespace {
 
@@ -32,20 +32,12 @@ class PieceAreaTest : public check::RigTest {
  protected:
   /// The area of rectangles on a layer at half resolution that begins at (7, -5).
   [[nodiscard]] Area AreaAt(const Tile& tile, const std::vector<Box>& boxes, A_long farX = 0) {
-    PF_InData in = rig.host.InputRecord(nullptr);
-    in.downsample_x.den = in.downsample_y.den = 2;
-    in.output_origin_x = 3 - farX;
-    in.pre_effect_source_origin_x = 4 + farX;
-    in.output_origin_y = -5;
-    in.pre_effect_source_origin_y = 0;
-    PF_OutData out{};
-    PF_ParamDef any{};
-    const std::vector<PF_ParamDef*> params(plugin::PARAM_COUNT, &any);
-    PF_EffectWorld output{};
-    plugin::HostCalls host(in.pica_basicP);
-    plugin::Scene scene;
-    const plugin::Frame frame(in, out, params.data(), output, host, scene);
-
+    check::StillFrame still(rig.host.InputRecord(nullptr));
+    still.in.downsample_x.den = still.in.downsample_y.den = 2;
+    still.in.output_origin_x = 3 - farX;
+    still.in.pre_effect_source_origin_x = 4 + farX;
+    still.in.output_origin_y = -5;
+    still.in.pre_effect_source_origin_y = 0;
     std::deque<PieceQuad> quads;
     std::deque<plugin::DrawPiece> pieces;
     std::vector<const plugin::DrawPiece*> pointers(boxes.size());
@@ -54,7 +46,7 @@ class PieceAreaTest : public check::RigTest {
       pieces.push_back({&quads.back(), 0, 0, {}});
       return &pieces.back();
     });
-    return plugin::AreaOf(frame, tile, pointers);
+    return plugin::AreaOf(still.Make(), tile, pointers);
   }
 };
 
