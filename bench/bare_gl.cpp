@@ -4,33 +4,27 @@
 #include <stdexcept>
 #include <string>
 
-#include "plugin/gl/shader_sources.h"
-
 namespace bench {
 namespace {
 
 constexpr GLint kFourComponents = 4;
-constexpr GLfloat kGreatestPass = 0.0F;
-constexpr GLfloat kOverPass = 1.0F;
 // One unit of the plane of the pieces is one pixel, seen from this far.
 constexpr double kEyeDistance = 3000.0;
 constexpr double kNearPlane = 10.0;
 constexpr double kFarPlane = 30000.0;
 
-const char* const kLeanVertexSource =
+const char* const kVertexSource =
     "void main() {"
     "  gl_Position = gl_ModelViewProjectionMatrix * gl_Vertex;"
     "  gl_FrontColor = gl_Color;"
     "  gl_TexCoord[0] = gl_MultiTexCoord0;"
     "}";
 
-const char* const kLeanFragmentSource =
+const char* const kFragmentSource =
     "#extension GL_ARB_texture_rectangle : enable\n"
     "uniform sampler2DRect videoTexture;"
-    "uniform vec4 dataFromAE;"
     "void main() {"
     "  vec4 colour = texture2DRect(videoTexture, gl_TexCoord[0].st);"
-    "  if (dataFromAE.y == 1.0 && colour.a == 0.0) discard;"
     "  colour *= gl_Color;"
     "  colour.rgb *= colour.a;"
     "  gl_FragColor = colour;"
@@ -81,9 +75,6 @@ BareGl::EntryPoints::EntryPoints() {
   Load(linkProgram, "glLinkProgram");
   Load(getProgram, "glGetProgramiv");
   Load(useProgram, "glUseProgram");
-  Load(getUniformLocation, "glGetUniformLocation");
-  Load(uniform1i, "glUniform1i");
-  Load(uniform4f, "glUniform4f");
   Load(blendEquation, "glBlendEquation");
   Load(genFramebuffers, "glGenFramebuffers");
   Load(bindFramebuffer, "glBindFramebuffer");
@@ -91,21 +82,19 @@ BareGl::EntryPoints::EntryPoints() {
   Load(checkFramebufferStatus, "glCheckFramebufferStatus");
 }
 
-BareGl::BareGl(FrameSize size, Shading shading)
+BareGl::BareGl(FrameSize size)
     : size_(size),
       pixels_(static_cast<std::size_t>(size.width) * static_cast<std::size_t>(size.height) * 4) {
   const Scope current(context_);
   const EntryPoints gl;
-  uniform4f_ = gl.uniform4f;
   blendEquation_ = gl.blendEquation;
-  MakeProgram(gl, shading);
+  MakeProgram(gl);
   MakeTarget(gl);
   AimCamera();
   glEnable(GL_BLEND);
 }
 
-void BareGl::MakeProgram(const EntryPoints& gl, Shading shading) {
-  const bool isLean = shading == Shading::kLean;
+void BareGl::MakeProgram(const EntryPoints& gl) {
   const GLuint program = gl.createProgram();
   const auto attach = [&](GLenum type, const char* source) {
     const GLuint shader = gl.createShader(type);
@@ -113,8 +102,8 @@ void BareGl::MakeProgram(const EntryPoints& gl, Shading shading) {
     gl.compileShader(shader);
     gl.attachShader(program, shader);
   };
-  attach(GL_VERTEX_SHADER, isLean ? kLeanVertexSource : AESDK_OpenGL::kVertexSource);
-  attach(GL_FRAGMENT_SHADER, isLean ? kLeanFragmentSource : AESDK_OpenGL::kFragmentSource);
+  attach(GL_VERTEX_SHADER, kVertexSource);
+  attach(GL_FRAGMENT_SHADER, kFragmentSource);
   gl.linkProgram(program);
   GLint linked = GL_FALSE;
   gl.getProgram(program, GL_LINK_STATUS, &linked);
@@ -122,10 +111,6 @@ void BareGl::MakeProgram(const EntryPoints& gl, Shading shading) {
     throw std::runtime_error("the bare program's shaders do not link");
   }
   gl.useProgram(program);
-  passLocation_ = gl.getUniformLocation(program, "dataFromAE");
-  // The maps are not wanted here: their samplers look where there is no texture, which is cheapest.
-  gl.uniform1i(gl.getUniformLocation(program, "coordTextureW"), 1);
-  gl.uniform1i(gl.getUniformLocation(program, "coordTextureH"), 2);
 }
 
 void BareGl::MakeTarget(const EntryPoints& gl) {
@@ -177,16 +162,15 @@ const std::vector<std::uint8_t>& BareGl::Draw(const Drawing& drawing) {
   glClear(GL_COLOR_BUFFER_BIT);
   if (!drawing.vertices.empty()) {
     UseVertices(drawing);
-    DrawPass(drawing, kGreatestPass, GL_MAX, GL_ONE);
-    DrawPass(drawing, kOverPass, GL_FUNC_ADD, GL_ONE_MINUS_SRC_ALPHA);
+    DrawPass(drawing, GL_MAX, GL_ONE);
+    DrawPass(drawing, GL_FUNC_ADD, GL_ONE_MINUS_SRC_ALPHA);
   }
   // Alpha, blue, green, red in memory; the host's order, as blue and red have changed places.
   glReadPixels(0, 0, size_.width, size_.height, GL_RGBA, GL_UNSIGNED_INT_8_8_8_8, pixels_.data());
   return pixels_;
 }
 
-void BareGl::DrawPass(const Drawing& drawing, GLfloat pass, GLenum equation, GLenum factor) const {
-  uniform4f_(passLocation_, 1.0F, pass, 1.0F, 0.0F);
+void BareGl::DrawPass(const Drawing& drawing, GLenum equation, GLenum factor) const {
   blendEquation_(equation);
   glBlendFunc(GL_ONE, factor);
   for (const Run& run : drawing.runs) {

@@ -33,20 +33,16 @@ struct Drawing {
   std::vector<Run> runs;
 };
 
-/// What a fragment costs: the program of the plug-in, which serves all of its passes, or one that
-/// can do nothing but what the two passes of a fast frame need.
-enum class Shading { kOfThePlugin, kLean };
-
 /// The least that an OpenGL program must do for a frame: the pieces drawn from a vertex array in
 /// two passes, the greatest of each channel and then over it, and read back once. It has a context
-/// and a target of its own, the target no larger than the frame; of the plug-in's code it has the
-/// text of the shaders at the most.
+/// and a target of its own, the target no larger than the frame, and shaders that can do nothing
+/// else.
 ///
 ///   (AddImage* Draw*)*; between calls the context that was current before is current again
 class BareGl {
  public:
   /// Throws std::runtime_error when there is no context, or the program or target cannot be made.
-  explicit BareGl(FrameSize size, Shading shading = Shading::kOfThePlugin);
+  explicit BareGl(FrameSize size);
   BareGl(const BareGl&) = delete;
   BareGl& operator=(const BareGl&) = delete;
   ~BareGl() = default;
@@ -72,9 +68,6 @@ class BareGl {
     PFNGLLINKPROGRAMPROC linkProgram;
     PFNGLGETPROGRAMIVPROC getProgram;
     PFNGLUSEPROGRAMPROC useProgram;
-    PFNGLGETUNIFORMLOCATIONPROC getUniformLocation;
-    PFNGLUNIFORM1IPROC uniform1i;
-    PFNGLUNIFORM4FPROC uniform4f;
     PFNGLBLENDEQUATIONPROC blendEquation;
     PFNGLGENFRAMEBUFFERSPROC genFramebuffers;
     PFNGLBINDFRAMEBUFFERPROC bindFramebuffer;
@@ -95,16 +88,14 @@ class BareGl {
     HGLRC renderContext_ = wglGetCurrentContext();
   };
 
-  void MakeProgram(const EntryPoints& gl, Shading shading);
+  static void MakeProgram(const EntryPoints& gl);
   void MakeTarget(const EntryPoints& gl);
   void AimCamera() const;
-  void DrawPass(const Drawing& drawing, GLfloat pass, GLenum equation, GLenum factor) const;
+  void DrawPass(const Drawing& drawing, GLenum equation, GLenum factor) const;
 
   FrameSize size_;
   standin::GlContext context_;
-  PFNGLUNIFORM4FPROC uniform4f_ = nullptr;
   PFNGLBLENDEQUATIONPROC blendEquation_ = nullptr;
-  GLint passLocation_ = 0;
   std::vector<GLuint> textures_;
   std::vector<std::uint8_t> pixels_;
 };

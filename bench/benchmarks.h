@@ -38,12 +38,16 @@ const std::vector<Benchmark>& Benchmarks();
 // std::runtime_error when they do not.
 
 PlayPair Fast1080();
-PlayPair Lean1080();
 PlayPair Fast2000();
 PlayPair Small270();
 PlayPair Exact1();
 PlayPair Exact25();
+PlayPair ExactRig();
+PlayPair ExactFold();
+PlayPair ExactWave();
+PlayPair ExactKnot();
 PlayPair ExactScattered();
+PlayPair Contested();
 PlayPair GrowPieces();
 PlayPair GrowSize();
 PlayPair SecondFrame();
@@ -51,6 +55,7 @@ PlayPair Upload();
 PlayPair Intake();
 PlayPair Sort();
 PlayPair Memory();
+PlayPair MemoryExact();
 PlayPair Cairo();
 PlayPair Sequence();
 

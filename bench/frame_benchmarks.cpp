@@ -52,8 +52,7 @@ void RequireSameCoverage(const tarvo::Picture& ours, std::size_t theirs) {
 /// The plug-in and a bare program with the same rig before them.
 class Match {
  public:
-  Match(const Rig& rig, Shading shading)
-      : hosted_(rig), bare_(rig.size, shading), drawing_(InOrder(rig)) {
+  explicit Match(const Rig& rig) : hosted_(rig), bare_(rig.size), drawing_(InOrder(rig)) {
     for (const Bone& bone : rig.bones) {
       bare_.AddImage(bone.image);
     }
@@ -77,8 +76,8 @@ class Match {
   Drawing drawing_;
 };
 
-PlayPair AgainstBare(const Rig& rig, Shading shading = Shading::kOfThePlugin) {
-  return [match = std::make_shared<Match>(rig, shading)] { return match->Play(); };
+PlayPair AgainstBare(const Rig& rig) {
+  return [match = std::make_shared<Match>(rig)] { return match->Play(); };
 }
 
 PlayPair ExactAgainstFast(const Rig& rig) {
@@ -98,11 +97,14 @@ PlayPair Growth(const Rig& large, const Rig& small, double times) {
 }  // namespace
 
 PlayPair Fast1080() { return AgainstBare(Limbs(kFullHd)); }
-PlayPair Lean1080() { return AgainstBare(Limbs(kFullHd), Shading::kLean); }
 PlayPair Fast2000() { return AgainstBare(Field(2000, 1.5)); }
 PlayPair Small270() { return AgainstBare(Limbs(kSmall)); }
 PlayPair Exact1() { return ExactAgainstFast(Carpet()); }
 PlayPair Exact25() { return ExactAgainstFast(Limbs(kFullHd)); }
+PlayPair ExactRig() { return ExactAgainstFast(Limbs(kFullHd, Slicing::kSideBySide)); }
+PlayPair ExactFold() { return ExactAgainstFast(Limbs(kFullHd, Slicing::kFolded)); }
+PlayPair ExactWave() { return ExactAgainstFast(Sample("wave")); }
+PlayPair ExactKnot() { return ExactAgainstFast(Sample("knot")); }
 PlayPair ExactScattered() { return ExactAgainstFast(Field(2000, 1.5)); }
 PlayPair GrowPieces() { return Growth(Field(10'000, 2.0), Field(1'000, 2.0), 10.0); }
 PlayPair GrowSize() { return Growth(Limbs(k8K), Limbs(k4K), 4.0); }
@@ -146,6 +148,14 @@ PlayPair Memory() {
     const double buffer = 4.0 * size.width * size.height;
     return Pair{.ours = static_cast<double>(tracker.PeakBytes() - before) / buffer - 1.0,
                 .theirs = 1.0};
+  };
+}
+
+/// Of every texture in the plug-in's context, after an exact frame.
+PlayPair MemoryExact() {
+  return [hosted = std::make_shared<HostedRig>(Limbs(kFullHd))] {
+    hosted->TimeRender(false);
+    return Pair{.ours = TextureBytes() / (4.0 * kFullHd.width * kFullHd.height), .theirs = 1.0};
   };
 }
 

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "bench/measure.h"
+#include "plugin/gl/framework.h"
 #include "plugin/host/host_calls.h"
 #include "plugin/host/host_memory.h"
 #include "plugin/host/host_world.h"
@@ -179,6 +180,28 @@ double HostedRig::TimeMessage(PF_EntryPoint answer) {
 double HostedRig::TimeHostCalls(const std::vector<std::uint8_t>& premultiplied) {
   gPremultiplied = premultiplied.data();
   return TimeRender(true, FrameWithoutDrawing);
+}
+
+double TextureBytes() {
+  using AESDK_OpenGL::gState;
+  constexpr GLuint kNames = 4096;  // far more than the plug-in makes
+  const HDC deviceContext = wglGetCurrentDC();
+  const HGLRC renderContext = wglGetCurrentContext();
+  wglMakeCurrent(gState.deviceContext, gState.renderContext);
+  double bytes = 0.0;
+  for (GLuint name = 1; name < kNames; ++name) {
+    if (glIsTexture(name) == GL_FALSE) {
+      continue;
+    }
+    GLint width = 0;
+    GLint height = 0;
+    glBindTexture(GL_TEXTURE_RECTANGLE_ARB, name);
+    glGetTexLevelParameteriv(GL_TEXTURE_RECTANGLE_ARB, 0, GL_TEXTURE_WIDTH, &width);
+    glGetTexLevelParameteriv(GL_TEXTURE_RECTANGLE_ARB, 0, GL_TEXTURE_HEIGHT, &height);
+    bytes += 4.0 * width * height;
+  }
+  wglMakeCurrent(deviceContext, renderContext);
+  return bytes;
 }
 
 Drawing InOrder(const Rig& rig) {

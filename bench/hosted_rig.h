@@ -44,6 +44,9 @@ class HostedRig {
   tarvo::Picture lastPicture_;
 };
 
+/// Bytes of all rectangle textures in the plug-in's context, its render target's among them.
+double TextureBytes();
+
 /// The rig's pieces in the order in which the plug-in is to draw them, images numbered as its
 /// bones.
 Drawing InOrder(const Rig& rig);

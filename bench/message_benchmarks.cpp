@@ -1,15 +1,18 @@
 #include <algorithm>
+#include <cstddef>
 #include <memory>
 #include <random>
+#include <vector>
 
 #include "bench/benchmarks.h"
 #include "bench/hosted_rig.h"
 #include "bench/measure.h"
-#include "plugin/host/parameters.h"
 #include "plugin/host/process.h"
 #include "plugin/host/suite_handler.h"
+#include "plugin/render/contested_pieces.h"
 #include "plugin/render/draw_list.h"
 #include "sdk/aegp_suites.h"
+#include "tests/support/still_frame.h"
 
 namespace bench {
 namespace {
@@ -56,34 +59,60 @@ Rig Crowd() {
   return rig;
 }
 
-/// One slot of pieces at random places along a bone that runs through the whole depth.
-plugin::Scene RandomScene() {
-  plugin::Scene scene;
-  scene.slots.resize(1);
-  scene.boneOrdinal = {0};
-  scene.slots.front().images[plugin::kImageA].texture = 1;
+/// Frames of a scene whose images are there, with bones that run through the whole depth.
+class SceneToSort {
+ public:
+  explicit SceneToSort(std::size_t bones) : still_(TheHost().InputRecord(nullptr)) {
+    still_.scene.slots.resize(bones);
+    for (std::size_t bone = 0; bone < bones; ++bone) {
+      const auto number = static_cast<A_long>(bone);
+      still_.scene.boneOrdinal.push_back(number);
+      ParameterAt(plugin::StartZIndex(number)) = kDeep;
+      ParameterAt(plugin::EndZIndex(number)) = -kDeep;
+      plugin::SlotImage& image = still_.scene.slots[bone].images[plugin::kImageA];
+      image.texture = 1;
+      image.width = image.height = kLargest;
+    }
+  }
+
+  static constexpr double kDeep = 100.0;
+
+  [[nodiscard]] std::vector<PieceQuad>& Pieces(std::size_t bone) {
+    return still_.scene.slots[bone].quads;
+  }
+  plugin::Frame MakeFrame() { return still_.Make(); }
+
+ private:
+  static constexpr A_long kLargest = 16'384;
+
+  double& ParameterAt(A_long index) {
+    return still_.parameters[static_cast<std::size_t>(index)].u.fs_d.value;
+  }
+
+  check::StillFrame still_;
+};
+
+/// One bone's pieces at random places along it.
+std::shared_ptr<SceneToSort> RandomScene() {
+  auto scene = std::make_shared<SceneToSort>(1);
   std::mt19937 generator(7);
   for (int piece = 0; piece < kPiecesToSort; ++piece) {
     PieceQuad quad{};
     quad.boneT = static_cast<double>(generator()) / 4294967296.0;
-    scene.slots.front().quads.push_back(quad);
+    scene->Pieces(0).push_back(quad);
   }
   return scene;
 }
 
-/// The plug-in's parameters with a first bone of this depth.
-struct Parameters {
-  Parameters() : definitions(plugin::PARAM_COUNT) {
-    definitions[static_cast<std::size_t>(plugin::StartZIndex(0))].u.fs_d.value = 100.0;
-    definitions[static_cast<std::size_t>(plugin::EndZIndex(0))].u.fs_d.value = -100.0;
-    for (PF_ParamDef& definition : definitions) {
-      pointers.push_back(&definition);
-    }
+/// Limbs cut into as many slices.
+std::shared_ptr<SceneToSort> SlicedScene() {
+  auto scene = std::make_shared<SceneToSort>(kBones);
+  const Rig rig = Limbs(kFullHd, Slicing::kFolded, kPiecesToSort / kBones);
+  for (std::size_t bone = 0; bone < rig.bones.size(); ++bone) {
+    scene->Pieces(bone) = rig.bones[bone].pieces;
   }
-
-  std::vector<PF_ParamDef> definitions;
-  std::vector<PF_ParamDef*> pointers;
-};
+  return scene;
+}
 
 }  // namespace
 
@@ -98,19 +127,34 @@ PlayPair Intake() {
   };
 }
 
+/// Depths are worked out on both sides.
 PlayPair Sort() {
-  const auto parameters = std::make_shared<Parameters>();
-  return [scene = RandomScene(), parameters] {
+  return [scene = RandomScene()] {
     Pair pair;
     std::vector<plugin::DrawPiece> ours;
-    pair.ours =
-        Milliseconds([&] { ours = plugin::BuildDrawList(scene, parameters->pointers.data()); });
+    const plugin::Frame frame = scene->MakeFrame();
+    pair.ours = Milliseconds([&] { ours = plugin::BuildDrawList(frame.scene, frame.params); });
     std::vector<plugin::DrawPiece> theirs = ours;
     std::ranges::sort(theirs, {}, &plugin::DrawPiece::quad);  // as they were before
     pair.theirs = Milliseconds([&] {
+      for (plugin::DrawPiece& piece : theirs) {
+        const double t = piece.quad->boneT;
+        piece.depth = 1e6 * SceneToSort::kDeep * (1.0 - t) - 1e6 * SceneToSort::kDeep * t;
+      }
       std::sort(theirs.begin(), theirs.end(),
                 [](const auto& a, const auto& b) { return a.depth > b.depth; });
     });
+    return pair;
+  };
+}
+
+PlayPair Contested() {
+  return [scene = SlicedScene()] {
+    plugin::Frame frame = scene->MakeFrame();
+    Pair pair;
+    pair.theirs =
+        Milliseconds([&] { frame.drawList = plugin::BuildDrawList(frame.scene, frame.params); });
+    pair.ours = Milliseconds([&] { plugin::MarkContestedPieces(frame); });
     return pair;
   };
 }

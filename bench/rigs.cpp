@@ -6,10 +6,12 @@
 #include <numbers>
 #include <random>
 
+#include "tool/player/scene_player.h"
+#include "tool/rig/file/scene_file.h"
+
 namespace bench {
 namespace {
 
-constexpr int kSlices = kLimbPieces / kBones;
 constexpr int kLimbImageSide = 512;
 constexpr int kFieldImageSide = 64;
 constexpr int kCarpetColumns = 20;
@@ -78,23 +80,51 @@ tarvo::Picture SoftDisc(int side, int number) {
   return picture;
 }
 
-/// The slices of one limb, each reaching a quarter of its length over the next one.
-std::vector<PieceQuad> Slices(const Place& limb) {
+/// The part of the image that each slice of a limb shows, and where it lies along the limb.
+class Slicer {
+ public:
+  Slicer(Slicing slicing, int slices)
+      : slicing_(slicing), slices_(slices), step_((kLimbImageSide - 2.0) / slices) {}
+
+  [[nodiscard]] Cut CutOf(int slice) const {
+    const double reach = slicing_ == Slicing::kOverlapping ? 1.25 : 1.0;
+    return {.left = PlaceOf(slice),
+            .top = 1.0,
+            .right = std::min(PlaceOf(slice + reach), kLimbImageSide - 1.0),
+            .bottom = kLimbImageSide - 1.0};
+  }
+
+  /// Behind the fold it goes back.
+  [[nodiscard]] double Along(double place) const {
+    const double fold = PlaceOf(std::round(0.625 * slices_));
+    return slicing_ == Slicing::kFolded && place > fold ? 2.0 * fold - place : place;
+  }
+
+ private:
+  [[nodiscard]] double PlaceOf(double slice) const { return 1.0 + slice * step_; }
+
+  Slicing slicing_;
+  int slices_;
+  double step_;  ///< pixels of the image
+};
+
+/// Neighbours that lie side by side share the corners between them to the last bit.
+std::vector<PieceQuad> Slices(const Place& limb, Slicing slicing, int slices) {
+  const Slicer slicer(slicing, slices);
   std::vector<PieceQuad> pieces;
-  const double step = (kLimbImageSide - 2.0) / kSlices;
   const double scale = limb.width / kLimbImageSide;
-  for (int slice = 0; slice < kSlices; ++slice) {
-    const Cut cut{.left = 1.0 + slice * step,
-                  .top = 1.0,
-                  .right = std::min(1.0 + (slice + 1.25) * step, kLimbImageSide - 1.0),
-                  .bottom = kLimbImageSide - 1.0};
-    const double fromMiddle = (0.5 * (cut.left + cut.right) - 0.5 * kLimbImageSide) * scale;
-    pieces.push_back(Piece({.x = limb.x + fromMiddle * std::cos(limb.turn),
-                            .y = limb.y + fromMiddle * std::sin(limb.turn),
-                            .width = (cut.right - cut.left) * scale,
-                            .height = (cut.bottom - cut.top) * scale,
-                            .turn = limb.turn},
-                           cut, (slice + 0.5) / kSlices));
+  for (int slice = 0; slice < slices; ++slice) {
+    PieceQuad piece = Piece(limb, slicer.CutOf(slice), (slice + 0.5) / slices);
+    for (const std::size_t corner : {0U, 1U, 2U, 3U}) {
+      const double along =
+          (slicer.Along(piece.texCoords[corner][0]) - 0.5 * kLimbImageSide) * scale;
+      const double across = (piece.texCoords[corner][1] - 0.5 * kLimbImageSide) * scale;
+      piece.corners[corner][0] =
+          limb.x + along * std::cos(limb.turn) - across * std::sin(limb.turn);
+      piece.corners[corner][1] =
+          limb.y + along * std::sin(limb.turn) + across * std::cos(limb.turn);
+    }
+    pieces.push_back(piece);
   }
   return pieces;
 }
@@ -112,7 +142,7 @@ std::string InWords(int images, int pieces) {
   return counted(images, "image") + ", " + counted(pieces, "piece");
 }
 
-Rig Limbs(FrameSize size) {
+Rig Limbs(FrameSize size, Slicing slicing, int slices) {
   Rig rig{.size = size, .bones = {}};
   RandomSource random;
   const double side = kLimbImageSide * static_cast<double>(size.height) / kFullHd.height;
@@ -124,9 +154,22 @@ Rig Limbs(FrameSize size) {
                      .height = side,
                      .turn = random.Between(0.0, 2.0 * std::numbers::pi)};
     rig.bones.push_back({.image = SoftDisc(kLimbImageSide, number),
-                         .pieces = Slices(limb),
+                         .pieces = Slices(limb, slicing, slices),
                          .startZ = -1.0 * number,
                          .endZ = -1.0 * number - 1.5});
+  }
+  return rig;
+}
+
+Rig Sample(const std::string& name) {
+  const tarvo::Scene scene = tarvo::ReadScene(TARVO_EXAMPLES "/" + name + "/" + name + ".json");
+  Rig rig{.size = {scene.width, scene.height}, .bones = {}};
+  for (const tarvo::Bone& bone : scene.bones) {
+    const tarvo::ZPair z = bone.z.value_or(tarvo::ZPair{});
+    rig.bones.push_back({.image = scene.images[bone.image].picture,
+                         .pieces = tarvo::Quads(bone),
+                         .startZ = z.start,
+                         .endZ = z.end});
   }
   return rig;
 }

@@ -37,10 +37,19 @@ struct Rig {
   std::vector<Bone> bones;
 };
 
-/// A limb for each bone, each of 8 overlapping slices of an image of 512 × 512 pixels that is shown
-/// in its own size in full HD, and larger or smaller with the frame. They cover about four times
-/// the frame.
-Rig Limbs(FrameSize size);
+/// How the slices of a limb lie: each over a quarter of the next one, edge to edge, or edge to edge
+/// with the last three eighths turned back over what lies before them.
+enum class Slicing { kOverlapping, kSideBySide, kFolded };
+
+/// A limb for each bone, each of some slices of an image of 512 × 512 pixels that is shown in its
+/// own size in full HD, and larger or smaller with the frame. They cover about four times the
+/// frame.
+Rig Limbs(FrameSize size, Slicing slicing = Slicing::kOverlapping,
+          int slices = kLimbPieces / kBones);
+
+/// The sample of this name from the folder of examples, as at its first frame. Throws
+/// std::runtime_error if it cannot be read.
+Rig Sample(const std::string& name);
 
 /// `pieces` small pieces over the images of all bones, in full HD. Every bone runs through the
 /// whole depth, so that neighbours in the order of drawing seldom share an image. Together the

@@ -53,14 +53,6 @@ PieceQuad ToQuad(const Piece& piece) {
 }
 
 /// What a bone shows: nothing while it is inactive.
-std::vector<PieceQuad> Quads(const Bone& bone) {
-  std::vector<PieceQuad> quads;
-  if (bone.active) {
-    std::ranges::transform(bone.pieces, std::back_inserter(quads), ToQuad);
-  }
-  return quads;
-}
-
 bool AreSame(const std::vector<PieceQuad>& a, const std::vector<PieceQuad>& b) {
   return a.size() == b.size() &&
          (a.empty() || std::memcmp(a.data(), b.data(), a.size() * sizeof a.front()) == 0);
@@ -109,6 +101,14 @@ MessageStatistics Run(standin::Host& host, const Animation& animation,
 }
 
 }  // namespace
+
+std::vector<PieceQuad> Quads(const Bone& bone) {
+  std::vector<PieceQuad> quads;
+  if (bone.active) {
+    std::ranges::transform(bone.pieces, std::back_inserter(quads), ToQuad);
+  }
+  return quads;
+}
 
 PluginError::PluginError(std::vector<std::string> faultLines)
     : std::runtime_error(faultLines.empty() ? "" : faultLines.front()),

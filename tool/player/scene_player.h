@@ -50,6 +50,9 @@ class PluginError : public std::runtime_error {
   std::vector<std::string> lines_;
 };
 
+/// The bone's pieces as a companion sends them.
+std::vector<PieceQuad> Quads(const Bone& bone);
+
 /// Plays a scene on a host as users and companions would: the plug-in starts, every effect of the
 /// scene is applied to a layer, sliders change, frames are rendered, and the scene advances.
 ///
