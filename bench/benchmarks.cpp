@@ -26,9 +26,11 @@ std::vector<Benchmark> MakeBenchmarks() {
       {"contested", "finding the contested ones of 10,000 pieces", "their draw list", 1.5, 15,
        Contested},
       {"grow_pieces", "10,000 pieces", "10 times 1,000 pieces", 1.10, 5, GrowPieces, "ms",
-       "A frame of 1,000 pieces pays for its pixels as one of 10,000 does, and ten of them pay ten "
-       "times: that alone keeps the ratio far below its goal. The next bound is the plot by "
-       "pieces: its slope is what one piece costs, and it must not rise."},
+       "A frame's cost has a part for its pixels, the same for 1,000 pieces and for 10,000. Ten "
+       "frames "
+       "have that part ten times, which keeps the ratio far below its goal. The plot by pieces "
+       "shows "
+       "the other part: its slope is what one piece costs, and it must not rise."},
       {"grow_size", "7680 × 4320", "4 times 3840 × 2160", 1.10, 2, GrowSize},
       {"second_frame", "frame without new images", "its passes, read back and host calls", 1.10, 7,
        SecondFrame},

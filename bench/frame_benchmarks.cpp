@@ -39,34 +39,35 @@ void RequireSame(const tarvo::Picture& one, const tarvo::Picture& other) {
 }
 
 /// Cairo rounds edges in its own way and blends once; where something is painted says enough.
-void RequireSameCoverage(const tarvo::Picture& ours, std::size_t theirs) {
+void RequireSameCoverage(const tarvo::Picture& measured, std::size_t baseline) {
   const auto covered = static_cast<double>(std::ranges::count_if(
-      ours.pixels, [](const tarvo::Rgba& pixel) { return pixel.alpha != 0; }));
-  if (std::abs(covered - static_cast<double>(theirs)) <= 0.01 * covered) {
+      measured.pixels, [](const tarvo::Rgba& pixel) { return pixel.alpha != 0; }));
+  if (std::abs(covered - static_cast<double>(baseline)) <= 0.01 * covered) {
     return;
   }
-  throw std::runtime_error("Cairo covers " + std::to_string(theirs) + " pixels, the plug-in " +
+  throw std::runtime_error("Cairo covers " + std::to_string(baseline) + " pixels, the plug-in " +
                            std::to_string(covered));
 }
 
 /// The plug-in and a bare program with the same rig before them.
-class Match {
+class BareGlComparison {
  public:
-  explicit Match(const Rig& rig) : hosted_(rig), bare_(rig.size), drawing_(InOrder(rig)) {
+  explicit BareGlComparison(const Rig& rig)
+      : hosted_(rig), bare_(rig.size), drawing_(InOrder(rig)) {
     for (const Bone& bone : rig.bones) {
       bare_.AddImage(bone.image);
     }
     hosted_.TimeRender(true);
-    const tarvo::Picture ours = hosted_.LastPicture();
+    const tarvo::Picture measured = hosted_.LastPicture();
     hosted_.TimeHostCalls(bare_.Draw(drawing_));
-    RequireSame(ours, hosted_.LastPicture());
+    RequireSame(measured, hosted_.LastPicture());
   }
 
   Pair Play() {
-    Pair pair{.ours = hosted_.TimeRender(true)};
+    Pair pair{.measured = hosted_.TimeRender(true)};
     const std::vector<std::uint8_t>* pixels = nullptr;
-    pair.theirs = Milliseconds([&] { pixels = &bare_.Draw(drawing_); });
-    pair.theirs += hosted_.TimeHostCalls(*pixels);
+    pair.baseline = Milliseconds([&] { pixels = &bare_.Draw(drawing_); });
+    pair.baseline += hosted_.TimeHostCalls(*pixels);
     return pair;
   }
 
@@ -76,54 +77,54 @@ class Match {
   Drawing drawing_;
 };
 
-PlayPair AgainstBare(const Rig& rig) {
-  return [match = std::make_shared<Match>(rig)] { return match->Play(); };
+MeasurePair AgainstBare(const Rig& rig) {
+  return [comparison = std::make_shared<BareGlComparison>(rig)] { return comparison->Play(); };
 }
 
-PlayPair ExactAgainstFast(const Rig& rig) {
+MeasurePair ExactAgainstFast(const Rig& rig) {
   return [hosted = std::make_shared<HostedRig>(rig)]() -> Pair {
-    return {.ours = hosted->TimeRender(false), .theirs = hosted->TimeRender(true)};
+    return {.measured = hosted->TimeRender(false), .baseline = hosted->TimeRender(true)};
   };
 }
 
 /// Fast frames of a large rig, and so many times those of a small one.
-PlayPair Growth(const Rig& large, const Rig& small, double times) {
+MeasurePair Growth(const Rig& large, const Rig& small, double times) {
   const auto one = std::make_shared<HostedRig>(large);
   return [one, other = std::make_shared<HostedRig>(small), times]() -> Pair {
-    return {.ours = one->TimeRender(true), .theirs = times * other->TimeRender(true)};
+    return {.measured = one->TimeRender(true), .baseline = times * other->TimeRender(true)};
   };
 }
 
 }  // namespace
 
-PlayPair Fast1080() { return AgainstBare(Limbs(kFullHd)); }
-PlayPair Fast2000() { return AgainstBare(Field(2000, 1.5)); }
-PlayPair Small270() { return AgainstBare(Limbs(kSmall)); }
-PlayPair Exact1() { return ExactAgainstFast(Carpet()); }
-PlayPair Exact25() { return ExactAgainstFast(Limbs(kFullHd)); }
-PlayPair ExactRig() { return ExactAgainstFast(Limbs(kFullHd, Slicing::kSideBySide)); }
-PlayPair ExactFold() { return ExactAgainstFast(Limbs(kFullHd, Slicing::kFolded)); }
-PlayPair ExactWave() { return ExactAgainstFast(Sample("wave")); }
-PlayPair ExactKnot() { return ExactAgainstFast(Sample("knot")); }
-PlayPair ExactScattered() { return ExactAgainstFast(Field(2000, 1.5)); }
-PlayPair GrowPieces() { return Growth(Field(10'000, 2.0), Field(1'000, 2.0), 10.0); }
-PlayPair GrowSize() { return Growth(Limbs(k8K), Limbs(k4K), 4.0); }
+MeasurePair Fast1080() { return AgainstBare(Limbs(kFullHd)); }
+MeasurePair Fast2000() { return AgainstBare(Field(2000, 1.5)); }
+MeasurePair Small270() { return AgainstBare(Limbs(kSmall)); }
+MeasurePair Exact1() { return ExactAgainstFast(Carpet()); }
+MeasurePair Exact25() { return ExactAgainstFast(Limbs(kFullHd)); }
+MeasurePair ExactRig() { return ExactAgainstFast(Limbs(kFullHd, Slicing::kSideBySide)); }
+MeasurePair ExactFold() { return ExactAgainstFast(Limbs(kFullHd, Slicing::kFolded)); }
+MeasurePair ExactWave() { return ExactAgainstFast(Sample("wave")); }
+MeasurePair ExactKnot() { return ExactAgainstFast(Sample("knot")); }
+MeasurePair ExactScattered() { return ExactAgainstFast(Field(2000, 1.5)); }
+MeasurePair GrowPieces() { return Growth(Field(10'000, 2.0), Field(1'000, 2.0), 10.0); }
+MeasurePair GrowSize() { return Growth(Limbs(k8K), Limbs(k4K), 4.0); }
 
-PlayPair SecondFrame() {
+MeasurePair SecondFrame() {
   return [hosted = std::make_shared<HostedRig>(Limbs(kFullHd))] {
-    Pair pair{.ours = hosted->TimeRender(true)};
+    Pair pair{.measured = hosted->TimeRender(true)};
     hosted->TimeRender(true, StoppedRender);
     const StageTimes& times = LatestStageTimes();
     using enum plugin::FrameStage;
     for (const plugin::FrameStage needed : {kWorlds, kPasses, kReadBack, kTransfer}) {
-      pair.theirs += times.at(needed);
+      pair.baseline += times.at(needed);
     }
     return pair;
   };
 }
 
 /// A small frame of large images: what the images cost is not lost in what the frame costs.
-PlayPair Upload() {
+MeasurePair Upload() {
   const Rig rig = Limbs(kSmall);
   const auto bare = std::make_shared<BareGl>(rig.size);
   for (const Bone& bone : rig.bones) {
@@ -133,12 +134,14 @@ PlayPair Upload() {
     hosted->Send(true);
     const double first = hosted->TimeRender(true);
     const double second = hosted->TimeRender(true);
-    return Pair{.ours = first - second, .theirs = Milliseconds([&] { bare->UploadAgain(rig); })};
+    return Pair{.measured = first - second,
+                .baseline = Milliseconds([&] { bare->UploadAgain(rig); })};
   };
 }
 
-/// What the plug-in held at a time, as the host's tracker say; the output is the host's own.
-PlayPair Memory() {
+/// The most host memory that the plug-in held at once, as counted by the host's object tracker,
+/// without the output.
+MeasurePair Memory() {
   const Rig rig = Limbs(kFullHd);
   return [hosted = std::make_shared<HostedRig>(rig), size = rig.size] {
     standin::ObjectTracker& tracker = TheHost().tracker;
@@ -146,20 +149,21 @@ PlayPair Memory() {
     const std::size_t before = tracker.Bytes();
     hosted->TimeRender(false);
     const double buffer = 4.0 * size.width * size.height;
-    return Pair{.ours = static_cast<double>(tracker.PeakBytes() - before) / buffer - 1.0,
-                .theirs = 1.0};
+    return Pair{.measured = static_cast<double>(tracker.PeakBytes() - before) / buffer - 1.0,
+                .baseline = 1.0};
   };
 }
 
 /// Of every texture in the plug-in's context, after an exact frame.
-PlayPair MemoryExact() {
+MeasurePair MemoryExact() {
   return [hosted = std::make_shared<HostedRig>(Limbs(kFullHd))] {
     hosted->TimeRender(false);
-    return Pair{.ours = TextureBytes() / (4.0 * kFullHd.width * kFullHd.height), .theirs = 1.0};
+    return Pair{.measured = TextureBytes() / (4.0 * kFullHd.width * kFullHd.height),
+                .baseline = 1.0};
   };
 }
 
-PlayPair Cairo() {
+MeasurePair Cairo() {
   const Rig rig = Limbs(kFullHd);
   const auto painter = std::make_shared<CairoPainter>(rig);
   const auto hosted = std::make_shared<HostedRig>(rig);
@@ -167,8 +171,8 @@ PlayPair Cairo() {
   painter->Paint(drawing);
   RequireSameCoverage(hosted->LastPicture(), painter->Covered());
   return [hosted, painter, drawing]() -> Pair {
-    return {.ours = hosted->TimeRender(true),
-            .theirs = Milliseconds([&] { painter->Paint(drawing); })};
+    return {.measured = hosted->TimeRender(true),
+            .baseline = Milliseconds([&] { painter->Paint(drawing); })};
   };
 }
 

@@ -22,28 +22,28 @@ namespace bench {
 namespace {
 
 constexpr int kSweepFrames = 3;
-constexpr int kNoMemoryGoes = 1 << 30;
+constexpr int kKeepFreedMemory = 1 << 30;
 
-void Hold(benchmark::State& state, BenchmarkResult& result) {
+void RunBenchmark(benchmark::State& state, BenchmarkResult& result) {
   try {
-    const PlayPair play = result.benchmark->prepare();
+    const MeasurePair measure = result.benchmark->prepare();
     std::vector<double> ratios;
-    std::vector<double> ours;
-    std::vector<double> theirs;
+    std::vector<double> measured;
+    std::vector<double> baseline;
     for ([[maybe_unused]] auto _ : state) {
-      const Pair pair = play();
-      if (!(pair.theirs > 0.0)) {
-        throw std::runtime_error("there is nothing to hold it against");
+      const Pair pair = measure();
+      if (!(pair.baseline > 0.0)) {
+        throw std::runtime_error("the baseline took no time");
       }
-      ours.push_back(pair.ours);
-      theirs.push_back(pair.theirs);
-      ratios.push_back(pair.ours / pair.theirs);
-      state.SetIterationTime(1e-3 * pair.ours);
+      measured.push_back(pair.measured);
+      baseline.push_back(pair.baseline);
+      ratios.push_back(pair.measured / pair.baseline);
+      state.SetIterationTime(1e-3 * pair.measured);
     }
     result.ratios.push_back(Median(ratios));
-    result.times.push_back({.ours = Median(ours), .theirs = Median(theirs)});
+    result.times.push_back({.measured = Median(measured), .baseline = Median(baseline)});
     state.counters["ratio"] = result.ratios.back();
-    state.counters["against_ms"] = result.times.back().theirs;
+    state.counters["against_ms"] = result.times.back().baseline;
   } catch (const std::exception& error) {
     result.failed = true;
     state.SkipWithError(error.what());
@@ -69,7 +69,7 @@ void Sweep(benchmark::State& state, SweepResult& result) {
 void Register(Results& results) {
   for (BenchmarkResult& result : results.benchmarks) {
     benchmark::RegisterBenchmark(result.benchmark->name.c_str(),
-                                 [&](benchmark::State& state) { Hold(state, result); })
+                                 [&](benchmark::State& state) { RunBenchmark(state, result); })
         ->UseManualTime()
         ->Iterations(result.benchmark->pairs)
         ->Unit(benchmark::kMillisecond);
@@ -114,8 +114,8 @@ bool Print(const std::vector<BenchmarkResult>& benchmarks) {
     }
     const char* const unit = result.benchmark->unit.c_str();
     std::printf("%s (%.2f %s against %.2f %s; %s against %s)\n", result.Missed() ? " MISSED" : "",
-                times.ours, unit, times.theirs, unit, result.benchmark->ours.c_str(),
-                result.benchmark->theirs.c_str());
+                times.measured, unit, times.baseline, unit, result.benchmark->measured.c_str(),
+                result.benchmark->baseline.c_str());
     isMet = isMet && !result.Missed();
   }
   return isMet;
@@ -142,8 +142,8 @@ std::string DrawOnThisThread() {
 /// takes for handing out pages is in no frame then, neither for the host's buffers nor for what the
 /// renderer makes anew in each, maps above all.
 void KeepMemory() {
-  mallopt(M_MMAP_THRESHOLD, kNoMemoryGoes);
-  mallopt(M_TRIM_THRESHOLD, kNoMemoryGoes);
+  mallopt(M_MMAP_THRESHOLD, kKeepFreedMemory);
+  mallopt(M_TRIM_THRESHOLD, kKeepFreedMemory);
 }
 
 /// True iff everything could be measured and every goal was reached.

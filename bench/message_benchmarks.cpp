@@ -116,45 +116,46 @@ std::shared_ptr<SceneToSort> SlicedScene() {
 
 }  // namespace
 
-PlayPair Intake() {
+MeasurePair Intake() {
   return [hosted = std::make_shared<HostedRig>(Crowd())] {
     Pair pair;
     for (int message = 0; message < kMessages; ++message) {
-      pair.ours += hosted->TimeMessage();
-      pair.theirs += hosted->TimeMessage(OnlyHostCalls);
+      pair.measured += hosted->TimeMessage();
+      pair.baseline += hosted->TimeMessage(OnlyHostCalls);
     }
     return pair;
   };
 }
 
 /// Depths are worked out on both sides.
-PlayPair Sort() {
+MeasurePair Sort() {
   return [scene = RandomScene()] {
     Pair pair;
-    std::vector<plugin::DrawPiece> ours;
+    std::vector<plugin::DrawPiece> measured;
     const plugin::Frame frame = scene->MakeFrame();
-    pair.ours = Milliseconds([&] { ours = plugin::BuildDrawList(frame.scene, frame.params); });
-    std::vector<plugin::DrawPiece> theirs = ours;
-    std::ranges::sort(theirs, {}, &plugin::DrawPiece::quad);  // as they were before
-    pair.theirs = Milliseconds([&] {
-      for (plugin::DrawPiece& piece : theirs) {
+    pair.measured =
+        Milliseconds([&] { measured = plugin::BuildDrawList(frame.scene, frame.params); });
+    std::vector<plugin::DrawPiece> baseline = measured;
+    std::ranges::sort(baseline, {}, &plugin::DrawPiece::quad);  // as they were before
+    pair.baseline = Milliseconds([&] {
+      for (plugin::DrawPiece& piece : baseline) {
         const double t = piece.quad->boneT;
         piece.depth = 1e6 * SceneToSort::kDeep * (1.0 - t) - 1e6 * SceneToSort::kDeep * t;
       }
-      std::sort(theirs.begin(), theirs.end(),
+      std::sort(baseline.begin(), baseline.end(),
                 [](const auto& a, const auto& b) { return a.depth > b.depth; });
     });
     return pair;
   };
 }
 
-PlayPair Contested() {
+MeasurePair Contested() {
   return [scene = SlicedScene()] {
     plugin::Frame frame = scene->MakeFrame();
     Pair pair;
-    pair.theirs =
+    pair.baseline =
         Milliseconds([&] { frame.drawList = plugin::BuildDrawList(frame.scene, frame.params); });
-    pair.ours = Milliseconds([&] { plugin::MarkContestedPieces(frame); });
+    pair.measured = Milliseconds([&] { plugin::MarkContestedPieces(frame); });
     return pair;
   };
 }

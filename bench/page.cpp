@@ -33,13 +33,12 @@ processor time on one thread, unless something else is said.</p>
 )";
 
 const char* const kHowItIsMeasured = R"(<h2>How it is measured</h2>
-<p>On one thread, processor time is all the work that a frame is. With the threads that the renderer
-starts by itself, drawing is shared out and nothing else is: a frame is there sooner, and what is
-not drawing weighs more in every ratio. Exact frames have most of that, as each map is read back and
-uploaded, and look better here than they do there.</p>
-<p>Memory that was given back is had again at once, as from the pools of a host. Programs that leave
-it to the system, as tarvo render does, pay for fresh pages as well: most of all for exact frames,
-whose maps are new in each. The option --fresh-memory measures that.</p>
+<p>With one drawing thread, processor time equals the cost of a frame. With the threads that the
+renderer starts by itself, only drawing is divided among them, so that everything else weighs more in
+each ratio.</p>
+<p>Freed memory is reused without returning it to the system, as in a host with pools of its own.
+Programs that return it, as tarvo render does, pay for fresh pages as well. The option --fresh-memory
+measures that.</p>
 )";
 
 std::string Text(double value, int digits) {
@@ -49,16 +48,17 @@ std::string Text(double value, int digits) {
 }
 
 void WriteTable(std::ostream& page, const std::vector<BenchmarkResult>& benchmarks) {
-  page << "<table><tr><th>name<th>what<th>against what<th>ratio<th>goal<th>ours<th>theirs<th>unit"
+  page << "<table><tr><th>name<th>what<th>against "
+          "what<th>ratio<th>goal<th>measured<th>baseline<th>unit"
           "</tr>\n";
   for (const BenchmarkResult& result : benchmarks) {
     const Benchmark& benchmark = *result.benchmark;
     const Pair times = result.Times();
     page << (result.Missed() ? "<tr class=missed>" : "<tr>") << "<td>" << benchmark.name << "<td>"
-         << benchmark.ours << "<td>" << benchmark.theirs << "<td class=number>"
+         << benchmark.measured << "<td>" << benchmark.baseline << "<td class=number>"
          << Text(result.Ratio(), 3) << "<td class=number>"
          << (benchmark.goal ? "≤ " + Text(*benchmark.goal, 2) : "") << "<td class=number>"
-         << Text(times.ours, 2) << "<td class=number>" << Text(times.theirs, 2) << "<td>"
+         << Text(times.measured, 2) << "<td class=number>" << Text(times.baseline, 2) << "<td>"
          << benchmark.unit << "</tr>\n";
   }
   page << "</table>\n";
@@ -115,9 +115,10 @@ class Plot {
   void WriteAxes(std::ostream& page) const {
     page << "<path class=axis fill=none d=\"M" << kLeft << ' ' << kTop << " V" << kBottom << " H"
          << kRight << "\"/>\n";
-    for (const double share : {0.0, 0.5, 1.0}) {
-      page << "<text text-anchor=end x=" << kLeft - 6.0 << " y=" << PlaceOfY(share * mostY_) + 4.0
-           << '>' << Text(share * mostY_, mostY_ < 10.0 ? 1 : 0) << " ms</text>\n";
+    for (const double fraction : {0.0, 0.5, 1.0}) {
+      page << "<text text-anchor=end x=" << kLeft - 6.0
+           << " y=" << PlaceOfY(fraction * mostY_) + 4.0 << '>'
+           << Text(fraction * mostY_, mostY_ < 10.0 ? 1 : 0) << " ms</text>\n";
     }
     for (const SweepResult& result : results_) {
       if (result.point->series != results_.front().point->series) {

@@ -20,13 +20,13 @@ struct BenchmarkResult {
   [[nodiscard]] double Ratio() const { return Median(ratios); }
   [[nodiscard]] bool Missed() const { return benchmark->goal && !(Ratio() <= *benchmark->goal); }
   [[nodiscard]] Pair Times() const {
-    std::vector<double> ours;
-    std::vector<double> theirs;
+    std::vector<double> measured;
+    std::vector<double> baseline;
     for (const Pair& pair : times) {
-      ours.push_back(pair.ours);
-      theirs.push_back(pair.theirs);
+      measured.push_back(pair.measured);
+      baseline.push_back(pair.baseline);
     }
-    return {.ours = Median(ours), .theirs = Median(theirs)};
+    return {.measured = Median(measured), .baseline = Median(baseline)};
   }
 };
 

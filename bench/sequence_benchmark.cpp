@@ -82,8 +82,9 @@ double SequenceRenderCommands() {
   return gRenderMilliseconds;
 }
 
-PlayPair Sequence() {
-  return []() -> Pair { return {.ours = WholeCommand(), .theirs = RenderCommandsElsewhere()}; };
+MeasurePair Sequence() {
+  return
+      []() -> Pair { return {.measured = WholeCommand(), .baseline = RenderCommandsElsewhere()}; };
 }
 
 }  // namespace bench
