@@ -283,8 +283,10 @@ CHECK_F(Rendering, CheckboxAboveOneIsOn, "A fast transparency above 1 counts as 
 }
 
 /// Two pieces that almost share a long edge: their ends lie on one line, up to a small gap, and at
-/// different places of it, so that rounding can lay one over the other.
-std::vector<PieceQuad> AlmostNeighbours(double x, double y, double angle, double gap) {
+/// different places of it, so that rounding can lay one over the other. Folded, they share it, and
+/// the second lies back over the first.
+std::vector<PieceQuad> AlmostNeighbours(double x, double y, double angle, double gap,
+                                        bool isFolded) {
   const double cos = std::cos(angle);
   const double sin = std::sin(angle);
   const auto quad = [&](double from, double to, double inner, double outer, double u) {
@@ -298,7 +300,8 @@ std::vector<PieceQuad> AlmostNeighbours(double x, double y, double angle, double
     }
     return piece;
   };
-  return {quad(-11.3, 11.7, gap, 6, 3.1), quad(-12.1, 10.9, 0, -6, 35.7)};
+  return {quad(-11.3, 11.7, gap, 6, 3.1),
+          isFolded ? quad(-11.3, 11.7, gap, 5, 35.7) : quad(-12.1, 10.9, 0, -6, 35.7)};
 }
 
 /// 88 pairs of pieces, each apart from the others, turned and apart by different amounts.
@@ -308,7 +311,8 @@ std::vector<PieceQuad> PairsThatAlmostTouch(int frame) {
     const int index = 88 * frame + pair;
     const double gap = (index % 5 - 1) / 2048.0;  // some overlap in truth
     for (const PieceQuad& piece :
-         AlmostNeighbours(20.13 + 30 * (pair % 11), 20.71 + 30 * (pair / 11), 0.137 * index, gap)) {
+         AlmostNeighbours(20.13 + 30 * (pair % 11), 20.71 + 30 * (pair / 11), 0.137 * index, gap,
+                          index % 8 == 7)) {
       pieces.push_back(piece);
     }
   }

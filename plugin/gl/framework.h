@@ -206,11 +206,12 @@ AESDK_OpenGL_Err AESDK_OpenGL_SetBlendFunction(GLenum sourceRgb, GLenum destinat
                                                GLenum sourceAlpha, GLenum destinationAlpha);
 
 // ---- Shader programs. Order of use: InitShaders ((UseProgram | UseJobProgram) (BindSampler |
-// SetUniform4)* UseNoProgram)*.
+// SetUniform4)*)+ UseNoProgram, and again from the first use on.
 
 /// Builds the general program and those of the jobs, once. The paths are accepted and not opened:
 /// the sources are built in. Returns `AESDK_OpenGL_Err_Shader` if a source does not compile, a
-/// program does not link or the framework is not started.
+/// program does not link, or the framework is not started or its context not current when there is
+/// something to build.
 AESDK_OpenGL_Err AESDK_OpenGL_InitShaders(AESDK_OpenGL_State& state, std::string_view vertexPath,
                                           std::string_view fragmentPath);
 

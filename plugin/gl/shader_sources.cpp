@@ -23,11 +23,11 @@ const char* const kGeneralHead =
 
 // In the order of AESDK_OpenGL_Job.
 const std::array<const char*, kAESDK_OpenGL_JobCount> kJobHeads = {
-    "const vec4 dataFromAE = vec4(1.0, 0.0, 0.0, 0.0); \n#define COORDINATE 0.0\n",
-    "const vec4 dataFromAE = vec4(1.0, 1.0, 1.0, 0.0); \n#define COORDINATE 0.0\n",
-    "const vec4 dataFromAE = vec4(1.0, 1.0, 0.0, 0.0); \n#define COORDINATE 0.0\n",
-    "const vec4 dataFromAE = vec4(0.0, 0.0, 0.0, 0.0); \n#define COORDINATE 0.0\n",
-    "const vec4 dataFromAE = vec4(0.0, 0.0, 0.0, 0.0); \n#define COORDINATE 1.0\n",
+    "#define dataFromAE vec4(1.0, 0.0, 0.0, 0.0)\n#define COORDINATE 0.0\n",
+    "#define dataFromAE vec4(1.0, 1.0, 1.0, 0.0)\n#define COORDINATE 0.0\n",
+    "#define dataFromAE vec4(1.0, 1.0, 0.0, 0.0)\n#define COORDINATE 0.0\n",
+    "#define dataFromAE vec4(0.0, 0.0, 0.0, 0.0)\n#define COORDINATE 0.0\n",
+    "#define dataFromAE vec4(0.0, 0.0, 0.0, 0.0)\n#define COORDINATE 1.0\n",
 };
 
 // `dataFromAE`: x 1 for the colour pass, else the coordinate pass; y 1 to drop transparent texels

@@ -89,12 +89,12 @@ struct ImageShapes {
   bool hasFarPieces = false;
 };
 
-std::vector<ImageShapes> ShapesByImage(Frame& frame) {
+std::vector<ImageShapes> ShapesByImage(Frame& frame, double farthest) {
   std::vector<ImageShapes> images(frame.scene.slots.size() * kImageFamilies.size());
   for (DrawPiece& piece : frame.drawList) {
     ImageShapes& image = images[piece.slot * kImageFamilies.size() + piece.family];
     const Corners corners = CornersOf(frame, *piece.quad);
-    if (!AreNear(corners)) {
+    if (!AreNear(corners, farthest)) {
       piece.isContested = image.hasFarPieces = true;
       continue;
     }
@@ -140,40 +140,43 @@ class ActiveShapes {
  public:
   /// Marks what may share a pixel with the shape, and the shape, which is then active too.
   void Meet(const Shape& shape) {
-    DrawPiece& piece = *shape.piece;
-    ForEachActive(free_, shape, [&](const Shape& other) {
-      if (MayShareAPixel(shape.outline, other.outline)) {
-        piece.isContested = other.piece->isContested = true;
-      }
-    });
-    if (!piece.isContested) {
-      ForEachActive(contested_, shape, [&](const Shape& other) {
-        piece.isContested = piece.isContested || MayShareAPixel(shape.outline, other.outline);
-      });
-    }
-    (piece.isContested ? contested_ : free_).push_back(&shape);
+    MeetFree(shape);
+    shape.piece->isContested = shape.piece->isContested || MeetsContested(shape);
+    (shape.piece->isContested ? contested_ : free_).push_back(&shape);
   }
 
  private:
-  /// Forgets what the sweep has passed, and moves what has become contested.
-  template <class Visit>
-  void ForEachActive(std::vector<const Shape*>& active, const Shape& shape, Visit visit) {
-    std::size_t kept = 0;
-    for (std::size_t index = 0; index < active.size(); ++index) {
-      const Shape* const other = active[index];
+  static bool Meets(const Shape& shape, const Shape& other) {
+    return shape.across.Meets(other.across) && MayShareAPixel(shape.outline, other.outline);
+  }
+
+  /// Marks all that it meets, moves what has become contested, and forgets what the sweep has
+  /// passed.
+  void MeetFree(const Shape& shape) {
+    std::erase_if(free_, [&](const Shape* other) {
       if (other->along.high < shape.along.low) {
-        continue;
+        return true;
       }
-      if (shape.across.Meets(other->across)) {
-        visit(*other);
+      if (!Meets(shape, *other)) {
+        return false;
       }
-      if (&active == &free_ && other->piece->isContested) {
-        contested_.push_back(other);
-      } else {
-        active[kept++] = other;
-      }
+      shape.piece->isContested = other->piece->isContested = true;
+      contested_.push_back(other);
+      return true;
+    });
+  }
+
+  /// Looks at the latest first, which of a pile of pieces is enough, and forgets what the sweep has
+  /// passed where it had to look at all.
+  bool MeetsContested(const Shape& shape) {
+    const auto isPassed = [&](const Shape* other) { return other->along.high < shape.along.low; };
+    const bool meets = std::any_of(contested_.rbegin(), contested_.rend(), [&](const Shape* other) {
+      return !isPassed(other) && Meets(shape, *other);
+    });
+    if (!meets) {
+      std::erase_if(contested_, isPassed);
     }
-    active.resize(kept);
+    return meets;
   }
 
   std::vector<const Shape*> free_;
@@ -194,12 +197,19 @@ void MarkPiecesThatMeet(std::vector<Shape>& shapes) {
   }
 }
 
-/// False where single precision could draw any piece beside its place.
-bool KeepsPlaces(const Frame& frame) {
-  const auto isNear = [](double part) { return std::abs(part) <= kFarthestProved; };
-  return isNear(frame.outWidth) && isNear(frame.outHeight) && isNear(frame.in.output_origin_x) &&
-         isNear(frame.in.output_origin_y) && isNear(frame.in.pre_effect_source_origin_x) &&
-         isNear(frame.in.pre_effect_source_origin_y);
+/// Pixels from the layer's origin up to which corners are proved to keep their places; below 0
+/// where none do.
+double FarthestProved(const Frame& frame, int subpixelBits) {
+  const auto isBeyond = [](A_long side) { return side > kFarthestProved; };
+  if (subpixelBits < kSubpixelBits || isBeyond(frame.outWidth) || isBeyond(frame.outHeight)) {
+    return -1.0;
+  }
+  const PF_InData& in = frame.in;
+  const auto offset = [](double output, double source) {
+    return std::abs(output) + std::abs(source);
+  };
+  return kFarthestProved - std::max(offset(in.output_origin_x, in.pre_effect_source_origin_x),
+                                    offset(in.output_origin_y, in.pre_effect_source_origin_y));
 }
 
 void MarkAll(std::vector<Shape>& shapes) {
@@ -210,10 +220,9 @@ void MarkAll(std::vector<Shape>& shapes) {
 
 }  // namespace
 
-void MarkContestedPieces(Frame& frame) {
-  const bool keepsPlaces = KeepsPlaces(frame);
-  for (ImageShapes& image : ShapesByImage(frame)) {
-    if (image.hasFarPieces || !keepsPlaces) {
+void MarkContestedPieces(Frame& frame, int subpixelBits) {
+  for (ImageShapes& image : ShapesByImage(frame, FarthestProved(frame, subpixelBits))) {
+    if (image.hasFarPieces) {
       MarkAll(image.shapes);
     } else if (!image.shapes.empty()) {
       MarkPiecesThatMeet(image.shapes);

@@ -11,8 +11,10 @@ namespace plugin {
 /// there. All others own every pixel that they cover. What is not proved to is contested.
 ///
 /// A sweep over the pieces of each image finds the pairs to look at: those that lie beside each
-/// other on both axes, and of which not both are known to be contested. About n log n for n pieces
-/// that lie in a row or one over the other.
-void MarkContestedPieces(Frame& frame);
+/// other in its direction and across it, of which not both are known to be contested. About n log n
+/// for n pieces that follow one another or lie in a pile.
+///
+/// `subpixelBits` is OpenGL's GL_SUBPIXEL_BITS; below 8 nothing is proved.
+void MarkContestedPieces(Frame& frame, int subpixelBits);
 
 }  // namespace plugin

@@ -6,27 +6,38 @@
 #include "plugin/render/rectangle_texture.h"
 
 namespace plugin {
+namespace {
+
+void Grow(GLuint texture, A_long width, A_long height) {
+  GLint ownWidth = 0;
+  GLint ownHeight = 0;
+  glBindTexture(GL_TEXTURE_RECTANGLE_ARB, texture);
+  glGetTexLevelParameteriv(GL_TEXTURE_RECTANGLE_ARB, 0, GL_TEXTURE_WIDTH, &ownWidth);
+  glGetTexLevelParameteriv(GL_TEXTURE_RECTANGLE_ARB, 0, GL_TEXTURE_HEIGHT, &ownHeight);
+  if (ownWidth < width || ownHeight < height) {
+    DefineRectangleTexture(texture, std::max<A_long>(ownWidth, width),
+                           std::max<A_long>(ownHeight, height), nullptr, GL_NEAREST);
+  }
+}
+
+}  // namespace
 
 std::array<GLuint, 2> MapTextures::Get(std::size_t index, A_long width, A_long height) {
   entries_.resize(std::max(entries_.size(), index + 1));
-  Entry& entry = entries_[index];
-  if (entry.names[0] == 0) {
-    glGenTextures(2, entry.names.data());
+  std::array<GLuint, 2>& names = entries_[index];
+  if (names[0] == 0) {
+    glGenTextures(2, names.data());
   }
-  if (entry.width < width || entry.height < height) {
-    entry.width = std::max(entry.width, width);
-    entry.height = std::max(entry.height, height);
-    for (const GLuint name : entry.names) {
-      DefineRectangleTexture(name, entry.width, entry.height, nullptr, GL_NEAREST);
-    }
+  for (const GLuint name : names) {
+    Grow(name, width, height);
   }
-  return entry.names;
+  return names;
 }
 
 void MapTextures::Release() {
   if (AESDK_OpenGL::AESDK_OpenGL_IsCurrent(AESDK_OpenGL::gState)) {
-    for (const Entry& entry : entries_) {
-      glDeleteTextures(2, entry.names.data());
+    for (const std::array<GLuint, 2>& names : entries_) {
+      glDeleteTextures(2, names.data());
     }
   }
   entries_.clear();

@@ -11,7 +11,8 @@
 namespace plugin {
 
 /// Rectangle textures for the maps of a frame, kept from frame to frame: making them anew costs as
-/// much as filling them. They grow to the largest map that each had to hold.
+/// much as filling them. They grow to the largest map that each had to hold, and are asked for
+/// their size: one for which memory was lacking is tried again in the next frame.
 class MapTextures {
  public:
   /// The textures number `index`, two of one size, for `width` × `height` pixels; their contents
@@ -22,13 +23,7 @@ class MapTextures {
   void Release();
 
  private:
-  struct Entry {
-    std::array<GLuint, 2> names{};
-    A_long width = 0;
-    A_long height = 0;
-  };
-
-  std::vector<Entry> entries_;
+  std::vector<std::array<GLuint, 2>> entries_;
 };
 
 }  // namespace plugin

@@ -33,16 +33,25 @@ double TurnOf(const Outline& outline) {
   return turn;
 }
 
-/// Whether all corners of `other` lie beyond an edge of the outline, or are ends of it.
+/// Whether an edge of the outline has all of `other` beyond it.
+///
+/// Where the two share no corner with that edge its line lies between them, whatever rounding does
+/// to either. Where they do the line turns with the edge as rounding moves its ends, and every
+/// other corner must form a triangle with it that keeps its turn.
 bool LiesBeyond(const Outline& outline, std::size_t edge, const Outline& other) {
   const Point& start = outline.corners[edge];
   const Point& end = outline.corners[(edge + 1) % outline.count];
+  const auto isEnd = [&](const Point& corner) { return corner == start || corner == end; };
+  if (std::ranges::any_of(other.corners, isEnd)) {
+    return std::ranges::all_of(other.corners, [&](const Point& corner) {
+      return isEnd(corner) || TurnOf(start, end, corner) == -outline.turn;
+    });
+  }
   const Point along = end - start;
   const double squaredClearance = kClearance * kClearance * SquaredLength(along);
   return std::ranges::all_of(other.corners, [&](const Point& corner) {
     const double beyond = -outline.turn * Cross(along, corner - start);
-    return (beyond > 0.0 && beyond * beyond >= squaredClearance) || corner == start ||
-           corner == end;
+    return beyond > 0.0 && beyond * beyond >= squaredClearance;
   });
 }
 
@@ -63,7 +72,7 @@ Outline OutlineOf(const Corners& corners) {
     if (corners[corner] == corners[(corner + 1) % corners.size()]) {
       std::rotate(outline.corners.begin(), outline.corners.begin() + corner + 1,
                   outline.corners.end());
-      outline.count = 3;  // the last two are one
+      outline.count = 3;  // the last is the first once more
       break;
     }
   }
@@ -72,9 +81,9 @@ Outline OutlineOf(const Corners& corners) {
 }
 
 /// False for corners that are far away or no numbers.
-bool AreNear(const Corners& corners) {
-  return std::ranges::all_of(corners, [](const Point& corner) {
-    return std::abs(corner.x) <= kFarthestProved && std::abs(corner.y) <= kFarthestProved;
+bool AreNear(const Corners& corners, double farthest) {
+  return std::ranges::all_of(corners, [farthest](const Point& corner) {
+    return std::abs(corner.x) <= farthest && std::abs(corner.y) <= farthest;
   });
 }
 

@@ -6,10 +6,12 @@
 
 namespace plugin {
 
-/// Pixels that a corner must lie beyond an edge. The transformation in single precision and the
-/// snapping of corners to 1/256 of a pixel move it less, up to kFarthestProved.
+/// Pixels that a corner must lie beyond an edge. Two corners move against one another by less: the
+/// transformation in single precision moves each by some thousandths up to kFarthestProved, and the
+/// snapping to 256ths of a pixel, which kSubpixelBits stand for, by two more.
 inline constexpr double kClearance = 1.0 / 64.0;
-/// Pixels from the origin up to which that holds.
+inline constexpr int kSubpixelBits = 8;
+/// Pixels from the frame's origin, all offsets added up, to which that holds.
 inline constexpr double kFarthestProved = 16'384.0;
 
 /// A place in pixels.
@@ -40,13 +42,14 @@ struct Outline {
 /// that rounding could make it so, whichever diagonal OpenGL cuts it along.
 Outline OutlineOf(const Corners& corners);
 
-/// False for corners that are far away or no numbers.
-bool AreNear(const Corners& corners);
+/// Whether all corners lie within so many pixels of the origin on both axes; not if one is no
+/// number.
+bool AreNear(const Corners& corners, double farthest);
 
 /// Whether two shapes may cover the centre of one pixel. Not if an edge of one has all corners of
-/// the other at least kClearance beyond it, but for corners that are equal to an end of that edge:
-/// those go through the same arithmetic, and OpenGL gives a pixel on a shared edge to one side
-/// only. Of a shape without a turn nothing is proved.
+/// the other beyond it, by kClearance at least. Corners that are equal to an end of that edge may
+/// lie on it: they go through the same arithmetic, and OpenGL gives a pixel on a shared edge to one
+/// side only. Of a shape without a turn nothing is proved.
 bool MayShareAPixel(const Outline& a, const Outline& b);
 
 }  // namespace plugin

@@ -51,7 +51,7 @@ class OwnershipMaps {
 /// RequireFramework if the framework fails. [framework's context current, camera aimed]
 OwnershipMaps RenderOwnershipMaps(Frame& frame, const Tile& tile);
 
-/// Deletes the textures that maps were kept in, or forgets them where their context is gone.
+/// Deletes the textures that maps were kept in, or forgets them where their context is not current.
 void ReleaseMapTextures();
 
 }  // namespace plugin

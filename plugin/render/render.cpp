@@ -119,7 +119,9 @@ void RenderFrame(Frame& frame) {
   EndStage(FrameStage::kUpload);
   frame.drawList = BuildDrawList(frame.scene, frame.params);
   if (!frame.fastTransparency) {
-    MarkContestedPieces(frame);
+    GLint subpixelBits = 0;
+    glGetIntegerv(GL_SUBPIXEL_BITS, &subpixelBits);
+    MarkContestedPieces(frame, subpixelBits);
   }
   EndStage(FrameStage::kDrawList);
   const bool whole = RenderTiles(frame);

@@ -7,7 +7,7 @@ namespace plugin {
 enum class FrameStage {
   kWorlds,    ///< the output's fill and the scratch world
   kUpload,    ///< new images
-  kDrawList,  ///< depths and their order
+  kDrawList,  ///< depths and their order, and which pieces are contested
   kMaps,      ///< which piece owns each pixel; nothing in a fast frame
   kPasses,    ///< the two colour passes
   kReadBack,  ///< into the scratch world

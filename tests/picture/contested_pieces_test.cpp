@@ -100,7 +100,7 @@ class ContestedPieces : public check::RigTest {
     for (const PieceQuad& quad : quads) {
       frame.drawList.push_back({&quad, 0, 0, plugin::kImageA});
     }
-    plugin::MarkContestedPieces(frame);
+    plugin::MarkContestedPieces(frame, subpixelBits_);
     std::vector<bool> contested;
     for (const plugin::DrawPiece& piece : frame.drawList) {
       contested.push_back(piece.isContested);
@@ -125,6 +125,7 @@ class ContestedPieces : public check::RigTest {
     return Contested(quads);
   }
 
+  int subpixelBits_ = 8;
   check::StillFrame still_{rig.host.InputRecord(nullptr)};
 };
 
@@ -148,6 +149,11 @@ TEST_F(ContestedPieces, AreThoseWithoutAnEdgeBetweenThem) {
             (Flags{true, false, true}));
   const Shape folded{{{8, 0}, {8, 8}, {3, 8}, {3, 0}}};
   EXPECT_EQ(Contested({kSquare, folded}), (Flags{true, true})) << "to one side of a shared edge";
+  // With one corner in common the line of the short edge turns as its ends are rounded, and crosses
+  // the other's long edge.
+  const Shape high{{{10.5, 20.508}, {17.5, 20.498}, {17.5, 60.5}, {10.5, 60.5}}};
+  const Shape wide{{{10.5, 20.508}, {210.5, 20.2}, {210.5, 1.5}, {10.5, 1.5}}};
+  EXPECT_EQ(Contested({high, wide}), (Flags{true, true}));
   const Shape turned{{{0, 0}, {0, 8}, {8, 8}, {8, 0}}};
   EXPECT_EQ(Contested({turned, Moved(kSquare, 8, 0)}), (Flags{false, false}));
 }
@@ -169,6 +175,15 @@ TEST_F(ContestedPieces, AreThoseWhoseShapeProvesNothing) {
     distant[2].x = wrong;
     EXPECT_EQ(Contested({distant, Moved(kSquare, 30, 0)}), (Flags{true, true})) << wrong;
   }
+  still_.in.output_origin_x = -9000;
+  still_.in.pre_effect_source_origin_x = 7000;
+  EXPECT_EQ(Contested({kSquare}), Flags{false});
+  EXPECT_EQ(Contested({kSquare, Moved(kSquare, 900, 0)}), (Flags{true, true}))
+      << "9000 + 7000 + 900";
+  still_.in = rig.host.InputRecord(nullptr);
+  subpixelBits_ = 4;
+  EXPECT_EQ(Contested({kSquare}), Flags{true});
+  subpixelBits_ = 8;
   still_.output.width = 20'000;
   EXPECT_EQ(Contested({kSquare}), Flags{true});
 }
