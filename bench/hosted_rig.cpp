@@ -185,8 +185,8 @@ double HostedRig::TimeHostCalls(const std::vector<std::uint8_t>& premultiplied) 
 double TextureBytes() {
   using AESDK_OpenGL::gState;
   constexpr GLuint kNames = 4096;  // far more than the plug-in makes
-  const HDC deviceContext = wglGetCurrentDC();
-  const HGLRC renderContext = wglGetCurrentContext();
+  auto* const deviceContext = wglGetCurrentDC();
+  auto* const renderContext = wglGetCurrentContext();
   wglMakeCurrent(gState.deviceContext, gState.renderContext);
   double bytes = 0.0;
   for (GLuint name = 1; name < kNames; ++name) {
