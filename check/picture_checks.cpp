@@ -309,10 +309,11 @@ std::vector<PieceQuad> PairsThatAlmostTouch(int frame) {
   std::vector<PieceQuad> pieces;
   for (int pair = 0; pair < 88; ++pair) {
     const int index = 88 * frame + pair;
+    const int column = pair % 11;
+    const int row = pair / 11;
     const double gap = (index % 5 - 1) / 2048.0;  // some overlap in truth
-    for (const PieceQuad& piece :
-         AlmostNeighbours(20.13 + 30 * (pair % 11), 20.71 + 30 * (pair / 11), 0.137 * index, gap,
-                          index % 8 == 7)) {
+    for (const PieceQuad& piece : AlmostNeighbours(20.13 + 30 * column, 20.71 + 30 * row,
+                                                   0.137 * index, gap, index % 8 == 7)) {
       pieces.push_back(piece);
     }
   }
