@@ -20,18 +20,18 @@ runs. This page is written by the build.
 std::string NameOf(const check::Check& check) { return check.name.substr(0, check.name.find('/')); }
 
 void WriteRequirements(std::ostream& page) {
-  std::string latest_suite;
-  std::string latest_name;
+  std::string latestSuite;
+  std::string latestName;
   for (const check::Check& check : check::AllChecks()) {
     const std::string name = NameOf(check);
     const std::string suite = name.substr(0, name.find('.'));
-    if (suite != latest_suite) {
+    if (suite != latestSuite) {
       page << "\n## " << suite << "\n\n";
-      latest_suite = suite;
+      latestSuite = suite;
     }
-    if (name != latest_name) {
+    if (name != latestName) {
       page << "- `" << name << "`: " << check.requirement << "\n";
-      latest_name = name;
+      latestName = name;
     }
   }
 }

@@ -5,8 +5,8 @@
 namespace tarvo {
 namespace {
 
-/// A text inside a specification of _arguments, where these characters end a part.
-std::string InSpecification(const std::string& text) {
+/// A text inside an argument of _arguments, where these characters end a part.
+std::string InArgument(const std::string& text) {
   std::string escaped;
   for (const char character : text) {
     if (std::string_view(R"([]:\)").find(character) != std::string_view::npos) {
@@ -18,7 +18,7 @@ std::string InSpecification(const std::string& text) {
 }
 
 std::string ZshAction(const OptionEntry& option) {
-  return ':' + InSpecification(option.value) + ':' +
+  return ':' + InArgument(option.value) + ':' +
          (option.suggestions.empty() ? "_files" : '(' + Join(option.suggestions, " ") + ')');
 }
 
@@ -46,7 +46,7 @@ std::string ZshOptions(const CommandEntry& command) {
   for (const OptionEntry& option : NamedOptions(command)) {
     for (const std::string& name : option.names) {
       text += " \\\n    " + ShellWord(Exclusions(option) + NameWithMark(option, name) + '[' +
-                                      InSpecification(option.description) + ']' +
+                                      InArgument(option.description) + ']' +
                                       (option.value.empty() ? "" : ZshAction(option)));
     }
   }

@@ -90,9 +90,9 @@ struct ImageShapes {
 };
 
 std::vector<ImageShapes> ShapesByImage(Frame& frame, double farthest) {
-  std::vector<ImageShapes> images(frame.scene.slots.size() * kImageFamilies.size());
+  std::vector<ImageShapes> images(frame.ImageCount());
   for (DrawPiece& piece : frame.drawList) {
-    ImageShapes& image = images[piece.slot * kImageFamilies.size() + piece.family];
+    ImageShapes& image = images[Frame::ImageIndex(piece)];
     const Corners corners = CornersOf(frame, *piece.quad);
     if (!AreNear(corners, farthest)) {
       piece.isContested = image.hasFarPieces = true;

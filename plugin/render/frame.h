@@ -28,6 +28,13 @@ struct Frame {
   Frame(PF_InData& inData, PF_OutData& outData, PF_ParamDef* const* parameters,
         PF_EffectWorld& outputWorld, HostCalls& hostCalls, Scene& instanceScene);
 
+  /// All images of the scene in one order: how many there are, and the index of a piece's.
+  [[nodiscard]] std::size_t ImageCount() const {
+    return scene.slots.size() * kImageFamilies.size();
+  }
+  [[nodiscard]] static std::size_t ImageIndex(const DrawPiece& piece) {
+    return piece.slot * kImageFamilies.size() + piece.family;
+  }
   [[nodiscard]] const SlotImage& ImageOf(const DrawPiece& piece) const {
     return scene.slots[piece.slot].images[piece.family];
   }

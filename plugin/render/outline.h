@@ -8,8 +8,9 @@ namespace plugin {
 
 /// Pixels that a corner must lie beyond an edge. Two corners move against one another by less: the
 /// transformation in single precision moves each by some thousandths up to kFarthestProved, and the
-/// snapping to 256ths of a pixel, which kSubpixelBits stand for, by two more.
+/// rounding to kSubpixelBits by two more.
 inline constexpr double kClearance = 1.0 / 64.0;
+/// Fewest bits of a pixel's fraction that OpenGL keeps of a corner's place (GL_SUBPIXEL_BITS).
 inline constexpr int kSubpixelBits = 8;
 /// Pixels from the frame's origin, all offsets added up, to which that holds.
 inline constexpr double kFarthestProved = 16'384.0;

@@ -26,10 +26,10 @@ struct ContestedImage {
 
 /// The images that have contested pieces in the tile.
 std::vector<ContestedImage> ContestedImages(const Frame& frame, const Tile& tile) {
-  std::vector<ContestedImage> images(frame.scene.slots.size() * kImageFamilies.size());
+  std::vector<ContestedImage> images(frame.ImageCount());
   std::for_each(frame.drawList.rbegin(), frame.drawList.rend(), [&](const DrawPiece& piece) {
     if (piece.isContested) {
-      images[piece.slot * kImageFamilies.size() + piece.family].pieces.push_back(&piece);
+      images[Frame::ImageIndex(piece)].pieces.push_back(&piece);
     }
   });
   std::erase_if(images, [](const ContestedImage& image) { return image.pieces.empty(); });
@@ -74,7 +74,7 @@ void RenderMaps(Frame& frame, const std::vector<ContestedImage>& images) {
 }  // namespace
 
 OwnershipMaps RenderOwnershipMaps(Frame& frame, const Tile& tile) {
-  OwnershipMaps maps(frame.scene.slots.size());
+  OwnershipMaps maps(frame.ImageCount());
   if (frame.fastTransparency) {
     return maps;
   }

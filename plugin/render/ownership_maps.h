@@ -28,22 +28,18 @@ class OwnershipMaps {
     A_long y = 0;
   };
 
-  /// Maps for a scene of that many slots, none made yet.
-  explicit OwnershipMaps(std::size_t slotCount) : pairs_(slotCount * kImageFamilies.size()) {}
+  /// Maps for a frame of so many images (Frame::ImageCount), none made yet.
+  explicit OwnershipMaps(std::size_t imageCount) : pairs_(imageCount) {}
 
   /// The maps that a piece needs in this tile; null if none.
   [[nodiscard]] const Pair* For(const DrawPiece& piece) const {
-    const Pair& pair = pairs_[IndexOf(piece)];
+    const Pair& pair = pairs_[Frame::ImageIndex(piece)];
     return piece.isContested && pair.w != 0 ? &pair : nullptr;
   }
 
-  void Add(const DrawPiece& piece, const Pair& pair) { pairs_[IndexOf(piece)] = pair; }
+  void Add(const DrawPiece& piece, const Pair& pair) { pairs_[Frame::ImageIndex(piece)] = pair; }
 
  private:
-  static std::size_t IndexOf(const DrawPiece& piece) {
-    return piece.slot * kImageFamilies.size() + piece.family;
-  }
-
   std::vector<Pair> pairs_;
 };
 
