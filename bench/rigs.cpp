@@ -46,17 +46,20 @@ struct Place {
   double turn;  ///< radians
 };
 
+/// Sets a corner to so many pixels from the centre of a place, along it and across.
+void PutCorner(PieceQuad& piece, std::size_t corner, const Place& place, double along,
+               double across) {
+  piece.corners[corner][0] = place.x + along * std::cos(place.turn) - across * std::sin(place.turn);
+  piece.corners[corner][1] = place.y + along * std::sin(place.turn) + across * std::cos(place.turn);
+}
+
 PieceQuad Piece(const Place& place, const Cut& cut, double boneT) {
   PieceQuad piece{};
   const double u[4] = {cut.left, cut.right, cut.right, cut.left};
   const double v[4] = {cut.top, cut.top, cut.bottom, cut.bottom};
   for (std::size_t corner = 0; corner < 4; ++corner) {
-    const double along = (u[corner] == cut.left ? -0.5 : 0.5) * place.width;
-    const double across = (v[corner] == cut.top ? -0.5 : 0.5) * place.height;
-    piece.corners[corner][0] =
-        place.x + along * std::cos(place.turn) - across * std::sin(place.turn);
-    piece.corners[corner][1] =
-        place.y + along * std::sin(place.turn) + across * std::cos(place.turn);
+    PutCorner(piece, corner, place, (u[corner] == cut.left ? -0.5 : 0.5) * place.width,
+              (v[corner] == cut.top ? -0.5 : 0.5) * place.height);
     piece.texCoords[corner][0] = u[corner];
     piece.texCoords[corner][1] = v[corner];
   }
@@ -116,13 +119,9 @@ std::vector<PieceQuad> Slices(const Place& limb, Slicing slicing, int slices) {
   for (int slice = 0; slice < slices; ++slice) {
     PieceQuad piece = Piece(limb, slicer.CutOf(slice), (slice + 0.5) / slices);
     for (const std::size_t corner : {0U, 1U, 2U, 3U}) {
-      const double along =
-          (slicer.Along(piece.texCoords[corner][0]) - 0.5 * kLimbImageSide) * scale;
-      const double across = (piece.texCoords[corner][1] - 0.5 * kLimbImageSide) * scale;
-      piece.corners[corner][0] =
-          limb.x + along * std::cos(limb.turn) - across * std::sin(limb.turn);
-      piece.corners[corner][1] =
-          limb.y + along * std::sin(limb.turn) + across * std::cos(limb.turn);
+      PutCorner(piece, corner, limb,
+                (slicer.Along(piece.texCoords[corner][0]) - 0.5 * kLimbImageSide) * scale,
+                (piece.texCoords[corner][1] - 0.5 * kLimbImageSide) * scale);
     }
     pieces.push_back(piece);
   }
